@@ -1,0 +1,18 @@
+# Libraries from outside: the distribution's packages on Linux, pinned sources on a Mac.
+
+find_package(Threads REQUIRED)
+if(APPLE)
+  include(KeyvoraFetch)
+else()
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)
+  add_library(keyvora_utf8proc ALIAS PkgConfig::UTF8PROC)
+  pkg_check_modules(RAPIDJSON REQUIRED IMPORTED_TARGET RapidJSON)
+  add_library(keyvora_rapidjson ALIAS PkgConfig::RAPIDJSON)
+  if(KEYVORA_TESTS)
+    find_package(GTest REQUIRED)
+  endif()
+endif()
+if(KEYVORA_TESTS)
+  include(GoogleTest)
+endif()

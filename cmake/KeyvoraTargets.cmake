@@ -1,0 +1,35 @@
+# How every target of the project is made.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 20)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_OBJCXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(keyvora_options INTERFACE)
+target_include_directories(keyvora_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(keyvora_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
+  -Wformat=2 -fstack-protector-strong)
+if(KEYVORA_SANITIZE)
+  target_compile_options(keyvora_options INTERFACE
+    -fsanitize=${KEYVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(keyvora_options INTERFACE -fsanitize=${KEYVORA_SANITIZE})
+endif()
+
+# keyvora_library(NAME SOURCES... LINK targets...): a static library keyvora_NAME of this folder's sources.
+function(keyvora_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+  add_library(keyvora_${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(keyvora_${name} PUBLIC keyvora_options ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+endfunction()
+
+# keyvora_test(NAME SOURCES... LINK targets...): a GoogleTest program that CTest runs test by test.
+function(keyvora_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE keyvora_options ${ARG_LINK} GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()

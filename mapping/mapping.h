@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mapping/action.h"
+
+namespace keyvora {
+
+/// One entry of the mapping document.
+struct Sequence {
+  /// The letters to type after tapping Option, as written.
+  std::string keys;
+  /// For people to read; with `keys` it labels every log line about the action.
+  std::string name;
+  Action action;
+
+  /// The letters of `keys`: upper-cased, split into user-perceived characters, white space dropped. Computed
+  /// at every call.
+  [[nodiscard]] std::vector<std::string> letters() const;
+
+  friend bool operator==(const Sequence& a, const Sequence& b);
+};
+
+/// What typed letters mean to a mapping.
+struct Match {
+  /// The last sequence with exactly these letters, or null. Points into the mapping.
+  const Sequence* exact = nullptr;
+  /// Whether a longer sequence starts with these letters.
+  bool isPrefixOfLonger = false;
+};
+
+/// Orders dictionary keys so that canonically equivalent ones are the same key.
+struct KeyOrder {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const;
+};
+
+/// The mapping document: a plain value, never changed after decoding.
+struct Mapping {
+  std::int64_t version = 1;
+  std::optional<std::vector<std::string>> notes;
+  /// How long to wait on an ambiguous sequence, in milliseconds; not validated.
+  std::optional<std::int64_t> timeoutMilliseconds;
+  std::map<std::string, std::string, KeyOrder> tabs;
+  /// In document order, which decides ties.
+  std::vector<Sequence> sequences;
+
+  /// Matches the letters typed so far against all sequences, normalising each anew. Allocates nothing for
+  /// sequences whose keys are ASCII. Any thread.
+  [[nodiscard]] Match lookup(std::span<const std::string> typed) const;
+
+  friend bool operator==(const Mapping& a, const Mapping& b);
+};
+
+}  // namespace keyvora

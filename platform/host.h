@@ -1,0 +1,22 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/platform.h"
+
+namespace keyvora::platform {
+
+/// An operating system behind the door; it owns what the platform's references name.
+class Host {
+ public:
+  virtual ~Host() = default;
+
+  [[nodiscard]] virtual const Platform& platform() const = 0;
+};
+
+/// Makes the host that this program was built for; never null. What the machine lacks (a display, say) shows
+/// when it is used. Called once, on the main thread, by the process entry. Defined by the host that is
+/// linked.
+std::unique_ptr<Host> createHost();
+
+}  // namespace keyvora::platform

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "platform/applications.h"
+
+/// Keyboard events in the terms of macOS (CGEventTypes.h), on every host: virtual key codes, event types and
+/// flag masks. A host whose system speaks otherwise translates at its edge.
+namespace keyvora::platform {
+
+/// Event types, as `CGEventType`. Plain numbers, not an enumeration: a tap must accept any 32-bit value.
+namespace event_type {
+inline constexpr std::uint32_t keyDown = 10;
+inline constexpr std::uint32_t keyUp = 11;
+inline constexpr std::uint32_t flagsChanged = 12;
+inline constexpr std::uint32_t tapDisabledByTimeout = 0xFFFFFFFE;
+inline constexpr std::uint32_t tapDisabledByUserInput = 0xFFFFFFFF;
+}  // namespace event_type
+
+/// Modifier bits of an event's flags, as `CGEventFlags`.
+namespace event_flag {
+inline constexpr std::uint64_t shift = 0x20000;
+inline constexpr std::uint64_t control = 0x40000;
+inline constexpr std::uint64_t option = 0x80000;
+inline constexpr std::uint64_t command = 0x100000;
+}  // namespace event_flag
+
+/// One keyboard event as a tap sees it.
+struct KeyEvent {
+  std::uint32_t type = event_type::keyDown;
+  /// Virtual key code: the physical key, whatever the keyboard layout.
+  std::uint16_t keyCode = 0;
+  /// Modifier mask at the time of the event.
+  std::uint64_t flags = 0;
+  /// The user data of the source that made the event (field 42); 0 for hardware.
+  std::int64_t userData = 0;
+
+  friend bool operator==(const KeyEvent&, const KeyEvent&) = default;
+};
+
+/// What becomes of an event that a tap was shown.
+enum class Verdict { pass, swallow };
+
+/// Decides one event. Called on the main thread; must be quick and must not throw.
+using TapHandler = std::function<Verdict(const KeyEvent&)>;
+
+/// An event tap that exists. Main thread only. Destroying it removes the tap.
+class EventTap {
+ public:
+  virtual ~EventTap() = default;
+
+  /// Switches the tap on, at first and after the system has switched it off. Never fails outward.
+  virtual void enable() = 0;
+};
+
+/// Where synthetic events come from. Safe from any thread once its user data is set.
+class EventSource {
+ public:
+  virtual ~EventSource() = default;
+
+  /// Every event made from this source from now on carries `userData`.
+  virtual void setUserData(std::int64_t userData) = 0;
+};
+
+/// A synthetic keyboard event that was made and not yet posted. Used by one thread at a time.
+class SyntheticEvent {
+ public:
+  virtual ~SyntheticEvent() = default;
+
+  virtual void setType(std::uint32_t type) = 0;
+  virtual void setFlags(std::uint64_t flags) = 0;
+
+  /// Delivers the event to one process.
+  virtual void postTo(ProcessIdentifier process) = 0;
+
+  /// Injects the event at the hardware level, where every tap sees it, our own included.
+  virtual void postToHardware() = 0;
+};
+
+/// The keyboard of the login session.
+class Keyboard {
+ public:
+  virtual ~Keyboard() = default;
+
+  /// Creates a tap that is shown every event whose type's bit is set in `eventMask` and may swallow it. The
+  /// tap-disabled types are shown whatever the mask. Still switched off; null when the system refuses (no
+  /// permission, or another instance holds the keyboard). Main thread; `handler` is called there too.
+  virtual std::unique_ptr<EventTap> createTap(std::uint64_t eventMask, TapHandler handler) = 0;
+
+  /// A private event source, or null when none can be made. Any thread.
+  virtual std::unique_ptr<EventSource> createSource() = 0;
+
+  /// A key-down or key-up of one key without flags; null when it cannot be made. A null `source` makes an
+  /// event whose user data is 0. Any thread.
+  virtual std::unique_ptr<SyntheticEvent> createEvent(const EventSource* source, std::uint16_t keyCode,
+                                                      bool down) = 0;
+};
+
+}  // namespace keyvora::platform

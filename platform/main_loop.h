@@ -1,0 +1,49 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace keyvora::platform {
+
+/// Time spans between moments of the monotonic clock, in seconds.
+using Seconds = std::chrono::duration<double>;
+
+/// A timer on the main loop. Main thread. It may be kept after it was invalidated; destroying it invalidates.
+class Timer {
+ public:
+  virtual ~Timer() = default;
+
+  /// The timer does not fire again. May be called more than once, and from the timer's own block.
+  virtual void invalidate() = 0;
+
+  /// False once invalidated, or once a one-shot timer has fired.
+  [[nodiscard]] virtual bool isValid() const = 0;
+};
+
+/// When a main-loop timer may fire.
+enum class TimerMode {
+  /// Not while a menu of our own is tracked: it then waits until the menu has closed.
+  defaultMode,
+  /// Always.
+  commonModes,
+};
+
+/// The main thread's loop. Blocks run on the main thread and must not throw.
+class MainLoop {
+ public:
+  virtual ~MainLoop() = default;
+
+  /// Any thread.
+  [[nodiscard]] virtual bool isMainThread() const = 0;
+
+  /// Runs `block` after `interval`, once or again and again at that interval; an interval of zero or less
+  /// means the next pass of the loop. Main thread.
+  virtual std::unique_ptr<Timer> schedule(Seconds interval, bool repeats, TimerMode mode,
+                                          std::function<void()> block) = 0;
+
+  /// Runs `block` once on the main thread after `delay`, whatever the loop is doing then. Any thread.
+  virtual void after(Seconds delay, std::function<void()> block) = 0;
+};
+
+}  // namespace keyvora::platform

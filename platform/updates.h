@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace keyvora::platform {
+
+/// An update that a feed offers.
+struct UpdateItem {
+  /// The version as people write it.
+  std::string displayVersionString;
+  /// The version that updates are compared by.
+  std::string versionString;
+};
+
+/// What an updater tells its owner, after Sparkle's `SPUUpdaterDelegate` and `SPUStandardUserDriverDelegate`.
+/// Called on the main thread. With no update both `didNotFindUpdate` and then `didAbort` are called.
+class UpdaterDelegate {
+ public:
+  virtual ~UpdaterDelegate() = default;
+
+  virtual void didFindValidUpdate(const UpdateItem& item) = 0;
+  virtual void didNotFindUpdate(const std::string& errorDescription) = 0;
+  virtual void didAbort(const std::string& errorDescription) = 0;
+
+  /// Whether the owner knows how to remind of a scheduled update without disturbing.
+  [[nodiscard]] virtual bool supportsGentleScheduledUpdateReminders() const = 0;
+
+  /// Whether the standard user interface shall show an update that a scheduled check found.
+  [[nodiscard]] virtual bool shouldHandleShowingScheduledUpdate(const UpdateItem& item,
+                                                                bool inImmediateFocus) const = 0;
+
+  /// An update is about to be shown: by the standard user interface when `handleShowingUpdate` holds.
+  virtual void willHandleShowingUpdate(bool handleShowingUpdate, const UpdateItem& item) = 0;
+
+  /// The user is done with the update, or the check that was shown has ended.
+  virtual void willFinishUpdateSession() = 0;
+};
+
+/// The standard updater with its user interface. Main thread. Errors are shown by it, not returned.
+class UpdaterController {
+ public:
+  virtual ~UpdaterController() = default;
+
+  /// Starts scheduled checks. A second call changes nothing.
+  virtual void startUpdater() = 0;
+
+  /// A check that the user asked for, with its user interface.
+  virtual void checkForUpdates() = 0;
+
+  /// A check without any user interface; the delegate hears the answer.
+  virtual void checkForUpdateInformation() = 0;
+};
+
+/// The update framework. Main thread.
+class Updates {
+ public:
+  virtual ~Updates() = default;
+
+  /// A controller, started at once when `startingUpdater` holds; `delegate` must outlive it. Never null.
+  virtual std::unique_ptr<UpdaterController> createController(bool startingUpdater,
+                                                              UpdaterDelegate& delegate) = 0;
+};
+
+}  // namespace keyvora::platform

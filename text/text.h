@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The string rules of the mapping document, which are those of the platform's own strings: full Unicode case
+/// mapping without locale or context, user-perceived characters, canonical equivalence. Text is UTF-8; what
+/// is ill-formed counts as U+FFFD. Pure functions, any thread.
+namespace keyvora::text {
+
+/// Every code point replaced by its full upper-case mapping (the sharp s becomes two letters).
+std::string upperCased(std::string_view text);
+
+/// Every code point replaced by its full lower-case mapping; no final sigma.
+std::string lowerCased(std::string_view text);
+
+/// Splits into user-perceived characters: extended grapheme clusters of UAX #29.
+std::vector<std::string> characters(std::string_view text);
+
+/// Whether a character is white space: its first code point has the property White_Space.
+bool isWhiteSpace(std::string_view character);
+
+/// Whether two strings are canonically equivalent. ASCII strings are compared as bytes, without allocation.
+bool equal(std::string_view a, std::string_view b);
+
+/// The canonical composition (NFC): equal strings have one.
+std::string canonical(std::string_view text);
+
+}  // namespace keyvora::text
