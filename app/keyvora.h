@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "platform/main_loop.h"
 #include "platform/menu.h"
@@ -18,16 +19,17 @@ class Keyvora : public std::enable_shared_from_this<Keyvora> {
   /// Everything that happens once when the application's loop has started.
   void applicationDidFinishLaunching();
 
-  /// The status menu as it reads now.
+  /// The status menu as it reads now. It is a snapshot: rows do not change until the menu is built again.
   [[nodiscard]] platform::Menu menu();
 
  private:
   Keyvora() = default;
 
   void installTap();
-  void pollTrust();
+  static void pollTrust(const std::weak_ptr<Keyvora>& delegate, platform::Timer& timer);
   void showState(bool armed, const std::string& text);
   void rebuildMenu();
+  platform::StatusItem& status();
 
   void editMappings();
   void reload();
@@ -38,7 +40,7 @@ class Keyvora : public std::enable_shared_from_this<Keyvora> {
 
   std::unique_ptr<platform::StatusItem> status_;
   /// Kept after it was invalidated.
-  std::unique_ptr<platform::Timer> trustPoll_;
+  std::shared_ptr<platform::Timer> trustPoll_;
 };
 
 }  // namespace keyvora

@@ -1,0 +1,92 @@
+#include "app/keyvora.h"
+
+#include "app/bundle_version.h"
+#include "log/log.h"
+#include "mapping/mapping_store.h"
+#include "platform/fatal.h"
+#include "platform/platform.h"
+#include "platform/shared.h"
+#include "system/updater.h"
+#include "tap/key_sequence_tap.h"
+
+namespace keyvora {
+namespace {
+
+constexpr auto optionKey = "⌥";
+constexpr platform::Seconds trustPollInterval{2.0};
+
+/// What keeps the poll going: not the delegate but the loop it runs on.
+struct ScheduledPoll {
+  std::shared_ptr<platform::Timer> timer;
+};
+
+std::string sequenceCount() {
+  return std::to_string(MappingStore::shared().mapping().sequences.size());
+}
+
+}  // namespace
+
+std::shared_ptr<Keyvora> Keyvora::create() {
+  platform::requireMainThread("Keyvora::create");
+  return std::shared_ptr<Keyvora>(new Keyvora);
+}
+
+void Keyvora::applicationDidFinishLaunching() {
+  const auto& host = platform::current();
+  status_ = host.statusBar.createItem();
+  if (status_->hasButton()) status_->setTitle(optionKey);
+  rebuildMenu();
+
+  const auto& bundle = host.bundles.main();
+  Log::line("launch " + version(bundle) + " (" + build(bundle) + ")");
+  const bool trusted = host.accessibility.isTrustedPrompting();
+  Log::line(trusted ? "accessibility granted" : "accessibility not granted yet");
+  installTap();
+
+  KeySequenceTap::shared().onStateChange = [delegate = weak_from_this()](bool armed,
+                                                                         const std::string& text) {
+    if (const auto self = delegate.lock()) self->showState(armed, text);
+  };
+  MappingStore::shared().onReload = [delegate = weak_from_this()](const Mapping&) {
+    if (const auto self = delegate.lock()) self->rebuildMenu();
+  };
+  Updater::shared().controller().startUpdater();
+}
+
+void Keyvora::installTap() {
+  if (KeySequenceTap::shared().install()) {
+    // The menu is left as it was built: a snapshot, until something calls for the next one.
+    Log::line("tap installed, " + sequenceCount() + " sequences, log at " + Log::url().string());
+    return;
+  }
+  Log::line("tap not installed yet: waiting for the Accessibility grant");
+  auto& scheduled = platform::shared<ScheduledPoll>([] { return std::make_unique<ScheduledPoll>(); });
+  scheduled.timer = platform::current().mainLoop.schedule(
+      trustPollInterval, true, platform::TimerMode::defaultMode,
+      [delegate = weak_from_this(), &scheduled] { pollTrust(delegate, *scheduled.timer); });
+  trustPoll_ = scheduled.timer;
+}
+
+void Keyvora::pollTrust(const std::weak_ptr<Keyvora>& delegate, platform::Timer& timer) {
+  if (!platform::current().accessibility.isTrusted()) return;
+  if (!KeySequenceTap::shared().install()) return;
+  Log::line("accessibility granted, tap installed, " + sequenceCount() + " sequences");
+  if (const auto self = delegate.lock()) self->rebuildMenu();
+  timer.invalidate();
+}
+
+void Keyvora::showState(bool armed, const std::string& text) {
+  if (!status().hasButton()) return;
+  status().setTitle(armed ? optionKey + (" " + text) : optionKey);
+}
+
+void Keyvora::rebuildMenu() {
+  status().setMenu(menu());
+}
+
+platform::StatusItem& Keyvora::status() {
+  if (!status_) platform::fatal("the status item is shown before it was made");
+  return *status_;
+}
+
+}  // namespace keyvora
