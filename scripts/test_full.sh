@@ -1,0 +1,12 @@
+# Sourced by ./test for --full: what takes too long for every change.
+# shellcheck shell=bash
+
+# The core under the thread sanitizer; the hosts' own libraries are not built for it.
+if check "Building (tsan)" scripts/build tsan -DKEYVORA_HOST=OFF; then
+  run_tests tsan
+fi
+
+# The second compiler: everything builds without a warning.
+if check "Building (clang)" scripts/build clang && check "Checking with clang-tidy" scripts/tidy build/clang; then
+  passed=$((passed + 1))
+fi
