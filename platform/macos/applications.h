@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include "platform/applications.h"
+
+namespace keyvora::macos {
+
+/// Running and frontmost applications, from NSRunningApplication and NSWorkspace. Main thread.
+class Applications final : public platform::Applications {
+ public:
+  std::vector<platform::ProcessIdentifier> running(std::string_view bundleIdentifier) override;
+  std::optional<std::string_view> frontmostBundleIdentifier() override;
+
+ private:
+  /// Keeps the bytes that the last view names; grows once and is reused.
+  std::string frontmost_;
+};
+
+/// NSWorkspace as the opener of files and addresses. Main thread.
+class Workspace final : public platform::Workspace {
+ public:
+  void openFile(const std::string& path) override;
+  void openAddress(const std::string& address) override;
+};
+
+}  // namespace keyvora::macos

@@ -1,0 +1,39 @@
+#pragma once
+
+#import <CoreGraphics/CoreGraphics.h>
+#import <Foundation/Foundation.h>
+
+#include <memory>
+
+#include "platform/keyboard.h"
+#include "platform/macos/cf_ref.h"
+
+namespace keyvora::macos {
+
+/// An active session-wide event tap on the main run loop. Main thread.
+class EventTap final : public platform::EventTap {
+ public:
+  /// Null when the system refuses the tap.
+  static std::unique_ptr<EventTap> create(std::uint64_t eventMask, platform::TapHandler handler);
+  ~EventTap() override;
+  EventTap(const EventTap&) = delete;
+  EventTap& operator=(const EventTap&) = delete;
+
+  void enable() override;
+
+ private:
+  explicit EventTap(platform::TapHandler handler);
+  static CGEventRef callback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);
+  platform::Verdict decide(CGEventType type, CGEventRef event) const;
+  void watchForSilentDisabling();
+  void reportIfDisabled() const;
+
+  platform::TapHandler handler_;
+  CFRef<CFMachPortRef> port_;
+  CFRef<CFRunLoopSourceRef> source_;
+  /// Observers of moments after which the system may have left the tap off without telling.
+  NSMutableArray<id<NSObject>>* workspaceObservers_;
+  id<NSObject> unlockObserver_;
+};
+
+}  // namespace keyvora::macos

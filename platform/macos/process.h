@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/application.h"
+
+namespace keyvora::macos {
+
+/// The process, through the C library: `exit` is also where NSApplication's `terminate:` ends.
+class Process final : public platform::Process {
+ public:
+  void print(std::string_view line) override;
+  void exit(int status) override;
+  void atExit(std::function<void()> block) override;
+};
+
+}  // namespace keyvora::macos

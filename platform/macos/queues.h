@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/queues.h"
+
+namespace keyvora::macos {
+
+/// Dispatch queues: serial ones of our own, and the global user-interactive one for plans.
+class Queues final : public platform::Queues {
+ public:
+  std::unique_ptr<platform::SerialQueue> createSerial(const std::string& label) override;
+  void walk(platform::Plan plan) override;
+};
+
+}  // namespace keyvora::macos

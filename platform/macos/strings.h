@@ -1,0 +1,22 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+/// Between the core's UTF-8 and the system's strings and locations.
+namespace keyvora::macos {
+
+/// Never nil: ill-formed UTF-8 is repaired with U+FFFD.
+NSString* nsString(std::string_view text);
+
+/// Empty for nil; an unpaired surrogate becomes U+FFFD.
+std::string utf8(NSString* text);
+
+NSURL* fileURL(const std::filesystem::path& path);
+
+std::filesystem::path filePath(NSURL* url);
+
+}  // namespace keyvora::macos
