@@ -18,18 +18,18 @@ inline std::atomic<T*> sharedSlot = nullptr;
 /// access, exactly once under concurrent first access too. Later calls are one atomic load.
 template <class T, class Make>
 T& shared(Make make) {
-  auto& slot = detail::sharedSlot<T>;
-  if (T* instance = slot.load(std::memory_order_acquire)) return *instance;
-  detail::makeShared([&slot] { return slot.load(std::memory_order_acquire) != nullptr; },
-                     [&slot, &make]() -> std::function<void()> {
+  auto* slot = &detail::sharedSlot<T>;
+  if (T* instance = slot->load(std::memory_order_acquire)) return *instance;
+  detail::makeShared([slot] { return slot->load(std::memory_order_acquire) != nullptr; },
+                     [slot, &make]() -> std::function<void()> {
                        T* instance = make().release();
-                       slot.store(instance, std::memory_order_release);
-                       return [&slot, instance] {
-                         slot.store(nullptr, std::memory_order_release);
+                       slot->store(instance, std::memory_order_release);
+                       return [slot, instance] {
+                         slot->store(nullptr, std::memory_order_release);
                          delete instance;
                        };
                      });
-  return *slot.load(std::memory_order_acquire);
+  return *slot->load(std::memory_order_acquire);
 }
 
 }  // namespace keyvora::platform
