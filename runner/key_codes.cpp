@@ -1,0 +1,16 @@
+#include "runner/key_codes.h"
+
+#include "text/text.h"
+
+namespace keyvora {
+
+std::optional<std::uint16_t> keyCodeFor(std::string_view name) {
+  // Canonical equivalence matters even here: the Greek question mark is a semicolon.
+  const auto lower = text::lowerCased(name);
+  for (const auto& key : keyCodes) {
+    if (text::equal(key.name, lower)) return key.code;
+  }
+  return std::nullopt;
+}
+
+}  // namespace keyvora

@@ -1,0 +1,30 @@
+#include "runner/key_plan.h"
+
+#include <algorithm>
+
+#include "runner/key_codes.h"
+#include "text/text.h"
+
+namespace keyvora {
+
+std::vector<PlannedKey> keyPlan(std::string_view keys) {
+  std::string cleaned;
+  for (const auto& character : text::characters(text::upperCased(keys))) {
+    if (!text::isWhiteSpace(character)) cleaned += character;
+  }
+  // Split once more: what white space kept apart may now be one character, an accent and the letter before.
+  std::vector<PlannedKey> plan;
+  for (auto& character : text::characters(cleaned)) {
+    const auto code = keyCodeFor(character).value_or(noKeyCode);
+    plan.push_back({std::move(character), code});
+  }
+  return plan;
+}
+
+std::optional<std::string> firstWithoutKey(const std::vector<PlannedKey>& plan) {
+  const auto found = std::ranges::find(plan, noKeyCode, &PlannedKey::code);
+  if (found == plan.end()) return std::nullopt;
+  return found->character;
+}
+
+}  // namespace keyvora
