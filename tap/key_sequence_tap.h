@@ -37,31 +37,40 @@ class KeySequenceTap {
   /// Whether `install` has succeeded.
   [[nodiscard]] bool installed() const { return installed_; }
 
-  /// Told of each change: whether the tap is armed, and the letters typed so far.
+  /// Told of each change: whether the tap is armed, and the letters typed so far. Told again that it is not
+  /// armed at every event outside the target.
   std::function<void(bool armed, const std::string& text)> onStateChange;
 
-  /// Decides one event. `type` is the event's own: it is looked at before anything else of it.
+  /// Decides one event. `type` is the event's own: it is looked at before anything else of it. Outside an
+  /// armed sequence it allocates nothing.
   platform::Verdict handle(std::uint32_t type, const platform::KeyEvent& event);
 
-  /// The letter or digit that a key stands for by its place on the ANSI keyboard, or none.
+  /// The letter (A to Z) or digit of a key on the main block of the ANSI keyboard, by its virtual key code;
+  /// none for every other key. It goes by the key's place: layout, Shift and Caps Lock do not matter.
   static std::optional<char> letterFor(std::uint16_t keyCode);
 
  private:
+  void modifierChanged(std::uint16_t keyCode, bool optionHeld);
+  platform::Verdict keyTypedWhileArmed(std::uint16_t keyCode);
+  void letterTyped(char letter);
+  void scheduleTimeout(const Mapping& mapping, std::optional<Sequence> exact);
+
   void arm();
   void disarm();
-  void fire(const Sequence& sequence);
-  void flagsChanged(const platform::KeyEvent& event);
-  void letterTyped(char letter);
-  void scheduleTimeout(std::optional<Sequence> exact);
+  void fire(Sequence sequence);
   void report(bool armed, const std::string& text) const;
 
   MappingSource mapping_;
   Runner& runner_;
   std::unique_ptr<platform::EventTap> tap_;
   bool installed_ = false;
+  /// Between a lone Option tap and the end of the sequence.
   bool armed_ = false;
+  /// The letters since arming, in typing order.
   std::vector<std::string> typed_;
+  /// An Option key is held and nothing else has happened since it went down.
   bool optionDownAlone_ = false;
+  /// The pending decision on an ambiguous sequence, or one that a further letter has invalidated.
   std::unique_ptr<platform::Timer> timer_;
 };
 
