@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/keyboard.h"
+
+namespace keyvora::x11 {
+
+class Poster;
+
+/// The keyboard of an X session. Without a usable display there is no tap and no event.
+class Keyboard : public platform::Keyboard {
+ public:
+  /// The display of this name, or the one that DISPLAY names when it is empty. Connects when first used.
+  explicit Keyboard(std::string displayName);
+  ~Keyboard() override;
+
+  /// The tap's events are dispatched by GLib's default main context, ahead of timers and drawing.
+  std::unique_ptr<platform::EventTap> createTap(std::uint64_t eventMask,
+                                                platform::TapHandler handler) override;
+  std::unique_ptr<platform::EventSource> createSource() override;
+  std::unique_ptr<platform::SyntheticEvent> createEvent(const platform::EventSource* source,
+                                                        std::uint16_t keyCode, bool down) override;
+
+ private:
+  std::string displayName_;
+  std::shared_ptr<Poster> poster_;
+};
+
+}  // namespace keyvora::x11
