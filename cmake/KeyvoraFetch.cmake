@@ -1,0 +1,40 @@
+# The libraries on a Mac: sources pinned by commit and compiled here, because the program is universal and a package
+# manager's libraries have one architecture. CMake's own FETCHCONTENT_SOURCE_DIR_<NAME> takes each from a local folder.
+include(FetchContent)
+
+set(utf8proc_commit 34db3f7954e9298e89f42641ac78e0450f80a70d)    # 2.9.0
+set(rapidjson_commit 24b5e7a8b27f42fa16b96fc70aade9106cf7102f)   # after 1.1.0, which modern compilers reject
+set(googletest_commit f8d7d77c06936315286eb55f8de22cd23c188571)  # 1.14.0
+
+FetchContent_Declare(utf8proc
+  GIT_REPOSITORY https://github.com/JuliaStrings/utf8proc.git GIT_TAG ${utf8proc_commit} SYSTEM)
+# Headers only: a build file of its own would add its tests and documents.
+FetchContent_Declare(rapidjson
+  GIT_REPOSITORY https://github.com/Tencent/rapidjson.git GIT_TAG ${rapidjson_commit} SOURCE_SUBDIR include)
+FetchContent_MakeAvailable(utf8proc rapidjson)
+add_library(keyvora_utf8proc ALIAS utf8proc)
+add_library(keyvora_rapidjson INTERFACE)
+target_include_directories(keyvora_rapidjson SYSTEM INTERFACE ${rapidjson_SOURCE_DIR}/include)
+
+if(KEYVORA_TESTS)
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  FetchContent_Declare(googletest
+    GIT_REPOSITORY https://github.com/google/googletest.git GIT_TAG ${googletest_commit} SYSTEM)
+  FetchContent_MakeAvailable(googletest)
+endif()
+
+# Sparkle: the release's own archive, held to its published hash, or a folder that has Sparkle.framework.
+set(KEYVORA_SPARKLE_DIR "$ENV{KEYVORA_SPARKLE_DIR}" CACHE PATH "Folder that holds Sparkle.framework; empty to download it")
+if(NOT KEYVORA_SPARKLE_DIR)
+  FetchContent_Declare(sparkle
+    URL https://github.com/sparkle-project/Sparkle/releases/download/2.9.3/Sparkle-for-Swift-Package-Manager.zip
+    URL_HASH SHA256=3a5d7fd698acc39c122e75764ed3614b472b284cc483f32ae7006d86c513370c)
+  FetchContent_MakeAvailable(sparkle)
+  file(GLOB sparkle_frameworks LIST_DIRECTORIES true
+    "${sparkle_SOURCE_DIR}/Sparkle.xcframework/macos-*/Sparkle.framework")
+  list(GET sparkle_frameworks 0 sparkle_framework)
+  cmake_path(GET sparkle_framework PARENT_PATH KEYVORA_SPARKLE_DIR)
+endif()
+if(NOT IS_DIRECTORY "${KEYVORA_SPARKLE_DIR}/Sparkle.framework")
+  message(FATAL_ERROR "KEYVORA_SPARKLE_DIR must hold Sparkle.framework; '${KEYVORA_SPARKLE_DIR}' does not")
+endif()
