@@ -6,7 +6,8 @@
 
 namespace keyvora::macos {
 
-/// Owner of one reference to a Core Foundation object, released at its end. Any thread that the object allows.
+/// Owner of one reference to a Core Foundation object, released at its end. Any thread that the object
+/// allows.
 template <class T>
 class CFRef {
  public:

@@ -9,12 +9,11 @@ namespace keyvora::macos {
 
 std::unique_ptr<EventTap> EventTap::create(std::uint64_t eventMask, platform::TapHandler handler) {
   std::unique_ptr<EventTap> tap(new EventTap(std::move(handler)));
-  tap->port_ = CFRef<CFMachPortRef>::adopt(CGEventTapCreate(kCGSessionEventTap, kCGHeadInsertEventTap,
-                                                            kCGEventTapOptionDefault, eventMask, callback,
-                                                            tap.get()));
+  tap->port_ = CFRef<CFMachPortRef>::adopt(CGEventTapCreate(
+      kCGSessionEventTap, kCGHeadInsertEventTap, kCGEventTapOptionDefault, eventMask, callback, tap.get()));
   if (!tap->port_) return nullptr;
-  tap->source_ =
-      CFRef<CFRunLoopSourceRef>::adopt(CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap->port_.get(), 0));
+  tap->source_ = CFRef<CFRunLoopSourceRef>::adopt(
+      CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap->port_.get(), 0));
   CFRunLoopAddSource(CFRunLoopGetMain(), tap->source_.get(), kCFRunLoopCommonModes);
   tap->watchForSilentDisabling();
   return tap;
@@ -51,8 +50,7 @@ platform::Verdict EventTap::decide(CGEventType type, CGEventRef event) const {
   // A notice that the tap was switched off comes without an event.
   const bool isNotice = record.type >= platform::event_type::tapDisabledByTimeout;
   if (!isNotice && event != nullptr) {
-    record.keyCode =
-        static_cast<std::uint16_t>(CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode));
+    record.keyCode = static_cast<std::uint16_t>(CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode));
     record.flags = CGEventGetFlags(event);
     record.userData = CGEventGetIntegerValueField(event, kCGEventSourceUserData);
   }

@@ -10,8 +10,8 @@ namespace {
 
 std::optional<std::filesystem::path> firstDirectory(NSSearchPathDirectory directory) {
   @autoreleasepool {
-    NSURL* first = [NSFileManager.defaultManager URLsForDirectory:directory
-                                                        inDomains:NSUserDomainMask].firstObject;
+    NSURL* first =
+        [NSFileManager.defaultManager URLsForDirectory:directory inDomains:NSUserDomainMask].firstObject;
     if (first == nil) return std::nullopt;
     return filePath(first);
   }

@@ -6,8 +6,8 @@
 
 namespace keyvora::macos {
 
-/// Runs a callback's body in an autorelease pool and stops whatever it throws: the system's frames that called
-/// us are not made for exceptions. Returns what `body` returns, or `otherwise` after an exception.
+/// Runs a callback's body in an autorelease pool and stops whatever it throws: the system's frames that
+/// called us are not made for exceptions. Returns what `body` returns, or `otherwise` after an exception.
 template <class Body, class Result>
 Result guarded(Result otherwise, Body body) {
   @autoreleasepool {

@@ -41,9 +41,8 @@ class Host final : public platform::Host {
   StatusBar statusBar_;
   Updates updates_;
   Workspace workspace_;
-  platform::Platform platform_{accessibility_, application_, applications_, bundles_,
-                               clock_,         console_,     fileSystem_,   keyboard_,
-                               loginService_,  mainLoop_,    process_,      queues_,
+  platform::Platform platform_{accessibility_, application_, applications_, bundles_,  clock_,   console_,
+                               fileSystem_,    keyboard_,    loginService_, mainLoop_, process_, queues_,
                                scripts_,       statusBar_,   updates_,      workspace_};
 };
 

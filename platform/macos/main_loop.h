@@ -8,8 +8,8 @@ namespace keyvora::macos {
 class MainLoop final : public platform::MainLoop {
  public:
   [[nodiscard]] bool isMainThread() const override;
-  std::unique_ptr<platform::Timer> schedule(platform::Seconds interval, bool repeats, platform::TimerMode mode,
-                                            std::function<void()> block) override;
+  std::unique_ptr<platform::Timer> schedule(platform::Seconds interval, bool repeats,
+                                            platform::TimerMode mode, std::function<void()> block) override;
   void after(platform::Seconds delay, std::function<void()> block) override;
 };
 

@@ -47,7 +47,7 @@ keyvora::platform::UpdateItem itemOf(SUAppcastItem* item) {
 }
 
 - (BOOL)standardUserDriverShouldHandleShowingScheduledUpdate:(SUAppcastItem*)update
-                                          andInImmediateFocus:(BOOL)immediateFocus {
+                                         andInImmediateFocus:(BOOL)immediateFocus {
   return keyvora::macos::guarded(true, [&] {
     return self->_delegate->shouldHandleShowingScheduledUpdate(itemOf(update), immediateFocus);
   });
