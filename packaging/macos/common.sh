@@ -1,0 +1,21 @@
+# shellcheck shell=bash disable=SC2034
+# Shared by the scripts of this folder; sourced, not run.
+
+die() {
+  printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+  exit 1
+}
+
+# need NAME...: the commands that the script cannot do without.
+need() {
+  local name
+  for name in "$@"; do
+    command -v "$name" >/dev/null || die "$name is missing; it comes with Xcode's command line tools (xcode-select --install)"
+  done
+}
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+entitlements=$here/keyvora.entitlements
+
+# app_version APP KEY: a value of the bundle's information dictionary.
+app_version() { /usr/libexec/PlistBuddy -c "Print :$2" "$1/Contents/Info.plist"; }
