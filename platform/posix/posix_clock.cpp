@@ -1,0 +1,43 @@
+#include "platform/posix/posix_clock.h"
+
+#include <array>
+#include <ctime>
+
+namespace keyvora::posix {
+namespace {
+
+/// What was formatted last on this thread.
+struct Stamp {
+  std::time_t second = -1;
+  const Clock* clock = nullptr;
+  std::array<char, 64> text{};
+  std::size_t length = 0;
+};
+
+thread_local Stamp last;
+
+}  // namespace
+
+Clock::Clock() : locale_(::newlocale(LC_TIME_MASK, "", nullptr)) {
+  // A locale that is not installed: the one that always is.
+  if (!locale_) locale_ = ::newlocale(LC_TIME_MASK, "C", nullptr);
+}
+
+Clock::~Clock() {
+  ::freelocale(locale_);
+}
+
+std::string Clock::localTime() {
+  const auto now = std::time(nullptr);
+  if (now != last.second || last.clock != this) {
+    ::tzset();  // localtime_r alone keeps to the zone that the process started in
+    std::tm time{};
+    ::localtime_r(&now, &time);
+    last.length = ::strftime_l(last.text.data(), last.text.size(), "%Y-%m-%d %H:%M:%S", &time, locale_);
+    last.second = now;
+    last.clock = this;
+  }
+  return {last.text.data(), last.length};
+}
+
+}  // namespace keyvora::posix

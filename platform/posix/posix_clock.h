@@ -1,0 +1,25 @@
+#pragma once
+
+#include <clocale>
+
+#include "platform/clock.h"
+
+namespace keyvora::posix {
+
+/// The system's clock in the user's time zone, with the numerals and the calendar that the C library gives
+/// the user's locale. A change of the zone is followed from the next second on. Formats once a second on each
+/// thread that asks, and takes no lock.
+class Clock final : public platform::Clock {
+ public:
+  Clock();
+  ~Clock() override;
+  Clock(const Clock&) = delete;
+  Clock& operator=(const Clock&) = delete;
+
+  std::string localTime() override;
+
+ private:
+  locale_t locale_;
+};
+
+}  // namespace keyvora::posix

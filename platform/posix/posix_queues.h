@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/posix/posix_plan_walkers.h"
+#include "platform/queues.h"
+
+namespace keyvora::posix {
+
+/// Background work on threads.
+class Queues final : public platform::Queues {
+ public:
+  std::unique_ptr<platform::SerialQueue> createSerial(const std::string& label) override;
+  void walk(platform::Plan plan) override;
+
+ private:
+  PlanWalkers walkers_;
+};
+
+}  // namespace keyvora::posix
