@@ -19,6 +19,8 @@ namespace keyvora::json {
 inline constexpr std::size_t maximumDepth = 512;
 /// More keys and values than this are an error: it bounds the memory that any document can take.
 inline constexpr std::size_t maximumNodes = std::size_t{1} << 22;
+/// A longer document is an error.
+inline constexpr std::size_t maximumBytes = std::size_t{1} << 31;
 
 enum class Type : std::uint8_t { null, boolean, number, string, array, object };
 
@@ -109,10 +111,13 @@ class Tree {
 
   [[nodiscard]] std::uint32_t next(std::uint32_t index) const;
 
-  /// The document as UTF-8 without a byte-order mark: the caller's bytes, or `converted_`.
-  std::string_view text_;
-  std::vector<char> converted_;
-  std::vector<char> unescaped_;
+  /// The document as UTF-8 without a byte-order mark.
+  [[nodiscard]] std::string_view text() const { return converted_.empty() ? bytes_ : converted_; }
+
+  /// The caller's bytes, when they are UTF-8, and what was made of them otherwise.
+  std::string_view bytes_;
+  std::string converted_;
+  std::string unescaped_;
   std::vector<Node> nodes_;
 };
 

@@ -21,10 +21,13 @@ std::vector<std::string> characters(std::string_view text);
 /// Whether a character is white space: its first code point has the property White_Space.
 bool isWhiteSpace(std::string_view character);
 
+/// Whether all bytes are ASCII.
+bool isAscii(std::string_view text);
+
 /// Whether two strings are canonically equivalent. ASCII strings are compared as bytes, without allocation.
 bool equal(std::string_view a, std::string_view b);
 
-/// The canonical composition (NFC): equal strings have one.
+/// The canonical decomposition (NFD): equal strings have the same.
 std::string canonical(std::string_view text);
 
 }  // namespace keyvora::text

@@ -20,8 +20,8 @@ struct Mismatch {
   std::string actual;
 };
 
-/// Checks one line: nothing when the program agrees. A line that lacks what the kind needs may throw
-/// `MalformedLine`.
+/// Checks one line: nothing when the program agrees. A line that lacks what the kind needs throws
+/// `MalformedLine` (line.h).
 using Check = std::optional<Mismatch> (*)(const Line& line);
 
 /// A kind of vectors: the name of its file and how to check a line.
