@@ -1,6 +1,7 @@
 #include "platform/posix/posix_clock.h"
 
 #include <array>
+#include <atomic>
 #include <ctime>
 
 namespace keyvora::posix {
@@ -9,16 +10,17 @@ namespace {
 /// What was formatted last on this thread.
 struct Stamp {
   std::time_t second = -1;
-  const Clock* clock = nullptr;
+  std::uint64_t clock = 0;
   std::array<char, 64> text{};
   std::size_t length = 0;
 };
 
 thread_local Stamp last;
+std::atomic<std::uint64_t> clocksMade = 0;
 
 }  // namespace
 
-Clock::Clock() : locale_(::newlocale(LC_TIME_MASK, "", nullptr)) {
+Clock::Clock() : locale_(::newlocale(LC_TIME_MASK, "", nullptr)), serial_(++clocksMade) {
   // A locale that is not installed: the one that always is.
   if (!locale_) locale_ = ::newlocale(LC_TIME_MASK, "C", nullptr);
 }
@@ -29,13 +31,13 @@ Clock::~Clock() {
 
 std::string Clock::localTime() {
   const auto now = std::time(nullptr);
-  if (now != last.second || last.clock != this) {
+  if (now != last.second || last.clock != serial_) {
     ::tzset();  // localtime_r alone keeps to the zone that the process started in
     std::tm time{};
     ::localtime_r(&now, &time);
     last.length = ::strftime_l(last.text.data(), last.text.size(), "%Y-%m-%d %H:%M:%S", &time, locale_);
     last.second = now;
-    last.clock = this;
+    last.clock = serial_;
   }
   return {last.text.data(), last.length};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <clocale>
+#include <cstdint>
 
 #include "platform/clock.h"
 
@@ -20,6 +21,8 @@ class Clock final : public platform::Clock {
 
  private:
   locale_t locale_;
+  /// Tells this clock from one that was at the same address before.
+  std::uint64_t serial_;
 };
 
 }  // namespace keyvora::posix
