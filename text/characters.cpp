@@ -67,22 +67,36 @@ class Conjunct {
   State state_ = State::none;
 };
 
+/// The code point to find boundaries by. Some that are not assigned yet are set aside for controls or for
+/// pictographs, and UAX #29 treats them as such already. The Unicode library does not: one that is assigned
+/// stands in for them.
+utf8proc_int32_t forBoundaries(char32_t codePoint) {
+  const auto given = static_cast<utf8proc_int32_t>(codePoint);
+  if (codePoint < 0x2065 || utf8proc_category(given) != UTF8PROC_CATEGORY_CN) return given;
+  const auto between = [&](char32_t first, char32_t last) { return codePoint >= first && codePoint <= last; };
+  constexpr utf8proc_int32_t control = 0x0001;
+  constexpr utf8proc_int32_t pictograph = 0x1F000;
+  if (codePoint == 0x2065 || between(0xFFF0, 0xFFF8) || between(0xE0000, 0xE0FFF)) return control;
+  if (between(0x1F000, 0x1FAFF) || between(0x1FC00, 0x1FFFD)) return pictograph;
+  return given;
+}
+
 /// Finds the boundaries between characters, one code point after another.
 class Segmenter {
  public:
-  explicit Segmenter(char32_t first) : previous_(first) { conjunct_.continues(first); }
+  explicit Segmenter(char32_t first) : previous_(forBoundaries(first)) { conjunct_.continues(first); }
 
   /// Takes the next code point; whether a character ends before it.
   bool endsBefore(char32_t codePoint) {
     const bool conjunct = conjunct_.continues(codePoint);
-    const bool boundary = utf8proc_grapheme_break_stateful(static_cast<utf8proc_int32_t>(previous_),
-                                                           static_cast<utf8proc_int32_t>(codePoint), &state_);
-    previous_ = codePoint;
+    const utf8proc_int32_t next = forBoundaries(codePoint);
+    const bool boundary = utf8proc_grapheme_break_stateful(previous_, next, &state_);
+    previous_ = next;
     return boundary && !conjunct;
   }
 
  private:
-  char32_t previous_;
+  utf8proc_int32_t previous_;
   utf8proc_int32_t state_ = 0;
   Conjunct conjunct_;
 };
