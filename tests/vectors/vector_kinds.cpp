@@ -8,6 +8,7 @@ std::span<const VectorKind> vectorKinds() {
       {"letters.jsonl", checkLetters},
       {"lookup.jsonl", checkLookup},
       {"equal.jsonl", checkEqual},
+      {"versions.jsonl", checkVersions},
   };
   return kinds;
 }
