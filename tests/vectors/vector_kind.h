@@ -37,6 +37,5 @@ std::optional<Mismatch> checkDecode(const Line& line);
 std::optional<Mismatch> checkEqual(const Line& line);
 std::optional<Mismatch> checkLetters(const Line& line);
 std::optional<Mismatch> checkLookup(const Line& line);
-std::optional<Mismatch> checkVersions(const Line& line);
 
 }  // namespace keyvora::vectors

@@ -8,7 +8,6 @@ std::span<const VectorKind> vectorKinds() {
       {"letters.jsonl", checkLetters},
       {"lookup.jsonl", checkLookup},
       {"equal.jsonl", checkEqual},
-      {"versions.jsonl", checkVersions},
   };
   return kinds;
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/accessibility.h"
+
+namespace keyvora::x11 {
+
+/// The application element of a process. It knows "AXMenuBar": the first menu bar in depth-first order. The
+/// elements below it know "AXChildren", "AXTitle" (none for an untitled one) and "AXPress".
+///
+/// Calls are bounded: after one that ran out of time, the application counts as unreachable for everything
+/// that was reached through this element.
+platform::ElementRef applicationElement(platform::ProcessIdentifier process);
+
+}  // namespace keyvora::x11

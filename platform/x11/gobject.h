@@ -1,0 +1,32 @@
+#pragma once
+
+#include <glib-object.h>
+
+#include <memory>
+
+/// Owners for what GLib hands out.
+namespace keyvora::x11 {
+
+struct GObjectUnref {
+  void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+struct GFree {
+  void operator()(gpointer memory) const { g_free(memory); }
+};
+
+struct GErrorFree {
+  void operator()(GError* error) const { g_error_free(error); }
+};
+
+/// One reference to an object; null for none.
+template <class T>
+using GObjectRef = std::unique_ptr<T, GObjectUnref>;
+
+/// A string that GLib allocated; null for none.
+using GText = std::unique_ptr<char, GFree>;
+
+/// A GError; null while nothing failed. Give `&raw` of a fresh pointer to the call and wrap it at once.
+using GErrorRef = std::unique_ptr<GError, GErrorFree>;
+
+}  // namespace keyvora::x11

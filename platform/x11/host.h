@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/host.h"
+#include "platform/posix/posix_clock.h"
+#include "platform/posix/posix_console.h"
+#include "platform/posix/posix_queues.h"
+#include "platform/x11/accessibility.h"
+#include "platform/x11/application.h"
+#include "platform/x11/applications.h"
+#include "platform/x11/bundles.h"
+#include "platform/x11/file_system.h"
+#include "platform/x11/keyboard.h"
+#include "platform/x11/login_service.h"
+#include "platform/x11/main_loop.h"
+#include "platform/x11/notices.h"
+#include "platform/x11/process.h"
+#include "platform/x11/scripts.h"
+#include "platform/x11/status_bar.h"
+#include "platform/x11/updates_placeholder.h"
+#include "platform/x11/workspace.h"
+
+namespace keyvora::x11 {
+
+/// An X session as the operating system behind the door.
+class Host final : public platform::Host {
+ public:
+  Host();
+  ~Host() override;
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
+
+ private:
+  /// The first member: the others may expect the toolkit to run.
+  bool hasToolkit_;
+  posix::Clock clock_;
+  posix::Console console_;
+  Notices notices_;
+  MainLoop mainLoop_;
+  Process process_;
+  Bundles bundles_;
+  FileSystem fileSystem_;
+  Accessibility accessibility_;
+  Applications applications_;
+  Keyboard keyboard_;
+  LoginService loginService_;
+  Scripts scripts_;
+  StatusBar statusBar_;
+  Workspace workspace_;
+  Updates updates_;
+  Application application_;
+  /// The last: its threads end before what their work uses.
+  posix::Queues queues_;
+  platform::Platform platform_;
+};
+
+}  // namespace keyvora::x11

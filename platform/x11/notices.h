@@ -1,0 +1,26 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "platform/console.h"
+
+namespace keyvora::x11 {
+
+/// Tells the user, on the console, what works on this machine and what does not: each thing once. Main
+/// thread.
+class Notices {
+ public:
+  explicit Notices(platform::Console& console) : console_(console) {}
+
+  /// `sentences` for a person, without a line break.
+  void say(const std::string& sentences) {
+    if (said_.insert(sentences).second) console_.write("keyvora: " + sentences);
+  }
+
+ private:
+  platform::Console& console_;
+  std::set<std::string> said_;
+};
+
+}  // namespace keyvora::x11
