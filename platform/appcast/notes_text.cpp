@@ -147,7 +147,6 @@ class Reducer {
     } else if (name == "li") {
       breakLine(1);
       if (opens) {
-        breaks_ = 1;
         append("•");
         space_ = true;
       }

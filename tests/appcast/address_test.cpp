@@ -1,0 +1,36 @@
+#include "platform/appcast/address.h"
+
+#include <gtest/gtest.h>
+
+namespace keyvora::appcast {
+namespace {
+
+constexpr auto base = "https://example.org/updates/feed.xml";
+
+TEST(AddressTest, IsRelativeToTheFeed) {
+  EXPECT_EQ(webAddress("notes.html", base), "https://example.org/updates/notes.html");
+  EXPECT_EQ(webAddress("/notes.html", base), "https://example.org/notes.html");
+  EXPECT_EQ(webAddress("//other.org/x", base), "https://other.org/x");
+  EXPECT_EQ(webAddress("http://other.org/x", base), "http://other.org/x");
+}
+
+TEST(AddressTest, EscapesSpaces) {
+  EXPECT_EQ(webAddress("my app.zip", base), "https://example.org/updates/my%20app.zip");
+}
+
+TEST(AddressTest, IsOnlyEverOfTheWeb) {
+  for (const auto* other : {"file:///etc/passwd", "ftp://example.org/x", "mailto:me@example.org"}) {
+    EXPECT_EQ(webAddress(other, ""), std::nullopt) << other;
+    EXPECT_NE(webAddress(other, base).value_or("").substr(0, 5), "file:") << other;
+  }
+  EXPECT_EQ(webAddress("file:///etc/passwd", base), std::nullopt);
+}
+
+TEST(AddressTest, WithoutABaseItMustBeWhole) {
+  EXPECT_EQ(webAddress("https://example.org/x", ""), "https://example.org/x");
+  EXPECT_EQ(webAddress("", ""), std::nullopt);
+  EXPECT_EQ(webAddress("http://", ""), std::nullopt);
+}
+
+}  // namespace
+}  // namespace keyvora::appcast
