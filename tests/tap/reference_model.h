@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mapping/mapping.h"
+#include "platform/keyboard.h"
+#include "tests/tap/trace.h"
+
+namespace keyvora::testing {
+
+/// What the tap is held against: the same behaviour written down a second time, as a table of events and
+/// states, sharing no code with the tap. Plain and slow. Keys of sequences must be ASCII.
+class ReferenceModel {
+ public:
+  explicit ReferenceModel(Mapping mapping) : mapping_(std::move(mapping)) {}
+
+  StepResult event(const platform::KeyEvent& event, bool targetIsFrontmost);
+
+  /// Lets time go by. A deadline that is reached counts as passed.
+  StepResult advance(std::int64_t microseconds);
+
+  /// Puts another document in force.
+  StepResult reload(Mapping mapping);
+
+  /// Opens or closes a menu of our own: while it is open no timeout runs out.
+  StepResult trackMenu(bool open);
+
+  [[nodiscard]] bool armed() const { return armed_; }
+  [[nodiscard]] bool anyLetterTyped() const { return !typed_.empty(); }
+
+ private:
+  struct Pending {
+    std::int64_t deadline = 0;
+    std::optional<Sequence> sequence;
+  };
+
+  void arm();
+  void disarm();
+  void letter(char letter);
+  void fire(const Sequence& sequence);
+  void runOut();
+  StepResult result(std::optional<platform::Verdict> verdict);
+
+  Mapping mapping_;
+  std::int64_t now_ = 0;
+  bool menuOpen_ = false;
+  bool armed_ = false;
+  bool alone_ = false;
+  std::string typed_;
+  std::optional<Pending> pending_;
+  std::vector<Happening> trace_;
+};
+
+}  // namespace keyvora::testing

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mapping/mapping.h"
+#include "platform/platform.h"
+#include "platform/simulated/simulated_host.h"
+#include "runner/runner.h"
+#include "tap/key_sequence_tap.h"
+#include "tests/tap/trace.h"
+
+namespace keyvora::testing {
+
+/// A tap installed on a simulated host, with a document of its own and a runner that only notes what it is
+/// asked for. Everything that can be seen from outside is collected in order.
+class TapRig {
+ public:
+  explicit TapRig(Mapping mapping);
+
+  /// One event of the user's.
+  StepResult event(const platform::KeyEvent& event, bool targetIsFrontmost);
+
+  /// Lets time go by.
+  StepResult advance(std::int64_t microseconds);
+
+  /// Puts another document in force.
+  StepResult reload(Mapping mapping);
+
+  /// Opens or closes a menu of our own.
+  StepResult trackMenu(bool open);
+
+  // In target, without user data:
+
+  /// A key goes down.
+  StepResult keyDown(std::uint16_t keyCode, std::uint64_t flags = 0);
+  /// A key comes up.
+  StepResult keyUp(std::uint16_t keyCode, std::uint64_t flags = 0);
+  /// A modifier key changes; `flags` is what holds afterwards.
+  StepResult flagsChanged(std::uint16_t keyCode, std::uint64_t flags);
+  /// Left Option down and up with nothing in between: the result of the second.
+  StepResult tapOption();
+
+  [[nodiscard]] simulated::Host& host() { return host_; }
+  [[nodiscard]] KeySequenceTap& tap() { return *tap_; }
+
+  /// The tap is gone before its time.
+  void destroyTap() { tap_.reset(); }
+
+ private:
+  class NotingRunner;
+
+  /// Moves what the host has recorded since the last time behind what was collected so far.
+  void collect();
+  void note(Happening happening);
+  StepResult result(std::optional<platform::Verdict> verdict);
+
+  simulated::Host host_;
+  platform::Scope scope_;
+  Mapping mapping_;
+  std::unique_ptr<Runner> runner_;
+  std::unique_ptr<KeySequenceTap> tap_;
+  std::vector<Happening> trace_;
+};
+
+}  // namespace keyvora::testing
