@@ -35,7 +35,12 @@ std::span<const VectorKind> vectorKinds();
 
 std::optional<Mismatch> checkDecode(const Line& line);
 std::optional<Mismatch> checkEqual(const Line& line);
+std::optional<Mismatch> checkKeycode(const Line& line);
+std::optional<Mismatch> checkKeytips(const Line& line);
 std::optional<Mismatch> checkLetters(const Line& line);
 std::optional<Mismatch> checkLookup(const Line& line);
+std::optional<Mismatch> checkMenu(const Line& line);
+std::optional<Mismatch> checkTap(const Line& line);
+std::optional<Mismatch> checkTyping(const Line& line);
 
 }  // namespace keyvora::vectors

@@ -4,10 +4,9 @@ namespace keyvora::vectors {
 
 std::span<const VectorKind> vectorKinds() {
   static constexpr VectorKind kinds[] = {
-      {"decode.jsonl", checkDecode},
-      {"letters.jsonl", checkLetters},
-      {"lookup.jsonl", checkLookup},
-      {"equal.jsonl", checkEqual},
+      {"decode.jsonl", checkDecode}, {"letters.jsonl", checkLetters}, {"lookup.jsonl", checkLookup},
+      {"equal.jsonl", checkEqual},   {"keycode.jsonl", checkKeycode}, {"keytips.jsonl", checkKeytips},
+      {"typing.jsonl", checkTyping}, {"menu.jsonl", checkMenu},       {"tap.jsonl", checkTap},
   };
   return kinds;
 }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "platform/simulated/simulated_trace.h"
+#include "tests/vectors/vector_kind.h"
+
+namespace keyvora::vectors {
+
+/// What a line expects to happen, as the simulated host records it: `["post", process or null, event]`,
+/// `["sleep", microseconds]`, `["press", element]`, `["log", line]`.
+std::vector<simulated::TraceEntry> expectedTrace(const Line& expect);
+
+/// Nothing when the two are equal.
+std::optional<Mismatch> compare(const std::vector<simulated::TraceEntry>& expected,
+                                const std::vector<simulated::TraceEntry>& actual);
+
+/// A keyboard event: `type`, `keyCode`, `flags`, `userData`.
+platform::KeyEvent asKeyEvent(const Line& value);
+
+}  // namespace keyvora::vectors
