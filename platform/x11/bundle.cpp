@@ -28,9 +28,7 @@ std::optional<std::filesystem::path> Bundle::resource(std::string_view name,
 
 std::optional<std::string> Bundle::information(std::string_view key) const {
   if (!information_) return std::nullopt;
-  const auto found = information_->find(key);
-  if (found == information_->end()) return std::nullopt;
-  return found->second;
+  return property<std::string>(*information_, key);
 }
 
 std::optional<std::string> Bundle::identifier() const {

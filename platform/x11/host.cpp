@@ -17,6 +17,7 @@ Host::Host()
       loginService_(executableFile()),
       statusBar_(mainLoop_, notices_),
       workspace_(notices_),
+      updates_(bundles_, mainLoop_, workspace_),
       application_(mainLoop_, process_, notices_, [this] { return updates_.isBusy(); }),
       platform_{accessibility_, application_, applications_, bundles_,  clock_,   console_,
                 fileSystem_,    keyboard_,    loginService_, mainLoop_, process_, queues_,

@@ -16,7 +16,7 @@
 #include "platform/x11/process.h"
 #include "platform/x11/scripts.h"
 #include "platform/x11/status_bar.h"
-#include "platform/x11/updates_placeholder.h"
+#include "platform/x11/updates/updates.h"
 #include "platform/x11/workspace.h"
 
 namespace keyvora::x11 {

@@ -1,7 +1,9 @@
 #include "platform/x11/property_list.h"
 
+#include <charconv>
 #include <pugixml.hpp>
 #include <string_view>
+#include <utility>
 
 namespace keyvora::x11 {
 namespace {
@@ -21,6 +23,23 @@ pugi::xml_node nextElement(pugi::xml_node node) {
   return node;
 }
 
+bool isScalar(const pugi::xml_node& element) {
+  const std::string_view type = element.name();
+  return type == "string" || type == "true" || type == "false" || type == "integer";
+}
+
+/// The value of a scalar element; none when it is malformed.
+std::optional<PropertyValue> scalarOf(const pugi::xml_node& element) {
+  const std::string_view type = element.name();
+  if (type == "true" || type == "false") return type == "true";
+  const auto text = textOf(element);
+  if (!text || type == "string") return text;
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), number);
+  if (error != std::errc() || end != text->data() + text->size()) return std::nullopt;
+  return number;
+}
+
 }  // namespace
 
 std::optional<PropertyList> readPropertyList(const std::filesystem::path& file) {
@@ -37,10 +56,10 @@ std::optional<PropertyList> readPropertyList(const std::filesystem::path& file) 
     if (std::string_view(element.name()) != "key" || !value) return std::nullopt;
     const auto key = textOf(element);
     if (!key) return std::nullopt;
-    if (std::string_view(value.name()) == "string") {
-      const auto text = textOf(value);
-      if (!text) return std::nullopt;
-      list.insert_or_assign(*key, *text);
+    if (isScalar(value)) {
+      auto scalar = scalarOf(value);
+      if (!scalar) return std::nullopt;
+      list.insert_or_assign(*key, *std::move(scalar));
     }
     element = nextElement(value.next_sibling());
   }

@@ -1,17 +1,32 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <variant>
 
 namespace keyvora::x11 {
 
-/// The text values of an information dictionary by their keys.
-using PropertyList = std::map<std::string, std::string, std::less<>>;
+/// A scalar of a property list.
+using PropertyValue = std::variant<std::string, bool, std::int64_t>;
 
-/// Reads an XML property list whose top is a dictionary; values that are no text are passed over. None when
-/// there is no such file or it is malformed.
+/// An information dictionary's scalars by their keys.
+using PropertyList = std::map<std::string, PropertyValue, std::less<>>;
+
+/// Reads an XML property list whose top is a dictionary; values that are no text, boolean or integer are
+/// passed over. None when there is no such file or it is malformed.
 std::optional<PropertyList> readPropertyList(const std::filesystem::path& file);
+
+/// The value under a key where it is there and of this type.
+template <class Value>
+std::optional<Value> property(const PropertyList& list, std::string_view key) {
+  const auto found = list.find(key);
+  if (found == list.end()) return std::nullopt;
+  const auto* value = std::get_if<Value>(&found->second);
+  return value != nullptr ? std::optional(*value) : std::nullopt;
+}
 
 }  // namespace keyvora::x11

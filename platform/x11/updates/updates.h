@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/applications.h"
+#include "platform/bundles.h"
+#include "platform/main_loop.h"
+#include "platform/updates.h"
+
+namespace keyvora::appcast {
+class Updater;
+}
+
+namespace keyvora::x11 {
+
+/// Updates from the feed that the main bundle's information dictionary names. Main thread.
+class Updates final : public platform::Updates {
+ public:
+  Updates(platform::Bundles& bundles, platform::MainLoop& mainLoop, platform::Workspace& workspace);
+  ~Updates() override;
+
+  std::unique_ptr<platform::UpdaterController> createController(bool startingUpdater,
+                                                                platform::UpdaterDelegate& delegate) override;
+
+  /// Whether a check is under way: its answer is worth waiting for even where nothing can be shown.
+  [[nodiscard]] bool isBusy() const;
+
+ private:
+  class Controller;
+
+  platform::Bundles& bundles_;
+  platform::MainLoop& mainLoop_;
+  platform::Workspace& workspace_;
+  /// The newest controller's; null before there is one and once it is gone.
+  std::weak_ptr<appcast::Updater> updater_;
+};
+
+}  // namespace keyvora::x11
