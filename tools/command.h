@@ -1,0 +1,28 @@
+#pragma once
+
+#include <ostream>
+#include <span>
+#include <string>
+
+namespace keyvora::tools {
+
+/// What the program ends with.
+namespace exit_status {
+/// Done; nothing is wrong.
+inline constexpr int done = 0;
+/// Done, and the answer is no: the document has errors, the letters fire nothing.
+inline constexpr int no = 1;
+/// Could not be done: wrong usage, a file that cannot be read or is no mapping document.
+inline constexpr int failed = 2;
+}  // namespace exit_status
+
+/// Where a command writes: what it was asked for, and what went wrong.
+struct Streams {
+  std::ostream& out;
+  std::ostream& error;
+};
+
+/// Carries out a command line (without the program's name) and returns the exit status. Main thread.
+int run(std::span<const std::string> arguments, const Streams& streams);
+
+}  // namespace keyvora::tools

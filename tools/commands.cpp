@@ -1,0 +1,45 @@
+#include "tools/commands.h"
+
+#include <vector>
+
+namespace keyvora::tools {
+
+std::span<const Command> commands() {
+  static const std::vector<Command> all{
+      {"check",
+       "[FILE] [--watch] [--strict] [--json]",
+       "Say everything that is wrong with a mapping document, or surprising.",
+       "  --watch   check again at every save, until interrupted\n"
+       "  --strict  let warnings count as errors\n"
+       "  --json    for programs: one JSON object on a line for each check\n"
+       "Errors are what keeps the document from loading; warnings load and may surprise. Silent when there "
+       "is\n"
+       "nothing to say.\n"
+       "Exit status: 0 without errors, 1 with errors, 2 when the file cannot be read.\n",
+       {{"--watch", "--strict", "--json"}, {}, 0, 1},
+       checkCommand},
+      {"explain",
+       "LETTERS [FILE]",
+       "Say what typing these letters after a tap of Option does, step by step.",
+       "Exit status: 0 when a sequence fires, 1 when none does, 2 when the document does not load.\n",
+       {{}, {}, 1, 2},
+       explainCommand},
+      {"list",
+       "[FILE] [--tab LETTER]",
+       "List the sequences that can fire: keys, name, kind and action.",
+       "  --tab LETTER  only those that start with this letter\n",
+       {{}, {"--tab"}, 0, 1},
+       listCommand},
+      {"cheatsheet",
+       "[FILE] [--html | --markdown]",
+       "Write a sheet of all sequences by tab, to print and pin up.",
+       "  --html      one file for the browser and the printer; the default\n"
+       "  --markdown  tables\n",
+       {{"--html", "--markdown"}, {}, 0, 1},
+       cheatsheetCommand},
+      {"schema", "", "Write the JSON schema of mapping documents, for editors.", "", {}, schemaCommand},
+  };
+  return all;
+}
+
+}  // namespace keyvora::tools

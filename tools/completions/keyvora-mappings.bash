@@ -1,0 +1,25 @@
+# Completion of keyvora-mappings for bash.
+_keyvora_mappings() {
+  local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]-} options=
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    mapfile -t COMPREPLY < <(compgen -W 'check explain list cheatsheet schema help version' -- "$word")
+    return
+  fi
+  case $command in
+    check) options='--watch --strict --json' ;;
+    list) options='--tab' ;;
+    cheatsheet) options='--html --markdown' ;;
+    help)
+      mapfile -t COMPREPLY < <(compgen -W 'check explain list cheatsheet schema' -- "$word")
+      return
+      ;;
+    schema | version) return ;;
+  esac
+  if [[ $word == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$options --help" -- "$word")
+  elif [[ ${COMP_WORDS[COMP_CWORD - 1]} != --tab ]] && ! [[ $command == explain && $COMP_CWORD -eq 2 ]]; then
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+  fi
+}
+complete -o filenames -F _keyvora_mappings keyvora-mappings

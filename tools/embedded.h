@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string_view>
+
+/// Files of the project that are part of the program, put there by the build.
+namespace keyvora::tools::embedded {
+
+/// resources/mappings.json: the document that a new user starts with.
+extern const std::string_view defaultDocument;
+
+/// resources/mappings.schema.json.
+extern const std::string_view schema;
+
+/// tools/cheatsheet.css: how the HTML sheet looks.
+extern const std::string_view cheatsheetStyle;
+
+/// The program's version.
+extern const std::string_view version;
+
+}  // namespace keyvora::tools::embedded

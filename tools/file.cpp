@@ -1,0 +1,59 @@
+#include "tools/file.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <system_error>
+
+#include "tools/embedded.h"
+
+namespace keyvora::tools {
+namespace {
+
+/// As the application looks for it: HOME, else what the system knows of the user.
+std::optional<std::filesystem::path> homeDirectory() {
+  if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/') return home;
+  const auto* user = getpwuid(geteuid());
+  if (user == nullptr || user->pw_dir == nullptr || *user->pw_dir != '/') return std::nullopt;
+  return user->pw_dir;
+}
+
+std::string bytesOf(std::istream& stream) {
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace
+
+std::optional<std::filesystem::path> userDocument() {
+  const auto home = homeDirectory();
+  if (!home) return std::nullopt;
+  return *home / "Library/Application Support/keyvora/mappings.json";
+}
+
+std::variant<Source, Unreadable> readFile(const std::string& file) {
+  if (file == "-") return Source{"<standard input>", bytesOf(std::cin)};
+  std::error_code ignored;
+  if (std::filesystem::is_directory(file, ignored)) return Unreadable{file + ": is a directory"};
+  errno = 0;
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) return Unreadable{file + ": " + std::strerror(errno != 0 ? errno : EIO)};
+  auto bytes = bytesOf(stream);
+  if (stream.bad()) return Unreadable{file + ": could not be read to its end"};
+  return Source{file, std::move(bytes)};
+}
+
+std::variant<Source, Unreadable> readDocument(const std::optional<std::string>& file) {
+  if (file) return readFile(*file);
+  const auto own = userDocument();
+  std::error_code ignored;
+  if (own && std::filesystem::exists(*own, ignored)) return readFile(own->string());
+  return Source{"<default document>", std::string(embedded::defaultDocument)};
+}
+
+}  // namespace keyvora::tools

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace keyvora::tools {
+
+/// A document's bytes and what messages call it.
+struct Source {
+  std::string name;
+  std::string bytes;
+};
+
+/// Why a file could not be read, for a person: "name: reason".
+struct Unreadable {
+  std::string message;
+};
+
+/// Where the user's own document is, whether it exists or not; none for a user without a home directory.
+std::optional<std::filesystem::path> userDocument();
+
+/// Reads a file whole; `-` is the standard input.
+std::variant<Source, Unreadable> readFile(const std::string& file);
+
+/// Reads the named file; without a name the user's own document, and where that does not exist yet, the
+/// default document that the application would put there.
+std::variant<Source, Unreadable> readDocument(const std::optional<std::string>& file);
+
+}  // namespace keyvora::tools

@@ -1,0 +1,122 @@
+#include "tools/rehearsal.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+#include "platform/platform.h"
+#include "platform/simulated/simulated_host.h"
+#include "runner/excel.h"
+#include "runner/runner.h"
+#include "tap/key_sequence_tap.h"
+#include "tools/letters.h"
+#include "tools/wording.h"
+
+namespace keyvora::tools {
+namespace {
+
+/// The target's process, as good as any.
+constexpr platform::ProcessIdentifier targetProcess = 1;
+
+/// The runner, with a note of being used.
+class NotingRunner final : public Runner {
+ public:
+  bool used = false;
+
+  void sendKeyTips(const std::string& keys, const std::string& name) override {
+    used = true;
+    Runner::sendKeyTips(keys, name);
+  }
+  void sendKeystroke(const std::string& key, const std::vector<std::string>& modifiers,
+                     const std::string& name) override {
+    used = true;
+    Runner::sendKeystroke(key, modifiers, name);
+  }
+  void runAppleScript(const std::string& script, const std::string& name) override {
+    used = true;
+    Runner::runAppleScript(script, name);
+  }
+  void clickMenu(const std::vector<std::string>& path, const std::string& name) override {
+    used = true;
+    Runner::clickMenu(path, name);
+  }
+};
+
+/// A menu, or the bar, with the items that paths lead through.
+struct MenuTree {
+  std::string title;
+  std::vector<MenuTree> items;
+
+  void add(std::span<const std::string> path) {
+    if (path.empty()) return;
+    auto item = std::ranges::find(items, path.front(), &MenuTree::title);
+    if (item == items.end()) item = items.insert(items.end(), {path.front(), {}});
+    item->add(path.subspan(1));
+  }
+
+  simulated::TreeElementRef element(simulated::Accessibility& accessibility) const {
+    std::vector<simulated::TreeElementRef> children;
+    for (const auto& item : items) children.push_back(item.element(accessibility));
+    return accessibility.element(title, children);
+  }
+};
+
+}  // namespace
+
+struct Rehearsal::Stage {
+  explicit Stage(const Mapping& document) : mapping(document) {
+    host.applications.start(std::string(Excel::bundleIdentifier), targetProcess);
+    host.applications.front = Excel::bundleIdentifier;
+    host.queues.walking = simulated::Queues::Walking::inLine;
+    MenuTree bar;
+    for (const auto& sequence : mapping.sequences) {
+      if (const auto* menu = std::get_if<action::Menu>(&sequence.action)) bar.add(menu->path);
+    }
+    host.accessibility.setMenuBar(targetProcess, bar.element(host.accessibility));
+    tap.onStateChange = [this](bool isArmed, const std::string&) {
+      armed = isArmed;
+      changedAt = host.mainLoop.now();
+    };
+    tap.install();
+  }
+
+  /// What has happened since the last step.
+  Step step(platform::Verdict verdict) {
+    Step result{verdict == platform::Verdict::swallow, armed, host.trace.logged(), runner.used};
+    host.trace.clear();
+    runner.used = false;
+    return result;
+  }
+
+  const Mapping& mapping;
+  simulated::Host host;
+  platform::Scope scope{host.platform()};
+  NotingRunner runner;
+  KeySequenceTap tap{[this]() -> const Mapping& { return mapping; }, runner};
+  bool armed = false;
+  std::chrono::microseconds changedAt{0};
+};
+
+Rehearsal::Rehearsal(const Mapping& mapping) : stage_(std::make_unique<Stage>(mapping)) {}
+
+Rehearsal::~Rehearsal() = default;
+
+Step Rehearsal::tapOption() {
+  stage_->host.keyboard.tapOption();
+  return stage_->step(platform::Verdict::pass);
+}
+
+Step Rehearsal::type(std::string_view letter) {
+  return stage_->step(stage_->host.keyboard.type(keyTyping(letter).value()));
+}
+
+std::optional<std::pair<std::chrono::milliseconds, Step>> Rehearsal::wait() {
+  auto& host = stage_->host;
+  if (!stage_->armed || host.mainLoop.pending() == 0) return std::nullopt;
+  const auto began = host.mainLoop.now();
+  host.advance(platform::Seconds(std::max(timeoutOf(stage_->mapping), {})).count());
+  const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(stage_->changedAt - began);
+  return std::pair(time, stage_->step(platform::Verdict::pass));
+}
+
+}  // namespace keyvora::tools

@@ -1,0 +1,87 @@
+#include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "mapping/document_keys.h"
+#include "tools/letters.h"
+#include "tools/rules/rules.h"
+#include "tools/wording.h"
+
+namespace keyvora::tools::rule {
+namespace {
+
+/// Of the sequences with the same letters the last, which is the one that counts.
+using ByLetters = std::map<std::vector<std::string>, const Entry*>;
+
+ByLetters lastByLetters(const Document& document) {
+  ByLetters last;
+  for (const auto& entry : document.entries()) last[entry.letters] = &entry;
+  return last;
+}
+
+/// The sequences that begin with the letters of one and go on: a run right behind it in the order of letters.
+struct Longer {
+  const Entry* first = nullptr;
+  const Entry* firstTypable = nullptr;
+  std::size_t count = 0;
+};
+
+Longer longerThan(ByLetters::const_iterator entry, const ByLetters& all) {
+  Longer longer;
+  const auto& start = entry->first;
+  for (auto next = std::next(entry); next != all.end(); ++next) {
+    const auto& letters = next->first;
+    if (letters.size() < start.size() || !std::equal(start.begin(), start.end(), letters.begin())) break;
+    if (longer.first == nullptr) longer.first = next->second;
+    if (longer.firstTypable == nullptr && !firstUntypable(letters)) longer.firstTypable = next->second;
+    ++longer.count;
+  }
+  return longer;
+}
+
+std::string waiting(const Entry& entry, const Longer& longer, std::chrono::milliseconds wait) {
+  const auto& other = *(longer.firstTypable != nullptr ? longer.firstTypable : longer.first);
+  std::string others = other.sequence.keys;
+  if (longer.count > 1) others += " and " + counted(longer.count - 1, "other sequence");
+  const std::string start = longer.count > 1 ? " start with it too" : " starts with it too";
+  if (longer.firstTypable == nullptr) {
+    return "waits " + inSeconds(wait) + " before it acts, because " + others + start +
+           " and can never be typed to the end; correct the longer keys or remove them";
+  }
+  if (wait.count() <= 0) {
+    return "leaves no time to type on to " + others + ", which" + start +
+           ": the longer keys cannot be reached with this timeoutMilliseconds; raise it, or change the keys";
+  }
+  return "waits " + inSeconds(wait) + " before it acts, because " + others + start +
+         "; unless that is meant, give " + joined(entry.letters) + " or the longer keys another letter";
+}
+
+}  // namespace
+
+void repeatedSequences(const Document& document, std::string_view name, Findings& findings) {
+  const auto last = lastByLetters(document);
+  for (const auto& entry : document.entries()) {
+    if (entry.letters.empty()) continue;
+    const auto* firing = last.at(entry.letters);
+    if (firing == &entry) continue;
+    warn(findings, name, entry.value(key::keys), entry.path(key::keys),
+         joined(entry.letters) + " stands again at line " +
+             std::to_string(firing->value(key::keys).position().line) +
+             ", and the last one counts: this one never fires; remove one of the two or change its keys");
+  }
+}
+
+void waitingSequences(const Document& document, std::string_view name, Findings& findings) {
+  const auto last = lastByLetters(document);
+  const auto wait = timeoutOf(document.mapping());
+  for (auto each = last.begin(); each != last.end(); ++each) {
+    const auto& entry = *each->second;
+    if (entry.letters.empty() || firstUntypable(entry.letters)) continue;
+    const auto longer = longerThan(each, last);
+    if (longer.count == 0) continue;
+    warn(findings, name, entry.value(key::keys), entry.path(key::keys), waiting(entry, longer, wait));
+  }
+}
+
+}  // namespace keyvora::tools::rule
