@@ -1,0 +1,187 @@
+#include "tools/command.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <sstream>
+
+#include "tests/tools/golden.h"
+#include "tools/commands.h"
+#include "tools/embedded.h"
+
+namespace keyvora::tools {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+/// The program, run in a home directory of its own.
+struct CommandTest : testing::Test {
+  CommandTest() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "keyvora-tools-XXXXXX").string();
+    home = mkdtemp(pattern.data());
+    setenv("HOME", home.c_str(), 1);
+  }
+  ~CommandTest() override { std::filesystem::remove_all(home); }
+
+  int run(const std::vector<std::string>& arguments) {
+    out.str("");
+    error.str("");
+    return tools::run(arguments, {out, error});
+  }
+
+  /// The user's own document.
+  void write(const std::string& bytes) const {
+    const auto file = home / "Library/Application Support/keyvora/mappings.json";
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << bytes;
+  }
+
+  std::filesystem::path home;
+  std::ostringstream out;
+  std::ostringstream error;
+};
+
+const std::string sound = R"({"version": 1, "tabs": {}, "sequences": [
+  {"keys": "QQ", "name": "Mine", "action": {"kind": "menu", "path": ["A"]}}]})";
+const std::string surprising = R"({"version": 1, "tabs": {}, "sequences": [
+  {"keys": "Q-", "name": "Mine", "action": {"kind": "menu", "path": ["A"]}}]})";
+
+TEST_F(CommandTest, ChecksTheUsersOwnDocument) {
+  write(sound);
+  EXPECT_EQ(run({"check"}), 0);
+  EXPECT_THAT(out.str() + error.str(), IsEmpty());
+  write("{}");
+  EXPECT_EQ(run({"check"}), 1);
+  EXPECT_THAT(out.str(),
+              StartsWith((home / "Library/Application Support/keyvora/mappings.json:1:1: error: ").string()));
+  EXPECT_THAT(error.str(), IsEmpty());
+}
+
+TEST_F(CommandTest, WarningsCountOnlyWhenTheyAreAskedTo) {
+  write(surprising);
+  EXPECT_EQ(run({"check"}), 0);
+  EXPECT_THAT(out.str(), HasSubstr(":2:12: warning: "));
+  EXPECT_EQ(run({"check", "--strict"}), 1);
+  EXPECT_EQ(run({"check", "--json"}), 0);
+  EXPECT_THAT(out.str(), StartsWith("{\"file\":"));
+}
+
+TEST_F(CommandTest, ADocumentThatIsNotThereCannotBeChecked) {
+  EXPECT_EQ(run({"check"}), 2);
+  EXPECT_THAT(error.str(), HasSubstr("mappings.json: No such file or directory"));
+  EXPECT_EQ(run({"check", home.string()}), 2);
+  EXPECT_EQ(error.str(), "keyvora-mappings: " + home.string() + ": is a directory\n");
+  EXPECT_THAT(out.str(), IsEmpty());
+}
+
+TEST_F(CommandTest, OtherCommandsTakeTheDefaultDocumentUntilTheUserHasOne) {
+  EXPECT_EQ(run({"explain", "hvv"}), 0);
+  EXPECT_THAT(out.str(), HasSubstr("fires HVV  Paste values"));
+  write(sound);
+  EXPECT_EQ(run({"explain", "hvv"}), 1);
+  EXPECT_EQ(run({"explain", "q q"}), 0);
+  EXPECT_EQ(run({"list"}), 0);
+  EXPECT_EQ(out.str(), "QQ  Mine  menu         A\n");
+}
+
+TEST_F(CommandTest, ListsOneTab) {
+  EXPECT_EQ(run({"list", "--tab", "w"}), 0);
+  EXPECT_THAT(out.str(), StartsWith("WL   Normal view"));
+  EXPECT_EQ(run({"list", "--tab=q"}), 1);
+  EXPECT_THAT(out.str(), IsEmpty());
+  EXPECT_EQ(error.str(), "keyvora-mappings: no sequence starts with \"q\"\n");
+}
+
+TEST_F(CommandTest, WritesSheetsAndTheSchema) {
+  EXPECT_EQ(run({"cheatsheet"}), 0);
+  EXPECT_THAT(out.str(), StartsWith("<!DOCTYPE html>"));
+  const auto html = out.str();
+  EXPECT_EQ(run({"cheatsheet", "--html"}), 0);
+  EXPECT_EQ(out.str(), html);
+  EXPECT_EQ(run({"cheatsheet", "--markdown"}), 0);
+  EXPECT_THAT(out.str(), StartsWith("# Excel key sequences"));
+  EXPECT_EQ(run({"schema"}), 0);
+  EXPECT_EQ(out.str(), contentOf(projectFile("resources/mappings.schema.json")));
+}
+
+TEST_F(CommandTest, ADocumentThatDoesNotLoadIsRefusedWithItsErrors) {
+  write("{");
+  for (const std::string command : {"list", "cheatsheet"}) {
+    EXPECT_EQ(run({command}), 2);
+    EXPECT_THAT(error.str(), HasSubstr("mappings.json:1:2: error: not valid JSON"));
+    EXPECT_THAT(out.str(), IsEmpty());
+  }
+}
+
+TEST_F(CommandTest, WrongUsageSaysWhatAndHowToGoOn) {
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string message;
+  };
+  const Case cases[] = {
+      {{"frob"}, "unknown command frob; try: keyvora-mappings help"},
+      {{"check", "--fast"}, "unknown option --fast; try: keyvora-mappings help check"},
+      {{"check", "--json=1"}, "option --json takes no value; try: keyvora-mappings help check"},
+      {{"check", "a", "b"}, "too many arguments: b; try: keyvora-mappings help check"},
+      {{"list", "--tab"}, "option --tab needs a value; try: keyvora-mappings help list"},
+      {{"explain"}, "an argument is missing; try: keyvora-mappings help explain"},
+      {{"explain", "H-F"}, "no key produces \"-\"; only letters and digits can be typed"},
+      {{"cheatsheet", "--html", "--markdown"}, "--html and --markdown exclude each other"},
+      {{"check", "--watch", "-"}, "--watch needs a file"},
+      {{"help", "frob"}, "unknown command frob; try: keyvora-mappings help"},
+  };
+  for (const auto& [arguments, message] : cases) {
+    EXPECT_EQ(run(arguments), 2) << message;
+    EXPECT_EQ(error.str(), "keyvora-mappings: " + message + "\n");
+    EXPECT_THAT(out.str(), IsEmpty());
+  }
+}
+
+TEST_F(CommandTest, ADoubleDashEndsTheOptions) {
+  EXPECT_EQ(run({"check", "--", "--watch"}), 2);
+  EXPECT_EQ(error.str(), "keyvora-mappings: --watch: No such file or directory\n");
+}
+
+TEST_F(CommandTest, HelpIsOutputWhenAskedForAndAnErrorOtherwise) {
+  EXPECT_EQ(run({}), 2);
+  EXPECT_THAT(out.str(), IsEmpty());
+  const auto text = error.str();
+  for (const std::string ask : {"help", "--help", "-h"}) {
+    EXPECT_EQ(run({ask}), 0);
+    EXPECT_EQ(out.str(), text);
+  }
+  for (const auto& command : commands()) {
+    EXPECT_THAT(text, HasSubstr(std::string(command.name)));
+    EXPECT_EQ(run({"help", std::string(command.name)}), 0);
+    const auto own = out.str();
+    EXPECT_THAT(own, StartsWith("usage: keyvora-mappings " + std::string(command.name)));
+    EXPECT_EQ(run({std::string(command.name), "--help"}), 0);
+    EXPECT_EQ(out.str(), own);
+  }
+}
+
+TEST_F(CommandTest, TellsItsVersion) {
+  EXPECT_EQ(run({"--version"}), 0);
+  EXPECT_EQ(out.str(), "keyvora-mappings " + std::string(embedded::version) + "\n");
+}
+
+/// The manual and the shells' completions know every command and option.
+TEST(CommandDocumentationTest, NamesEverything) {
+  for (const std::string file : {"keyvora-mappings.1", "completions/keyvora-mappings.bash",
+                                 "completions/_keyvora-mappings", "completions/keyvora-mappings.fish"}) {
+    auto text = contentOf(projectFile("tools/" + file));
+    std::erase(text, '\\');
+    for (const auto& command : commands()) {
+      EXPECT_THAT(text, HasSubstr(std::string(command.name))) << file;
+      for (const auto& names : {command.syntax.switches, command.syntax.settings}) {
+        for (const auto name : names) EXPECT_THAT(text, HasSubstr(std::string(name.substr(2)))) << file;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace keyvora::tools

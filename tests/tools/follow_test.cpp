@@ -1,0 +1,81 @@
+#include "tools/follow.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <fstream>
+
+namespace keyvora::tools {
+namespace {
+
+struct FollowTest : testing::Test {
+  FollowTest() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "keyvora-follow-XXXXXX").string();
+    directory = mkdtemp(pattern.data());
+    file = directory / "mappings.json";
+  }
+  ~FollowTest() override { std::filesystem::remove_all(directory); }
+
+  static void write(const std::filesystem::path& path, const std::string& bytes) {
+    std::ofstream(path) << bytes;
+  }
+
+  std::filesystem::path directory;
+  std::filesystem::path file;
+};
+
+TEST_F(FollowTest, GivesTheContentOnceAndThenEveryChange) {
+  write(file, "one");
+  Follower follower(file);
+  EXPECT_EQ(follower.changed(), "one");
+  EXPECT_EQ(follower.changed(), std::nullopt);
+  write(file, "two");  // in place, as long as before, within the same moment
+  EXPECT_EQ(follower.changed(), "two");
+  EXPECT_EQ(follower.changed(), std::nullopt);
+}
+
+TEST_F(FollowTest, FollowsARenamingAndADeletion) {
+  write(file, "one");
+  Follower follower(file);
+  follower.changed();
+  write(directory / "new", "two");
+  std::filesystem::rename(directory / "new", file);
+  EXPECT_EQ(follower.changed(), "two");
+  std::filesystem::remove(file);
+  EXPECT_EQ(follower.changed(), std::nullopt);
+  write(file, "three");
+  EXPECT_EQ(follower.changed(), "three");
+}
+
+TEST_F(FollowTest, ASaveThatChangesNothingIsNone) {
+  write(file, "one");
+  Follower follower(file);
+  follower.changed();
+  write(file, "one");
+  EXPECT_EQ(follower.changed(), std::nullopt);
+}
+
+TEST_F(FollowTest, WaitsForAFileThatIsNotThereOrJustBeingWritten) {
+  Follower follower(file);
+  EXPECT_EQ(follower.changed(), std::nullopt);
+  write(file, "one");
+  EXPECT_EQ(follower.changed(), "one");
+  write(file, "");
+  EXPECT_EQ(follower.changed(), std::nullopt);
+  write(file, "two");
+  EXPECT_EQ(follower.changed(), "two");
+}
+
+TEST_F(FollowTest, AnOldFileIsNotReadAgainAndAgain) {
+  write(file, "one");
+  const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+  std::filesystem::last_write_time(file, longAgo);
+  Follower follower(file);
+  follower.changed();
+  write(file, "two");
+  std::filesystem::last_write_time(file, longAgo);  // nothing shows from outside
+  EXPECT_EQ(follower.changed(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace keyvora::tools
