@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "platform/keyboard.h"
@@ -24,7 +25,11 @@ class Keyboard : public platform::Keyboard {
                                                         std::uint16_t keyCode, bool down) override;
 
  private:
+  /// Connects on first use; null without a display. Any thread.
+  std::shared_ptr<Poster> poster();
+
   std::string displayName_;
+  std::mutex posterMutex_;
   std::shared_ptr<Poster> poster_;
 };
 

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+namespace keyvora::x11 {
+
+/// The bundle identifier that the windows of an application stand in for here, by the two parts of their
+/// WM_CLASS; empty for an application that stands in for none. The view is good for ever.
+std::string_view bundleIdentifierOf(std::string_view instanceName, std::string_view className);
+
+}  // namespace keyvora::x11

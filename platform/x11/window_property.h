@@ -1,0 +1,15 @@
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <optional>
+#include <vector>
+
+namespace keyvora::x11 {
+
+/// The numbers that a window's property of this type holds; none when it has no such property. One round
+/// trip.
+std::optional<std::vector<unsigned long>> numbersOf(Display* display, Window window, Atom property,
+                                                    Atom type);
+
+}  // namespace keyvora::x11
