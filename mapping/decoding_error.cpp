@@ -49,11 +49,11 @@ std::string describe(const CodingPath& path) {
   std::string result;
   for (const PathElement& element : path) {
     if (const auto* index = std::get_if<std::size_t>(&element)) {
-      result += "[" + std::to_string(*index) + "]";
+      result.append("[").append(std::to_string(*index)).append("]");
     } else if (const auto& key = std::get<std::string>(element); isPlainKey(key)) {
-      result += (result.empty() ? "" : ".") + key;
+      result.append(result.empty() ? "" : ".").append(key);
     } else {
-      result += "[" + quoted(key) + "]";
+      result.append("[").append(quoted(key)).append("]");
     }
   }
   return result;

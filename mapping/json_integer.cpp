@@ -68,6 +68,8 @@ std::variant<std::int64_t, NotAnInteger> integer(std::string_view number) {
     if (error == std::errc()) return value;
     return NotAnInteger::outOfRange;
   }
+  const auto significand = number.substr(0, number.find_first_of("eE"));
+  if (significand.find_first_of("123456789") == std::string_view::npos) return 0;
   const auto asDoubled = asDouble(number);
   constexpr double range = 9223372036854775808.0;
   constexpr double everyInteger = 9007199254740992.0;

@@ -1,5 +1,6 @@
 #include <rapidjson/reader.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "mapping/json_encoding.h"
@@ -36,13 +37,24 @@ bool holdsSurrogate(std::string_view characters) {
   return false;
 }
 
+/// Whether a character may stand between two tokens.
+bool separates(char c) {
+  return c == ' ' || c == ',' || c == ':' || c == '\n' || c == '\t' || c == '\r';
+}
+
 }  // namespace
 
 /// Makes nodes of the parser's events. Each event comes when its token is read, so that the token's start has
 /// to be found before it: nothing but white space, commas and colons stands between two tokens.
 class TreeBuilder {
  public:
-  explicit TreeBuilder(Tree& tree) : tree_(tree), text_(tree.text()), source_(text_) { lookAhead(0); }
+  explicit TreeBuilder(Tree& tree) : tree_(tree), text_(tree.text()), source_(text_) {
+    // A document that people write has a key or value every dozen bytes or more.
+    constexpr std::size_t bytesPerNode = 12;
+    constexpr std::size_t mostReserved = std::size_t{1} << 16;
+    tree_.nodes_.reserve(std::min(text_.size() / bytesPerNode, mostReserved));
+    lookAhead(0);
+  }
 
   /// Reads the whole text; the error, when it is not JSON.
   std::optional<SyntaxError> read() {
@@ -51,7 +63,10 @@ class TreeBuilder {
     const auto result = reader.Parse<flags>(source_, *this);
     if (own_) return own_;
     if (result.IsError()) {
-      return error(syntaxErrorReason(result.Code(), text_, result.Offset()), result.Offset());
+      // A string that is never closed is found at the end of the text and looked for at its start.
+      const bool unclosed = result.Code() == rapidjson::kParseErrorStringMissQuotationMark && source_.atEnd();
+      const std::size_t offset = unclosed ? next_ : result.Offset();
+      return error(syntaxErrorReason(result.Code(), text_, result.Offset()), offset);
     }
     // The parser takes a zero byte for the end.
     const std::size_t end = source_.Tell();
@@ -91,11 +106,9 @@ class TreeBuilder {
 
   /// Finds the next token from `offset` on, and shows it as a nought when it is a number.
   void lookAhead(std::size_t offset) {
-    next_ = text_.find_first_not_of(" \t\r\n,:", offset);
-    if (next_ == std::string_view::npos) {
-      next_ = text_.size();
-      return;
-    }
+    while (offset < text_.size() && separates(text_[offset])) ++offset;
+    next_ = offset;
+    if (next_ == text_.size()) return;
     const char first = text_[next_];
     if (first != '-' && (first < '0' || first > '9')) return;
     numberLength_ = numberLength(text_.substr(next_));

@@ -41,6 +41,8 @@ class Source {
   /// How many bytes are taken.
   [[nodiscard]] std::size_t Tell() const { return at_; }
 
+  [[nodiscard]] bool atEnd() const { return at_ == text_.size(); }
+
   // What the reader needs to parse in place, which is never asked for.
   char* PutBegin() { return nullptr; }
   void Put(char) {}

@@ -19,13 +19,14 @@ std::string shown(std::string_view text, std::size_t offset) {
 }
 
 std::string expected(std::string_view what, std::string_view text, std::size_t offset) {
+  const char found = offset < text.size() ? text[offset] : '\0';
+  if (found == '/' || found == '#') return "comments are not allowed";
   return "expected " + std::string(what) + ", found " + shown(text, offset);
 }
 
 std::string misplacedValue(std::string_view text, std::size_t offset) {
-  const char found = offset < text.size() ? text[offset] : '\0';
-  if (found == '\'') return "strings are written in double quotes";
-  if (found == '/' || found == '#') return "comments are not allowed";
+  const bool singleQuote = offset < text.size() && text[offset] == '\'';
+  if (singleQuote) return "strings are written in double quotes";
   return expected("a value", text, offset);
 }
 

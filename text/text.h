@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,8 +23,18 @@ std::vector<std::string> characters(std::string_view text);
 /// Whether a character is white space: its first code point has the property White_Space.
 bool isWhiteSpace(std::string_view character);
 
-/// Whether all bytes are ASCII.
-bool isAscii(std::string_view text);
+/// Whether all bytes are ASCII. Inline, since every fast path starts with it.
+inline bool isAscii(std::string_view text) {
+  const char* data = text.data();
+  std::size_t size = text.size();
+  std::uint64_t seen = 0;
+  for (std::uint64_t word = 0; size >= sizeof word; data += sizeof word, size -= sizeof word) {
+    std::memcpy(&word, data, sizeof word);
+    seen |= word;
+  }
+  for (; size > 0; ++data, --size) seen |= static_cast<unsigned char>(*data);
+  return (seen & 0x8080808080808080) == 0;
+}
 
 /// Whether two strings are canonically equivalent. ASCII strings are compared as bytes, without allocation.
 bool equal(std::string_view a, std::string_view b);

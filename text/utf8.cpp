@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-#include "text/text.h"
-
 namespace keyvora::text {
 namespace {
 

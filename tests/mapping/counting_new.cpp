@@ -1,0 +1,64 @@
+#include "tests/mapping/counting_new.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+namespace keyvora::counting {
+namespace {
+
+Allocations allocations;
+std::size_t inUse = 0;
+
+/// Room before each block for its size, as large as the strictest alignment.
+constexpr std::size_t header = alignof(std::max_align_t);
+
+void* allocate(std::size_t size) {
+  auto* block = static_cast<std::byte*>(std::malloc(size + header));
+  if (block == nullptr) throw std::bad_alloc();
+  ::new (block) std::size_t(size);
+  ++allocations.count;
+  inUse += size;
+  allocations.peakBytes = std::max(allocations.peakBytes, inUse);
+  return block + header;
+}
+
+void release(void* pointer) {
+  if (pointer == nullptr) return;
+  auto* block = static_cast<std::byte*>(pointer) - header;
+  const std::size_t size = *std::launder(reinterpret_cast<std::size_t*>(block));
+  inUse -= std::min(inUse, size);
+  std::free(block);
+}
+
+}  // namespace
+
+void reset() {
+  allocations = {};
+  inUse = 0;
+}
+
+Allocations since() {
+  return allocations;
+}
+
+}  // namespace keyvora::counting
+
+void* operator new(std::size_t size) {
+  return keyvora::counting::allocate(size);
+}
+void* operator new[](std::size_t size) {
+  return keyvora::counting::allocate(size);
+}
+void operator delete(void* pointer) noexcept {
+  keyvora::counting::release(pointer);
+}
+void operator delete[](void* pointer) noexcept {
+  keyvora::counting::release(pointer);
+}
+void operator delete(void* pointer, std::size_t) noexcept {
+  keyvora::counting::release(pointer);
+}
+void operator delete[](void* pointer, std::size_t) noexcept {
+  keyvora::counting::release(pointer);
+}

@@ -1,0 +1,73 @@
+#include "mapping/json_integer.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+namespace keyvora::json {
+namespace {
+
+constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+
+struct Row {
+  std::string number;
+  std::variant<std::int64_t, NotAnInteger> integer;
+};
+
+TEST(JsonInteger, IsExactInItsWholeRange) {
+  constexpr auto fraction = NotAnInteger::fraction;
+  constexpr auto outOfRange = NotAnInteger::outOfRange;
+  const Row rows[] = {
+      {"0", 0},
+      {"-0", 0},
+      {"-1", -1},
+      {"9223372036854775807", largest},
+      {"-9223372036854775808", smallest},
+      {"9223372036854775808", outOfRange},
+      {"-9223372036854775809", outOfRange},
+      {"18446744073709551616", outOfRange},
+      {"100000000000000000000000000000", outOfRange},
+      {"1.0", 1},
+      {"-0.0", 0},
+      {"0e0", 0},
+      {"0e400", 0},
+      {"0.000e-400", 0},
+      {"1e2", 100},
+      {"1E+2", 100},
+      {"12.50e1", 125},
+      {"1200e-2", 12},
+      {"1.5", fraction},
+      {"12e-1", fraction},
+      {"1e-2", fraction},
+      {"1e18", 1000000000000000000},
+      {"1e19", outOfRange},
+      {"1e400", outOfRange},
+      {"-1e400", outOfRange},
+      {"1e99999999999999999999", outOfRange},
+      {"9007199254740991.0", 9007199254740991},
+      {"9007199254740993.0", 9007199254740993},
+      {"-9007199254740993.0", -9007199254740993},
+      {"9007199254740993.5", fraction},
+      {"90071992547409930e-1", 9007199254740993},
+      {"9.007199254740993e+15", 9007199254740993},
+      {"9223372036854774784.0", 9223372036854774784},
+      {"922337203685477478.4e1", 9223372036854774784},
+      {"9223372036854775807.0", outOfRange},
+      {"-9223372036854775808.0", smallest},
+      // What a double does not tell from an integer is one.
+      {"1.0000000000000001", 1},
+      {"1e-400", 0},
+      {std::string(400, '1'), outOfRange},
+      {"1" + std::string(400, '0') + "e-400", outOfRange},
+      {"0." + std::string(400, '0') + "1e401", 1},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.number);
+    EXPECT_EQ(integer(row.number), row.integer);
+  }
+}
+
+}  // namespace
+}  // namespace keyvora::json
