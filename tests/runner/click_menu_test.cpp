@@ -103,7 +103,7 @@ TEST_F(ClickMenuTest, ChildrenThatCannotBeReadEndItAtTheTitleSought) {
   for (const auto& answer :
        {AttributeAnswer{-25204, {}}, AttributeAnswer{-25205, children}, AttributeAnswer{0, {}},
         AttributeAnswer{0, std::string("children")}, AttributeAnswer{0, OtherValue{}},
-        AttributeAnswer{0, platform::ElementRef(file)}}) {
+        AttributeAnswer{0, platform::ElementRef(titled("Save"))}}) {
     file->attributes["AXChildren"] = answer;
     expectLine({"File", "Save"}, "M  Name FAILED at Save");
     expectPressed({"File"}, "File");

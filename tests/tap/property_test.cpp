@@ -14,7 +14,7 @@ namespace {
 
 using platform::Verdict;
 
-constexpr std::uint64_t streams = 3000;
+constexpr std::uint64_t streams = 2000;
 constexpr std::size_t stepsEach = 60;
 constexpr std::int64_t longSilence = 60'000'000;
 
