@@ -11,9 +11,13 @@ import pathlib
 import sys
 import unittest
 
+SYSTEM_PYTHON = "/usr/bin/python3"
 try:
     import jsonschema
 except ImportError:
+    # The system's package belongs to the system's interpreter, which need not be the first one found.
+    if os.path.exists(SYSTEM_PYTHON) and not os.path.samefile(sys.executable, SYSTEM_PYTHON):
+        os.execv(SYSTEM_PYTHON, [SYSTEM_PYTHON, *sys.argv])
     print("python3-jsonschema is missing")
     sys.exit(77)
 
