@@ -45,10 +45,8 @@ class EndingSignal {
 
 }  // namespace
 
-Application::Application(MainLoop& mainLoop, Process& process, Notices& notices,
-                         WorkWithoutDisplay worksWithoutDisplay)
-    : mainLoop_(mainLoop),
-      process_(process),
+Application::Application(Process& process, Notices& notices, WorkWithoutDisplay worksWithoutDisplay)
+    : process_(process),
       notices_(notices),
       worksWithoutDisplay_(std::move(worksWithoutDisplay)),
       loop_(g_main_loop_new(nullptr, FALSE)) {}
@@ -85,7 +83,7 @@ int Application::run(std::function<void()> didFinishLaunching) {
   }
   const EndingSignal onTerminate(SIGTERM, *this);
   const EndingSignal onInterrupt(SIGINT, *this);
-  mainLoop_.after({}, std::move(didFinishLaunching));
+  didFinishLaunching();  // first: the answer to a probe may be waiting on the loop already
   if (!terminated_) g_main_loop_run(loop_);
   process_.runExitBlocks();
   return 0;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/application.h"
-#include "platform/x11/main_loop.h"
 #include "platform/x11/notices.h"
 #include "platform/x11/process.h"
 
@@ -15,7 +14,7 @@ class Application final : public platform::Application {
   /// Says whether the program has something to do that needs no display.
   using WorkWithoutDisplay = std::function<bool()>;
 
-  Application(MainLoop& mainLoop, Process& process, Notices& notices, WorkWithoutDisplay worksWithoutDisplay);
+  Application(Process& process, Notices& notices, WorkWithoutDisplay worksWithoutDisplay);
   ~Application() override;
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
@@ -30,7 +29,6 @@ class Application final : public platform::Application {
   void terminate() override;
 
  private:
-  MainLoop& mainLoop_;
   Process& process_;
   Notices& notices_;
   WorkWithoutDisplay worksWithoutDisplay_;

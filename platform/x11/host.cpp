@@ -18,7 +18,7 @@ Host::Host()
       statusBar_(mainLoop_, notices_),
       workspace_(notices_),
       updates_(bundles_, mainLoop_, workspace_),
-      application_(mainLoop_, process_, notices_, [this] { return updates_.isBusy(); }),
+      application_(process_, notices_, [this] { return updates_.isBusy(); }),
       platform_{accessibility_, application_, applications_, bundles_,  clock_,   console_,
                 fileSystem_,    keyboard_,    loginService_, mainLoop_, process_, queues_,
                 scripts_,       statusBar_,   updates_,      workspace_} {
