@@ -27,7 +27,7 @@ std::span<const utf8proc_int32_t> decomposition(char32_t codePoint, std::array<u
 /// Writes a run of marks in canonical order. The order is made here and not by the Unicode library, which
 /// takes quadratic time for a long run.
 void flush(std::string& result, std::vector<Mark>& marks) {
-  std::ranges::stable_sort(marks, {}, &Mark::combiningClass);
+  if (marks.size() > 1) std::ranges::stable_sort(marks, {}, &Mark::combiningClass);
   for (const Mark& mark : marks) append(result, static_cast<char32_t>(mark.codePoint));
   marks.clear();
 }

@@ -13,9 +13,9 @@ std::size_t inUse = 0;
 /// Room before each block for its size, as large as the strictest alignment.
 constexpr std::size_t header = alignof(std::max_align_t);
 
-void* allocate(std::size_t size) {
+void* allocateOrNull(std::size_t size) noexcept {
   auto* block = static_cast<std::byte*>(std::malloc(size + header));
-  if (block == nullptr) throw std::bad_alloc();
+  if (block == nullptr) return nullptr;
   ::new (block) std::size_t(size);
   ++allocations.count;
   inUse += size;
@@ -23,7 +23,13 @@ void* allocate(std::size_t size) {
   return block + header;
 }
 
-void release(void* pointer) {
+void* allocate(std::size_t size) {
+  void* pointer = allocateOrNull(size);
+  if (pointer == nullptr) throw std::bad_alloc();
+  return pointer;
+}
+
+void release(void* pointer) noexcept {
   if (pointer == nullptr) return;
   auto* block = static_cast<std::byte*>(pointer) - header;
   const std::size_t size = *std::launder(reinterpret_cast<std::size_t*>(block));
@@ -50,6 +56,12 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
   return keyvora::counting::allocate(size);
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return keyvora::counting::allocateOrNull(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return keyvora::counting::allocateOrNull(size);
+}
 void operator delete(void* pointer) noexcept {
   keyvora::counting::release(pointer);
 }
@@ -60,5 +72,11 @@ void operator delete(void* pointer, std::size_t) noexcept {
   keyvora::counting::release(pointer);
 }
 void operator delete[](void* pointer, std::size_t) noexcept {
+  keyvora::counting::release(pointer);
+}
+void operator delete(void* pointer, const std::nothrow_t&) noexcept {
+  keyvora::counting::release(pointer);
+}
+void operator delete[](void* pointer, const std::nothrow_t&) noexcept {
   keyvora::counting::release(pointer);
 }
