@@ -31,6 +31,7 @@ class Transfer {
   Transfer& operator=(const Transfer&) = delete;
 
   appcast::Fetched run(const std::stop_token& stop) {
+    if (!isSafe_) return {{}, address_, "the HTTP library lacks what a safe fetch needs"};
     curl_multi_add_handle(multi_, easy_);
     CURLcode code = CURLE_ABORTED_BY_CALLBACK;
     while (!stop.stop_requested()) {
@@ -52,35 +53,39 @@ class Transfer {
 
  private:
   template <class Value>
-  void set(CURLoption option, Value value) {
-    curl_easy_setopt(easy_, option, value);
+  CURLcode set(CURLoption option, Value value) {
+    return curl_easy_setopt(easy_, option, value);
+  }
+
+  /// What a fetch must not go without: it is refused where the library does not know the option.
+  template <class Value>
+  void require(CURLoption option, Value value) {
+    isSafe_ &= set(option, value) == CURLE_OK;
   }
 
   void setUp() {
     const bool isSecure = address_.starts_with("https:");
-    set(CURLOPT_URL, address_.c_str());
-    set(CURLOPT_PROTOCOLS_STR, "http,https");
-    set(CURLOPT_REDIR_PROTOCOLS_STR, isSecure ? "https" : "http,https");
-    set(CURLOPT_FOLLOWLOCATION, 1L);
-    set(CURLOPT_MAXREDIRS, maxRedirects);
-    set(CURLOPT_SSL_VERIFYPEER, 1L);
-    set(CURLOPT_SSL_VERIFYHOST, 2L);
-    if (const char* authorities = std::getenv("SSL_CERT_FILE");
-        authorities != nullptr && *authorities != '\0') {
-      set(CURLOPT_CAINFO, authorities);
-    }
-    set(CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.time.count()));
-    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits_.bytes));
-    set(CURLOPT_ACCEPT_ENCODING, "");
-    set(CURLOPT_USERAGENT, "keyvora");
-    set(CURLOPT_NOSIGNAL, 1L);
-    set(CURLOPT_QUICK_EXIT, 1L);  // do not wait for a name server when cancelled
-    set(CURLOPT_ERRORBUFFER, error_.data());
-    set(CURLOPT_WRITEDATA, this);
+    require(CURLOPT_URL, address_.c_str());
+    require(CURLOPT_PROTOCOLS_STR, "http,https");
+    require(CURLOPT_REDIR_PROTOCOLS_STR, isSecure ? "https" : "http,https");
+    require(CURLOPT_MAXREDIRS, maxRedirects);
+    require(CURLOPT_SSL_VERIFYPEER, 1L);
+    require(CURLOPT_SSL_VERIFYHOST, 2L);
+    const char* authorities = std::getenv("SSL_CERT_FILE");
+    if (authorities != nullptr && *authorities != '\0') require(CURLOPT_CAINFO, authorities);
+    require(CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.time.count()));
+    require(CURLOPT_NOSIGNAL, 1L);
+    require(CURLOPT_WRITEDATA, this);
     curl_write_callback write = [](char* data, std::size_t, std::size_t size, void* self) {
       return static_cast<Transfer*>(self)->received({data, size});
     };
-    set(CURLOPT_WRITEFUNCTION, write);
+    require(CURLOPT_WRITEFUNCTION, write);
+    set(CURLOPT_FOLLOWLOCATION, 1L);
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits_.bytes));
+    set(CURLOPT_ACCEPT_ENCODING, "");
+    set(CURLOPT_USERAGENT, "keyvora");
+    set(CURLOPT_QUICK_EXIT, 1L);  // do not wait for a name server when cancelled
+    set(CURLOPT_ERRORBUFFER, error_.data());
   }
 
   std::size_t received(std::string_view data) {
@@ -122,6 +127,7 @@ class Transfer {
   CURLM* multi_;
   std::array<char, CURL_ERROR_SIZE> error_{};
   appcast::Fetched fetched_;
+  bool isSafe_ = true;
   bool isTooLarge_ = false;
 };
 

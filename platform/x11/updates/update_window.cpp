@@ -96,8 +96,7 @@ void UpdateWindow::showChecking(std::function<void()> cancelled) {
   gtk_spinner_start(GTK_SPINNER(spinner));
   gtk_container_add(GTK_CONTAINER(box), spinner);
   addButton(addButtonBox(box), "Cancel", closed_);
-  gtk_widget_show_all(window_);
-  bringForward();
+  showAll(false);
 }
 
 void UpdateWindow::showUpdate(const appcast::Announcement& announcement,
@@ -117,14 +116,21 @@ void UpdateWindow::showUpdate(const appcast::Announcement& announcement,
     initial = addButton(buttons, "Open Web Page", [chosen] { chosen(Choice::open); });
   }
   gtk_widget_grab_focus(initial);
-  gtk_widget_show_all(window_);
-  bringForward();
+  showAll(true);
 }
 
 void UpdateWindow::showMessage(const std::string& title, const std::string& details,
                                std::function<void()> acknowledged) {
   GtkWidget* box = beginContents(title, details, std::move(acknowledged));
   gtk_widget_grab_focus(addButton(addButtonBox(box), "OK", closed_));
+  showAll(false);
+}
+
+/// An accessory's windows stay out of the task bar; only while an update is shown the program is a regular
+/// one.
+void UpdateWindow::showAll(bool inTaskbar) {
+  gtk_window_set_skip_taskbar_hint(GTK_WINDOW(window_), !inTaskbar);
+  gtk_window_set_skip_pager_hint(GTK_WINDOW(window_), !inTaskbar);
   gtk_widget_show_all(window_);
   bringForward();
 }

@@ -29,6 +29,7 @@ class UpdateWindow final : public appcast::Presenter {
  private:
   GtkWidget* beginContents(const std::string& title, const std::string& details,
                            std::function<void()> closed);
+  void showAll(bool inTaskbar);
   GtkWidget* addButton(GtkWidget* buttons, const std::string& label, std::function<void()> pressed);
   void finish(std::function<void()> answer);
 

@@ -1,0 +1,71 @@
+#include "platform/x11/updates/update_history.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <fstream>
+
+namespace keyvora::x11 {
+namespace {
+
+class UpdateHistoryTest : public testing::Test {
+ protected:
+  UpdateHistoryTest() {
+    std::string name = (std::filesystem::temp_directory_path() / "keyvora-history-XXXXXX").string();
+    folder_ = mkdtemp(name.data());
+  }
+  ~UpdateHistoryTest() override { std::filesystem::remove_all(folder_); }
+
+  void write(const std::string& text) {
+    std::filesystem::create_directories(file().parent_path());
+    std::ofstream(file()) << text;
+  }
+
+  [[nodiscard]] std::filesystem::path file() const { return folder_ / "state" / "keyvora" / "updates"; }
+
+  std::filesystem::path folder_;
+};
+
+TEST_F(UpdateHistoryTest, IsEmptyAtFirstAndReadingItMakesNoFile) {
+  UpdateHistory history(file());
+  EXPECT_EQ(history.sinceLastCheck(), std::nullopt);
+  EXPECT_EQ(history.skippedVersion(), "");
+  EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(UpdateHistoryTest, IsKeptFromOneRunToTheNext) {
+  UpdateHistory(file()).recordCheck();
+  UpdateHistory(file()).skipVersion("1.3 beta");
+  UpdateHistory next(file());
+  ASSERT_TRUE(next.sinceLastCheck().has_value());
+  EXPECT_LT(next.sinceLastCheck()->count(), 60);
+  EXPECT_EQ(next.skippedVersion(), "1.3 beta");
+}
+
+TEST_F(UpdateHistoryTest, ACheckInTheFutureCountsAsNone) {
+  write("[Updates]\nLastCheck=99999999999\n");
+  EXPECT_EQ(UpdateHistory(file()).sinceLastCheck(), std::nullopt);
+}
+
+TEST_F(UpdateHistoryTest, AnOldCheckCounts) {
+  write("[Updates]\nLastCheck=1000000000\n");
+  EXPECT_GT(UpdateHistory(file()).sinceLastCheck()->count(), 1e8);
+}
+
+TEST_F(UpdateHistoryTest, ABrokenFileIsStartedAnew) {
+  write("\xFF no key file [[");
+  UpdateHistory history(file());
+  EXPECT_EQ(history.sinceLastCheck(), std::nullopt);
+  history.recordCheck();
+  EXPECT_TRUE(history.sinceLastCheck().has_value());
+}
+
+TEST_F(UpdateHistoryTest, WhatCannotBeKeptIsForgottenWithoutAWord) {
+  write("");
+  UpdateHistory history(file() / "below a file");
+  history.recordCheck();
+  EXPECT_EQ(history.sinceLastCheck(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace keyvora::x11
