@@ -3,6 +3,10 @@
 #include <clocale>
 #include <cstdint>
 
+#if __has_include(<xlocale.h>)  // where a C library keeps locale_t apart
+#include <xlocale.h>
+#endif
+
 #include "platform/clock.h"
 
 namespace keyvora::posix {

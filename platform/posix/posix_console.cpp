@@ -21,8 +21,8 @@ namespace {
 class NoPipeSignal {
  public:
   NoPipeSignal() {
-    ::sigemptyset(&pipe_);
-    ::sigaddset(&pipe_, SIGPIPE);
+    sigemptyset(&pipe_);
+    sigaddset(&pipe_, SIGPIPE);
     ::pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
   }
   ~NoPipeSignal() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
@@ -31,11 +31,11 @@ class NoPipeSignal {
 
   /// The write failed for want of a reader.
   void consume() const {
-    if (::sigismember(&before_, SIGPIPE) == 1) return;  // the thread's owner deals with it
+    if (sigismember(&before_, SIGPIPE) == 1) return;  // the thread's owner deals with it
     sigset_t pending;
     ::sigpending(&pending);
     int signal = 0;
-    if (::sigismember(&pending, SIGPIPE) == 1) ::sigwait(&pipe_, &signal);
+    if (sigismember(&pending, SIGPIPE) == 1) ::sigwait(&pipe_, &signal);
   }
 
  private:

@@ -91,7 +91,7 @@ bool replaceFile(const fs::path& path, std::string_view bytes) {
   if (!file.isOpen()) return false;
   struct stat present {};
   const bool keepsMode = ::lstat(path.c_str(), &present) == 0 && S_ISREG(present.st_mode);
-  const auto mode = (present.st_mode & permissionBits) | ownerReadsAndWrites;
+  const auto mode = static_cast<mode_t>((present.st_mode & permissionBits) | ownerReadsAndWrites);
   const bool written = writeAll(file, bytes) && (!keepsMode || ::fchmod(file.number(), mode) == 0);
   file.close();
   if (written && ::rename(temporary.c_str(), path.c_str()) == 0) return true;

@@ -16,8 +16,8 @@ void prepareThread(const std::string& label) {
   ::pthread_setname_np(::pthread_self(), name.c_str());
 #endif
   sigset_t all;
-  ::sigfillset(&all);
-  for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP}) ::sigdelset(&all, fault);
+  sigfillset(&all);
+  for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP}) sigdelset(&all, fault);
   ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
 }
 
