@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/posix/posix_clock.h"
+#include "platform/posix/posix_queues.h"
+#include "platform/simulated/simulated_host.h"
+#include "tests/support/scratch_home.h"
+
+namespace keyvora::test {
+
+/// Real files in a scratch home, real threads and the real clock; the rest is simulated.
+class DiskPlatform {
+ public:
+  simulated::Host host;
+  ScratchHome home;
+  posix::Clock clock;
+  posix::Queues queues;
+
+  [[nodiscard]] const platform::Platform& platform() const { return platform_; }
+
+ private:
+  platform::Platform platform_{.accessibility = host.accessibility,
+                               .application = host.application,
+                               .applications = host.applications,
+                               .bundles = host.bundles,
+                               .clock = clock,
+                               .console = host.console,
+                               .fileSystem = home,
+                               .keyboard = host.keyboard,
+                               .loginService = host.loginService,
+                               .mainLoop = host.mainLoop,
+                               .process = host.process,
+                               .queues = queues,
+                               .scripts = host.scripts,
+                               .statusBar = host.statusBar,
+                               .updates = host.updates,
+                               .workspace = host.workspace};
+};
+
+}  // namespace keyvora::test
