@@ -21,7 +21,7 @@ struct Location {
 std::unique_ptr<Location> locate() {
   const auto library = platform::current().fileSystem.libraryDirectory();
   if (!library) platform::trap();
-  return std::make_unique<Location>(*library / "Logs" / "keyvora.log");
+  return std::make_unique<Location>(Location{*library / "Logs" / "keyvora.log"});
 }
 
 /// Writes records one after another on a queue of its own.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <ranges>
 
 namespace keyvora::simulated {
 
@@ -79,9 +78,9 @@ Verdict Keyboard::send(const KeyEvent& event) {
   if (disables) {
     for (const auto& tap : taps) tap->enabled = false;
   }
-  for (const auto& tap : taps | std::views::reverse) {
-    if (!disables && !tap->sees(event.type)) continue;
-    if (tap->handler(event) == Verdict::swallow) return Verdict::swallow;
+  for (auto tap = taps.rbegin(); tap != taps.rend(); ++tap) {
+    if (!disables && !(*tap)->sees(event.type)) continue;
+    if ((*tap)->handler(event) == Verdict::swallow) return Verdict::swallow;
   }
   return Verdict::pass;
 }
