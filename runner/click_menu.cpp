@@ -16,7 +16,7 @@ void Runner::clickMenu(const std::vector<std::string>& path, const std::string& 
 
   for (const auto& title : path) {
     const auto children = menu_walk::children(*element);
-    if (!children) return Log::line(name + " FAILED at " + title);
+    if (!children) return Log::line(outcome::failedAt(name, title));
     element = menu_walk::find(*children, title);
     if (!element) return Log::line(outcome::failed(name, "no menu named " + title));
   }

@@ -10,6 +10,10 @@ std::string failed(const std::string& name, const std::string& reason) {
   return name + " FAILED: " + reason;
 }
 
+std::string failedAt(const std::string& name, const std::string& place) {
+  return name + " FAILED at " + place;
+}
+
 std::string noKeyCode(const std::string& name, const std::string& key) {
   return failed(name, "no key code for " + key);
 }

@@ -11,6 +11,9 @@ std::string done(const std::string& name, const std::string& kind);
 /// "name FAILED: reason"
 std::string failed(const std::string& name, const std::string& reason);
 
+/// "name FAILED at place"
+std::string failedAt(const std::string& name, const std::string& place);
+
 /// The failure of an action that names a key or a character which the key-code table lacks.
 std::string noKeyCode(const std::string& name, const std::string& key);
 

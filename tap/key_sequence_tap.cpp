@@ -160,9 +160,9 @@ void KeySequenceTap::disarm() {
   report(false, "");
 }
 
-void KeySequenceTap::fire(Sequence sequence) {
-  // By value: disarming drops the timer that may hold it, and an action may last while the mapping is
-  // reloaded.
+// By value: disarming drops the timer that may hold the sequence, and an action may last while the mapping is
+// reloaded.
+void KeySequenceTap::fire(Sequence sequence) {  // NOLINT(performance-unnecessary-value-param)
   disarm();
   perform(sequence, runner_);
 }
