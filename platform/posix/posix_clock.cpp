@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <ctime>
+#include <mutex>
 
 namespace keyvora::posix {
 namespace {
@@ -18,6 +19,17 @@ struct Stamp {
 thread_local Stamp last;
 std::atomic<std::uint64_t> clocksMade = 0;
 
+/// The zone that `tzset` reads is the process's: one thread at a time.
+std::mutex zoneMutex;
+
+std::tm localTimeOf(std::time_t second) {
+  const std::scoped_lock lock(zoneMutex);
+  ::tzset();  // localtime_r alone keeps to the zone that the process started in
+  std::tm time{};
+  ::localtime_r(&second, &time);
+  return time;
+}
+
 }  // namespace
 
 Clock::Clock() : locale_(::newlocale(LC_TIME_MASK, "", nullptr)), serial_(++clocksMade) {
@@ -32,9 +44,7 @@ Clock::~Clock() {
 std::string Clock::localTime() {
   const auto now = std::time(nullptr);
   if (now != last.second || last.clock != serial_) {
-    ::tzset();  // localtime_r alone keeps to the zone that the process started in
-    std::tm time{};
-    ::localtime_r(&now, &time);
+    const auto time = localTimeOf(now);
     last.length = ::strftime_l(last.text.data(), last.text.size(), "%Y-%m-%d %H:%M:%S", &time, locale_);
     last.second = now;
     last.clock = serial_;

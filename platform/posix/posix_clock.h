@@ -12,8 +12,8 @@
 namespace keyvora::posix {
 
 /// The system's clock in the user's time zone, with the numerals and the calendar that the C library gives
-/// the user's locale. A change of the zone is followed from the next second on. Formats once a second on each
-/// thread that asks, and takes no lock.
+/// the user's locale. A change of the zone is followed from the next second on. Each thread that asks formats
+/// once a second, one at a time; in between no lock is taken.
 class Clock final : public platform::Clock {
  public:
   Clock();

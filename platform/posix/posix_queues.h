@@ -5,7 +5,8 @@
 
 namespace keyvora::posix {
 
-/// Background work on threads.
+/// Background work on threads. To be destroyed before whatever its plans and work use: a plan ends in its
+/// next sleep, and is waited for.
 class Queues final : public platform::Queues {
  public:
   std::unique_ptr<platform::SerialQueue> createSerial(const std::string& label) override;
