@@ -1,0 +1,82 @@
+"""Other programs' accessible trees, read without any cache, so that what is read is what is there now."""
+
+from collections.abc import Iterator
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+
+def connect() -> None:
+    """Joins the accessibility bus of this process's desktop."""
+    Atspi.init()
+    Atspi.set_timeout(2000, 5000)
+
+
+def application(process: int) -> Atspi.Accessible | None:
+    """The application that runs as `process`, or None while it is not on the bus."""
+    for root in children(Atspi.get_desktop(0)):
+        try:
+            if root.get_process_id() == process:
+                return root
+        except GLib.Error:
+            continue
+    return None
+
+
+def children(element: Atspi.Accessible) -> list[Atspi.Accessible]:
+    """The children there are now; those that go away meanwhile are left out."""
+    try:
+        found = [element.get_child_at_index(index) for index in range(element.get_child_count())]
+    except GLib.Error:
+        return []
+    return [child for child in found if child]
+
+
+def descendants(element: Atspi.Accessible, deepest: int = 20) -> Iterator[Atspi.Accessible]:
+    """Everything below an element, depth first; tables are not entered, they have too many cells."""
+    for child in children(element):
+        yield child
+        if deepest > 0 and role(child) != "table":
+            yield from descendants(child, deepest - 1)
+
+
+def role(element: Atspi.Accessible) -> str:
+    """What the element is: "menu item", "push button"."""
+    try:
+        return element.get_role_name()
+    except GLib.Error:
+        return ""
+
+
+def name(element: Atspi.Accessible) -> str:
+    """The element's name: what it is titled."""
+    try:
+        return element.get_name() or ""
+    except GLib.Error:
+        return ""
+
+
+def text(element: Atspi.Accessible) -> str:
+    """The text that the element holds."""
+    try:
+        return element.get_text(0, element.get_character_count()) or ""
+    except GLib.Error:
+        return ""
+
+
+def find(element: Atspi.Accessible, wanted: str, title: str | None = None) -> Atspi.Accessible | None:
+    """The first descendant of a role and, if given, a name."""
+    for found in descendants(element):
+        if role(found) == wanted and (title is None or name(found) == title):
+            return found
+    return None
+
+
+def dump(element: Atspi.Accessible, depth: int = 0, deepest: int = 8) -> str:
+    """The tree as indented lines, for a person who debugs."""
+    line = f"{'  ' * depth}{role(element)} {name(element)!r} {text(element)!r}\n"
+    if depth == deepest or role(element) == "table":
+        return line
+    return line + "".join(dump(child, depth + 1, deepest) for child in children(element))

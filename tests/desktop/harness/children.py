@@ -1,0 +1,94 @@
+"""Child processes that never outlive this one, whatever ends it."""
+
+import ctypes
+import os
+import signal
+import subprocess
+import sys
+from pathlib import Path
+from typing import Mapping, Sequence
+
+_PR_SET_PDEATHSIG = 1
+_PR_SET_CHILD_SUBREAPER = 36
+_libc = ctypes.CDLL(None, use_errno=True)
+
+
+class Children:
+    """Starts programs and stops them, the last started first. Their output goes to files in one folder."""
+
+    def __init__(self, logs: Path) -> None:
+        self._logs = logs
+        self._running: list[subprocess.Popen[bytes]] = []
+        # What children start and leave behind becomes ours too, to be stopped with the rest.
+        _libc.prctl(_PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
+
+    def start(self, command: Sequence[str], *, name: str | None = None,
+              environment: Mapping[str, str] | None = None, keep_open: Sequence[int] = (),
+              interactive: bool = False) -> subprocess.Popen[bytes]:
+        """Starts `command`; its standard error, and its output unless `interactive`, go to `name`.log."""
+        log = self.log(name or Path(command[0]).name)
+        with log.open("ab") as output:
+            child = subprocess.Popen(
+                list(command), env=environment, pass_fds=tuple(keep_open), preexec_fn=_die_with_parent,
+                stdin=subprocess.PIPE if interactive else subprocess.DEVNULL,
+                stdout=subprocess.PIPE if interactive else output, stderr=output)
+        self._running.append(child)
+        return child
+
+    def log(self, name: str) -> Path:
+        """Where the output of the program started under `name` goes."""
+        return self._logs / f"{name}.log"
+
+    def stop_all(self) -> None:
+        """Asks every child to end, the last first, and ends by force what does not, strays included."""
+        for child in reversed(self._running):
+            stop(child)
+        self._running.clear()
+        _kill_strays()
+
+
+def stop(child: subprocess.Popen[bytes], seconds: float = 3.0) -> int:
+    """Ends one child: by SIGTERM, then by force. Returns its exit status."""
+    for stream in (child.stdin, child.stdout):
+        if stream:
+            stream.close()
+    if child.poll() is None:
+        child.terminate()
+        try:
+            child.wait(seconds)
+        except subprocess.TimeoutExpired:
+            child.kill()
+    return child.wait()
+
+
+def exit_on_signals() -> None:
+    """Makes SIGTERM, SIGINT and SIGHUP end this process by an exception, so that everything is torn down."""
+    def leave(number: int, _frame: object) -> None:
+        sys.exit(128 + number)
+
+    for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+        signal.signal(number, leave)
+
+
+def _die_with_parent() -> None:
+    _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGKILL, 0, 0, 0)
+
+
+def _kill_strays() -> None:
+    """Ends and reaps every process that is a child of this one: what our children left behind."""
+    while strays := _children_of_this_process():
+        for stray in strays:
+            try:
+                os.kill(stray, signal.SIGKILL)
+            except ProcessLookupError:
+                continue
+        for stray in strays:
+            try:
+                os.waitpid(stray, 0)
+            except ChildProcessError:
+                continue
+
+
+def _children_of_this_process() -> list[int]:
+    task = Path(f"/proc/self/task/{os.getpid()}/children")
+    return [int(process) for process in task.read_text().split()]

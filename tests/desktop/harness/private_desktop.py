@@ -1,0 +1,147 @@
+"""A desktop of its own: display, session bus, accessibility bus, window manager and tray.
+
+Nothing of the user's session is used or touched: home, runtime folder, display and buses are private.
+"""
+
+import os
+import shutil
+import subprocess
+import tempfile
+from contextlib import AbstractContextManager
+from pathlib import Path
+from types import TracebackType
+
+from . import x11
+from .children import Children, exit_on_signals
+from .waiting import until
+
+# What is kept of the caller's environment: how programs are found, how they speak, how sanitizers report.
+_KEPT = ("PATH", "TERM", "TZ", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH")
+
+# The keyboard that hardware keys come from on this display server.
+KEYBOARD = "Xvfb keyboard"
+
+_OPENBOX = """<?xml version="1.0" encoding="UTF-8"?>
+<openbox_config xmlns="http://openbox.org/3.4/rc">
+  <focus><focusNew>yes</focusNew><focusLast>yes</focusLast></focus>
+  <theme><name>Clearlooks</name></theme>
+  <keyboard>
+    <keybind key="A-Tab"><action name="NextWindow"><finalactions>
+      <action name="Focus"/><action name="Raise"/></finalactions></action></keybind>
+  </keyboard>
+</openbox_config>
+"""
+
+
+class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
+    """Stands from `with` to its end. `home` is the user's home, `folder` holds everything that was written.
+
+    `tray` and `accessibility` leave out a part, for what happens on a desktop without it. The folder is
+    removed at the end, unless `keep` names one.
+    """
+
+    def __init__(self, *, size: str = "1280x800", keep: Path | None = None, tray: bool = True,
+                 accessibility: bool = True) -> None:
+        self._size = size
+        self._keep = keep
+        self._tray = tray
+        self._accessibility = accessibility
+        self.folder = Path()
+        self.home = Path()
+
+    def __enter__(self) -> "PrivateDesktop":
+        exit_on_signals()
+        if self._keep:
+            shutil.rmtree(self._keep, ignore_errors=True)
+            self._keep.mkdir(parents=True)
+        self.folder = self._keep or Path(tempfile.mkdtemp(prefix="keyvora-desktop-"))
+        self.home = self._make_folder("home", 0o755)
+        self.children = Children(self._make_folder("logs", 0o755))
+        try:
+            self._stand_up()
+        except BaseException:
+            self._tear_down()
+            raise
+        return self
+
+    def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
+                 trace: TracebackType | None) -> None:
+        self._tear_down()
+
+    def screenshot(self, path: Path) -> Path:
+        """Writes a picture of the whole screen; returns `path`."""
+        path.parent.mkdir(parents=True, exist_ok=True)
+        subprocess.run(["import", "-silent", "-window", "root", str(path)], check=True)
+        return path
+
+    def set_layout(self, layout: str, variant: str = "") -> None:
+        """Changes the layout of every keyboard, as a user's settings do."""
+        subprocess.run(["setxkbmap", "-layout", layout, "-variant", variant], check=True)
+
+    def _stand_up(self) -> None:
+        environment = {name: os.environ[name] for name in _KEPT if name in os.environ}
+        environment |= {
+            "HOME": str(self.home),
+            "XDG_RUNTIME_DIR": str(self._make_folder("runtime", 0o700)),
+            "LANG": "C.UTF-8",
+            "GSETTINGS_BACKEND": "memory",
+            "GTK_IM_MODULE": "gtk-im-context-simple",
+        }
+        os.environ.clear()
+        os.environ.update(environment)
+        self._start_display()
+        self._start_session_bus()
+        if self._accessibility:
+            self._start_accessibility_bus()
+        else:
+            os.environ["NO_AT_BRIDGE"] = "1"
+        self._start_window_manager()
+        if self._tray:
+            self._start_tray()
+
+    def _tear_down(self) -> None:
+        self.children.stop_all()
+        if not self._keep:
+            shutil.rmtree(self.folder, ignore_errors=True)
+
+    def _make_folder(self, name: str, mode: int) -> Path:
+        folder = self.folder / name
+        folder.mkdir(mode=mode)
+        return folder
+
+    def _start_display(self) -> None:
+        read, write = os.pipe()
+        self.children.start(
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", f"{self._size}x24", "-nolisten", "tcp",
+             "-noreset"], keep_open=[write])
+        os.close(write)
+        with os.fdopen(read) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError(f"Xvfb did not start:\n{self.children.log('Xvfb').read_text()}")
+        os.environ["DISPLAY"] = f":{number}"
+
+    def _start_session_bus(self) -> None:
+        read, write = os.pipe()
+        self.children.start(["dbus-daemon", "--session", "--nofork", f"--print-address={write}"],
+                            keep_open=[write])
+        os.close(write)
+        with os.fdopen(read) as answer:
+            os.environ["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
+
+    def _start_accessibility_bus(self) -> None:
+        # The call starts the bus and answers when it is up.
+        subprocess.run(
+            ["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
+             "--method", "org.a11y.Bus.GetAddress"], check=True, stdout=subprocess.DEVNULL)
+
+    def _start_window_manager(self) -> None:
+        configuration = self.folder / "openbox.xml"
+        configuration.write_text(_OPENBOX)
+        self.children.start(["openbox", "--config-file", str(configuration)])
+        until(lambda: x11.root_property("_NET_SUPPORTING_WM_CHECK"), "a window manager")
+
+    def _start_tray(self) -> None:
+        self.children.start(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
+                             "--height", "26", "--SetDockType", "true"])
+        until(lambda: x11.windows_of_class("trayer"), "the tray")

@@ -1,0 +1,42 @@
+"""Waiting for conditions. Nothing here sleeps for a time that somebody guessed."""
+
+import time
+from typing import Callable, TypeVar
+
+Value = TypeVar("Value")
+
+# How often a condition is looked at, in seconds.
+INTERVAL = 0.01
+
+
+class Timeout(AssertionError):
+    """A condition did not come about in time; says which, and what was seen last."""
+
+
+def until(condition: Callable[[], Value], what: str, seconds: float = 10.0,
+          seen: Callable[[], object] | None = None) -> Value:
+    """Returns the first true value of `condition`. Raises Timeout, with the last `seen()`, after `seconds`."""
+    end = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            last = f"; last seen: {seen()!r}" if seen else ""
+            raise Timeout(f"waited {seconds:g} s for {what}{last}")
+        time.sleep(INTERVAL)
+
+
+def equal(read: Callable[[], Value], expected: Value, what: str, seconds: float = 10.0) -> None:
+    """Waits until `read()` equals `expected`."""
+    until(lambda: read() == expected, f"{what} to be {expected!r}", seconds, seen=read)
+
+
+def stays(read: Callable[[], Value], expected: Value, what: str, seconds: float) -> None:
+    """Checks that `read()` equals `expected` now and for `seconds` from now: for what must not happen."""
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        value = read()
+        if value != expected:
+            raise AssertionError(f"{what} became {value!r}, expected it to stay {expected!r}")
+        time.sleep(INTERVAL)

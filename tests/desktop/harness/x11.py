@@ -1,0 +1,48 @@
+"""What the display tells about its windows, by the display's own small tools."""
+
+import re
+import subprocess
+
+
+def root_property(name: str) -> str:
+    """The text of a property of the root window after its type; empty while it is not set."""
+    return window_property("-root", name)
+
+
+def window_property(window: str, name: str) -> str:
+    """The text of one property of a window (an id, or "-root"); empty while it is not set."""
+    which = [window] if window == "-root" else ["-id", window]
+    answer = _output(["xprop", *which, "-notype", name])
+    _, found, value = answer.partition("=") if "=" in answer else answer.partition("#")
+    return value.strip() if found else ""
+
+
+def windows_of_class(name: str) -> list[str]:
+    """The ids of all windows, managed or not, whose class or instance is `name`."""
+    tree = _output(["xwininfo", "-root", "-tree"])
+    return [match[1] for match in re.finditer(r'^\s*(0x[0-9a-f]+) .*?: \((.*?)\)', tree, re.MULTILINE)
+            if f'"{name}"' in match[2]]
+
+
+def active_window() -> str:
+    """The id of the active window, or the empty text."""
+    match = re.search(r"0x[0-9a-f]+", root_property("_NET_ACTIVE_WINDOW"))
+    return match[0] if match and match[0] != "0x0" else ""
+
+
+def active_class() -> str:
+    """Instance and class of the active window, as in `gnumeric, Gnumeric`."""
+    window = active_window()
+    return window_property(window, "WM_CLASS").replace('"', "") if window else ""
+
+
+def window_title(window: str) -> str:
+    """A window's title."""
+    answer = _output(["xprop", "-id", window, "-notype", "-f", "_NET_WM_NAME", "8u", "_NET_WM_NAME"])
+    match = re.search(r'= "(.*)"', answer, re.DOTALL)
+    return match[1] if match else ""
+
+
+def _output(command: list[str]) -> str:
+    result = subprocess.run(command, capture_output=True, check=False)
+    return result.stdout.decode(errors="replace") if result.returncode == 0 else ""
