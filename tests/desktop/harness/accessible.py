@@ -1,4 +1,7 @@
-"""Other programs' accessible trees, read without any cache, so that what is read is what is there now."""
+"""Other programs' accessible trees, as they are now: what changes is read past the library's cache.
+
+Never ask the library for an empty cache mask instead: the next read then waits for ever (at-spi2-core 2.46).
+"""
 
 from collections.abc import Iterator
 
@@ -7,6 +10,8 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
+Element = Atspi.Accessible
+
 
 def connect() -> None:
     """Joins the accessibility bus of this process's desktop."""
@@ -14,7 +19,7 @@ def connect() -> None:
     Atspi.set_timeout(2000, 5000)
 
 
-def application(process: int) -> Atspi.Accessible | None:
+def application(process: int) -> Element | None:
     """The application that runs as `process`, or None while it is not on the bus."""
     for root in children(Atspi.get_desktop(0)):
         try:
@@ -25,7 +30,7 @@ def application(process: int) -> Atspi.Accessible | None:
     return None
 
 
-def children(element: Atspi.Accessible) -> list[Atspi.Accessible]:
+def children(element: Element) -> list[Element]:
     """The children there are now; those that go away meanwhile are left out."""
     try:
         found = [element.get_child_at_index(index) for index in range(element.get_child_count())]
@@ -34,7 +39,7 @@ def children(element: Atspi.Accessible) -> list[Atspi.Accessible]:
     return [child for child in found if child]
 
 
-def descendants(element: Atspi.Accessible, deepest: int = 20) -> Iterator[Atspi.Accessible]:
+def descendants(element: Element, deepest: int = 20) -> Iterator[Element]:
     """Everything below an element, depth first; tables are not entered, they have too many cells."""
     for child in children(element):
         yield child
@@ -42,7 +47,7 @@ def descendants(element: Atspi.Accessible, deepest: int = 20) -> Iterator[Atspi.
             yield from descendants(child, deepest - 1)
 
 
-def role(element: Atspi.Accessible) -> str:
+def role(element: Element) -> str:
     """What the element is: "menu item", "push button"."""
     try:
         return element.get_role_name()
@@ -50,7 +55,7 @@ def role(element: Atspi.Accessible) -> str:
         return ""
 
 
-def name(element: Atspi.Accessible) -> str:
+def name(element: Element) -> str:
     """The element's name: what it is titled."""
     try:
         return element.get_name() or ""
@@ -58,7 +63,17 @@ def name(element: Atspi.Accessible) -> str:
         return ""
 
 
-def text(element: Atspi.Accessible) -> str:
+def is_active(element: Element) -> bool:
+    """Whether a window has the keyboard."""
+    return _has_state(element, Atspi.StateType.ACTIVE)
+
+
+def is_selected(element: Element) -> bool:
+    """Whether a menu of a menu bar is the one that is open."""
+    return _has_state(element, Atspi.StateType.SELECTED)
+
+
+def text(element: Element) -> str:
     """The text that the element holds."""
     try:
         return element.get_text(0, element.get_character_count()) or ""
@@ -66,7 +81,7 @@ def text(element: Atspi.Accessible) -> str:
         return ""
 
 
-def find(element: Atspi.Accessible, wanted: str, title: str | None = None) -> Atspi.Accessible | None:
+def find(element: Element, wanted: str, title: str | None = None) -> Element | None:
     """The first descendant of a role and, if given, a name."""
     for found in descendants(element):
         if role(found) == wanted and (title is None or name(found) == title):
@@ -74,9 +89,17 @@ def find(element: Atspi.Accessible, wanted: str, title: str | None = None) -> At
     return None
 
 
-def dump(element: Atspi.Accessible, depth: int = 0, deepest: int = 8) -> str:
+def dump(element: Element, depth: int = 0, deepest: int = 8) -> str:
     """The tree as indented lines, for a person who debugs."""
     line = f"{'  ' * depth}{role(element)} {name(element)!r} {text(element)!r}\n"
     if depth == deepest or role(element) == "table":
         return line
     return line + "".join(dump(child, depth + 1, deepest) for child in children(element))
+
+
+def _has_state(element: Element, state: Atspi.StateType) -> bool:
+    try:
+        element.clear_cache()
+        return bool(element.get_state_set().contains(state))
+    except GLib.Error:
+        return False

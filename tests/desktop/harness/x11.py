@@ -38,9 +38,11 @@ def active_class() -> str:
 
 def window_title(window: str) -> str:
     """A window's title."""
-    answer = _output(["xprop", "-id", window, "-notype", "-f", "_NET_WM_NAME", "8u", "_NET_WM_NAME"])
-    match = re.search(r'= "(.*)"', answer, re.DOTALL)
-    return match[1] if match else ""
+    for name in ("_NET_WM_NAME", "WM_NAME"):
+        answer = _output(["xprop", "-id", window, "-notype", "-f", name, "8u", name])
+        if match := re.search(r'= "(.*)"', answer, re.DOTALL):
+            return match[1]
+    return ""
 
 
 def _output(command: list[str]) -> str:

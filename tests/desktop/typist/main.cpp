@@ -46,7 +46,10 @@ class Typist {
     } else if (verb == "tap") {
       tap(rest(words));
     } else if (verb == "down" || verb == "up") {
-      for (const auto& key : rest(words)) keyboard_.key(keys_.code(key), verb == "down");
+      for (const auto& key : rest(words)) {
+        keyboard_.key(keys_.code(key), verb == "down");
+        pause();
+      }
     } else {
       throw std::runtime_error("unknown command " + verb);
     }
@@ -71,11 +74,14 @@ class Typist {
       const auto held = chord(key);
       for (const auto code : held) keyboard_.key(code, true);
       for (auto code = held.rbegin(); code != held.rend(); ++code) keyboard_.key(*code, false);
-      if (pace_.count() > 0) {
-        keyboard_.flush();
-        std::this_thread::sleep_for(pace_);
-      }
+      pause();
     }
+  }
+
+  void pause() {
+    if (pace_.count() == 0) return;
+    keyboard_.flush();
+    std::this_thread::sleep_for(pace_);
   }
 
   [[nodiscard]] std::vector<KeyCode> chord(const std::string& names) const {

@@ -1,0 +1,103 @@
+"""The program under test in its private home: its document, its log, its status item."""
+
+import json
+import os
+import signal
+import subprocess
+from pathlib import Path
+from typing import Any
+
+from . import x11
+from .children import stop
+from .private_desktop import PrivateDesktop
+from .waiting import until
+
+Document = dict[str, Any]
+
+
+class Keyvora:
+    """keyvora on a private desktop; it runs between `start` and `stop`. A second one has a home of its own."""
+
+    def __init__(self, desktop: PrivateDesktop, program: Path, home: Path | None = None) -> None:
+        self._desktop = desktop
+        self._program = program
+        self._process: subprocess.Popen[bytes] | None = None
+        self._home = home or desktop.home
+        library = self._home / "Library"
+        self.mappings = library / "Application Support" / "keyvora" / "mappings.json"
+        self.log = Log(library / "Logs" / "keyvora.log")
+        self.console = desktop.children.log("keyvora")
+
+    def write(self, document: Document) -> None:
+        """Saves the document in place, as a plain editor does."""
+        self.mappings.parent.mkdir(parents=True, exist_ok=True)
+        self.mappings.write_text(json.dumps(document, indent=2, ensure_ascii=False) + "\n")
+
+    def launch(self, extra_path: Path | None = None) -> subprocess.Popen[bytes]:
+        """Starts the program and waits for nothing; `extra_path` comes first on its PATH."""
+        environment = dict(os.environ, HOME=str(self._home))
+        if extra_path:
+            environment["PATH"] = f"{extra_path}:{environment['PATH']}"
+        self._process = self._desktop.children.start([str(self._program)], name="keyvora",
+                                                     environment=environment)
+        return self._process
+
+    def start(self, extra_path: Path | None = None) -> None:
+        """Starts the program and waits until its tap is installed and its status item is shown."""
+        process = self.launch(extra_path)
+        until(lambda: self.log.has("tap installed") or process.poll() is not None,
+              "the tap to be installed", 20, seen=self.log.messages)
+        if process.poll() is not None:
+            raise AssertionError(f"keyvora ended with {process.returncode}:\n{self.console.read_text()}")
+
+    def stop(self) -> int:
+        """Ends the program as a user's session does. Returns its exit status."""
+        if not self._process:
+            return 0
+        status = stop(self._process)
+        self._process = None
+        return status
+
+    def kill(self) -> None:
+        """Ends the program by force, as a crash would."""
+        assert self._process
+        self._process.send_signal(signal.SIGKILL)
+        self._process.wait()
+        self._process = None
+
+    def is_running(self) -> bool:
+        """Whether the process is alive."""
+        return self._process is not None and self._process.poll() is None
+
+    def status(self) -> str:
+        """The text of its status item as shown in the tray; empty when there is none."""
+        for window in x11.windows_of_class("keyvora"):
+            if (title := x11.window_title(window)).startswith("⌥"):
+                return title
+        return ""
+
+
+class Log:
+    """The program's log file, read anew every time."""
+
+    def __init__(self, path: Path) -> None:
+        self.path = path
+
+    def messages(self) -> list[str]:
+        """Every record's message, without its time stamp."""
+        if not self.path.exists():
+            return []
+        return [line[20:] for line in self.path.read_text(errors="replace").splitlines()]
+
+    def has(self, message: str) -> bool:
+        """Whether a message begins like this."""
+        return any(line.startswith(message) for line in self.messages())
+
+    def count(self, message: str) -> int:
+        """How many messages are exactly this."""
+        return self.messages().count(message)
+
+    def wait(self, message: str, times: int = 1, seconds: float = 10.0) -> None:
+        """Waits until so many messages are exactly this."""
+        until(lambda: self.count(message) >= times, f"{times} × {message!r} in the log", seconds,
+              seen=lambda: self.messages()[-8:])

@@ -1,0 +1,136 @@
+"""The spreadsheets that stand in for Excel: started, driven by the simulated user, read through AT-SPI."""
+
+import re
+import shutil
+from abc import ABC, abstractmethod
+from typing import ClassVar
+
+from . import accessible, x11
+from .private_desktop import PrivateDesktop
+from .typist import Typist
+from .waiting import equal, until
+
+
+class Spreadsheet(ABC):
+    """One running spreadsheet. Made when it is in front and its menu bar is filled."""
+
+    # What it is called on a command line, and the program that it is.
+    name: ClassVar[str]
+    program: ClassVar[str]
+    # What it needs between two keys to lose none of them, keyvora or not; in milliseconds.
+    pace: ClassVar[int] = 0
+    # The window class and the path to the "format cells" command of its menus.
+    window_class: ClassVar[str]
+    format_cells: ClassVar[list[str]]
+
+    @classmethod
+    def is_installed(cls) -> bool:
+        """Whether it can be started at all."""
+        return shutil.which(cls.program) is not None
+
+    def __init__(self, desktop: PrivateDesktop, *files: str) -> None:
+        desktop.children.start(self._command(desktop) + list(files))
+        until(lambda: self.window_class in x11.active_class(), f"{self.name} in front", 40,
+              seen=x11.active_class)
+        self.window = x11.active_window()
+        self.process = int(x11.window_property(self.window, "_NET_WM_PID"))
+        accessible.connect()
+        self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus")
+        until(self._has_menus, f"the menus of {self.name}", 20)
+        self._name_box, self._input_line = until(self._find_texts, "the name box and the input line")
+
+    def is_in_front(self) -> bool:
+        """Whether its main window is the active one."""
+        return x11.active_window() == self.window
+
+    def selected(self) -> str:
+        """The selected cell, as "B3"."""
+        return accessible.text(self._name_box)
+
+    def input(self) -> str:
+        """What the input line shows: the selected cell's content, or what is being typed into it."""
+        return accessible.text(self._input_line)
+
+    def select(self, typist: Typist, cell: str) -> None:
+        """Goes to a cell by keys, as a user does, and waits until it is there."""
+        match = re.fullmatch(r"([A-Z])(\d+)", cell)
+        assert match, cell
+        right = ["Right"] * (ord(match[1]) - ord("A"))
+        down = ["Down"] * (int(match[2]) - 1)
+        typist.tap("Control+Home", *right, *down)
+        equal(self.selected, cell, "the selected cell")
+
+    def content(self, typist: Typist, cell: str) -> str:
+        """Goes to a cell and reads what it holds."""
+        self.select(typist, cell)
+        return self.input()
+
+    def open_menu(self) -> str:
+        """The name of the menu that its menu bar has open, or the empty text."""
+        bar = accessible.find(self._root, "menu bar")
+        opened = [menu for menu in accessible.children(bar) if accessible.is_selected(menu)] if bar else []
+        return accessible.name(opened[0]) if opened else ""
+
+    def dialog(self) -> str:
+        """The title of its dialog in front, or the empty text."""
+        for window in accessible.children(self._root):
+            if accessible.role(window) in ("dialog", "alert") and accessible.is_active(window):
+                return accessible.name(window)
+        return ""
+
+    @abstractmethod
+    def _command(self, desktop: PrivateDesktop) -> list[str]:
+        """How it is started."""
+
+    @abstractmethod
+    def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
+        """The name box and the input line, once both are there."""
+
+    def _has_menus(self) -> bool:
+        bar = accessible.find(self._root, "menu bar")
+        return bar is not None and any(accessible.children(menu) for menu in accessible.children(bar))
+
+
+class Gnumeric(Spreadsheet):
+    """Gnumeric: the light one, for every run."""
+
+    name = "gnumeric"
+    program = "gnumeric"
+    window_class = "gnumeric, Gnumeric"
+    format_cells = ["Format", "Cells", "Format..."]
+
+    def _command(self, desktop: PrivateDesktop) -> list[str]:
+        return ["gnumeric"]
+
+    def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
+        for bar in accessible.descendants(self._root):
+            if accessible.role(bar) != "tool bar":
+                continue
+            texts = [item for item in accessible.descendants(bar) if accessible.role(item) == "text"]
+            if len(texts) == 2 and "go-jump" in map(accessible.name, accessible.children(texts[0])):
+                return texts[0], texts[1]
+        return None
+
+
+class Calc(Spreadsheet):
+    """LibreOffice Calc, with its GTK 3 plug-in: it loses keys of its own when they come without a pause."""
+
+    name = "calc"
+    program = "soffice"
+    pace = 5
+    window_class = "libreoffice-calc"
+    format_cells = ["Format", "Cells..."]
+
+    def _command(self, desktop: PrivateDesktop) -> list[str]:
+        return ["soffice", "--calc", "--norestore", "--nologo", "--nofirststartwizard",
+                f"-env:UserInstallation=file://{desktop.home}/office"]
+
+    def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
+        bar = accessible.find(self._root, "tool bar", "Formula Tool Bar")
+        name_box = bar and accessible.find(bar, "text")
+        line = bar and accessible.find(bar, "panel", "Input line")
+        paragraph = line and accessible.find(line, "paragraph")
+        return (name_box, paragraph) if name_box and paragraph else None
+
+
+SPREADSHEETS: dict[str, type[Spreadsheet]] = {kind.name: kind for kind in (Gnumeric, Calc)}

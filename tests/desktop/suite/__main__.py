@@ -1,0 +1,86 @@
+"""Runs the end-to-end tests: `python3 -m suite --keyvora PROGRAM --typist PROGRAM [MODULE|MODULE.CLASS.TEST ...]`
+
+Brings up one private desktop with one spreadsheet for all of them. A failed test leaves a screenshot and the
+logs of everything that ran in the folder of --artifacts. Exit status 77: the spreadsheet is not installed.
+"""
+
+import argparse
+import faulthandler
+import shutil
+import sys
+import unittest
+from pathlib import Path
+
+from harness.private_desktop import PrivateDesktop
+
+SKIPPED = 77
+HERE = Path(__file__).parent
+
+
+def main() -> int:
+    arguments = parse()
+    from harness.spreadsheet import SPREADSHEETS
+    kind = SPREADSHEETS[arguments.target]
+    if not kind.is_installed():
+        print(f"{kind.program} is not installed")
+        return SKIPPED
+    # A call into the accessibility library cannot be interrupted: say where it stands if it never returns.
+    faulthandler.dump_traceback_later(arguments.limit, exit=True)
+    with PrivateDesktop() as desktop:
+        from .desktop_test import DesktopTest, Environment
+        DesktopTest.environment = Environment(desktop, arguments.keyvora, arguments.typist, kind(desktop))
+        names = [f"suite.{name}" for name in arguments.tests or every_module()]
+        suite = unittest.defaultTestLoader.loadTestsFromNames(names)
+        Result.artifacts = arguments.artifacts / arguments.target
+        runner = unittest.TextTestRunner(sys.stdout, verbosity=2, resultclass=Result)
+        return 0 if runner.run(suite).wasSuccessful() else 1
+
+
+def parse() -> argparse.Namespace:
+    parser = argparse.ArgumentParser(prog="suite", description="The end-to-end tests.")
+    parser.add_argument("--target", choices=["gnumeric", "calc"], default="gnumeric")
+    parser.add_argument("--keyvora", type=Path, required=True, help="the program under test")
+    parser.add_argument("--typist", type=Path, required=True, help="keyvora-typist")
+    parser.add_argument("--artifacts", type=Path, default=Path("desktop-failures"))
+    parser.add_argument("--limit", type=float, default=280, help="seconds after which everything is ended")
+    parser.add_argument("tests", nargs="*", help="test_bursts, test_watch.Watch, ...; all without")
+    return parser.parse_args()
+
+
+def every_module() -> list[str]:
+    return sorted(path.stem for path in HERE.glob("test_*.py"))
+
+
+class Result(unittest.TextTestResult):
+    """Keeps what a person needs who was not there: the screen and the logs at the moment of a failure."""
+
+    artifacts: Path
+
+    def addFailure(self, test: unittest.TestCase, err: object) -> None:  # type: ignore[override]
+        super().addFailure(test, err)  # type: ignore[arg-type]
+        self._keep(test)
+
+    def addError(self, test: unittest.TestCase, err: object) -> None:  # type: ignore[override]
+        super().addError(test, err)  # type: ignore[arg-type]
+        self._keep(test)
+
+    def _keep(self, test: unittest.TestCase) -> None:
+        from .desktop_test import DesktopTest
+        desktop = DesktopTest.environment.desktop
+        folder = self.artifacts / test.id()
+        shutil.rmtree(folder, ignore_errors=True)
+        desktop.screenshot(folder / "screen.png")
+        for log in (*desktop.folder.glob("logs/*.log"), *desktop.home.glob("Library/Logs/*.log")):
+            (folder / f"{log.parent.parent.name}-{log.name}").write_bytes(log.read_bytes())
+        print(f"\nkeyvora's log:\n{_tail(desktop.home / 'Library/Logs/keyvora.log')}"
+              f"\nIts standard error:\n{_tail(desktop.children.log('keyvora'))}\nKept in {folder}")
+
+
+def _tail(path: Path, lines: int = 25) -> str:
+    if not path.exists():
+        return "(none)"
+    return "\n".join(path.read_text(errors="replace").splitlines()[-lines:])
+
+
+if __name__ == "__main__":
+    sys.exit(main())

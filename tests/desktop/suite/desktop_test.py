@@ -1,0 +1,103 @@
+"""What every end-to-end test stands on."""
+
+import shutil
+import unittest
+from dataclasses import dataclass
+from pathlib import Path
+from typing import ClassVar
+
+from harness.keyvora import Document, Keyvora
+from harness.private_desktop import PrivateDesktop
+from harness.spreadsheet import Spreadsheet
+from harness.typist import Typist
+from harness.waiting import equal
+
+# The document of most tests: one sequence that types a letter, one that opens a dialog, an ambiguous pair.
+DOCUMENT: Document = {
+    "version": 1,
+    "timeoutMilliseconds": 400,
+    "tabs": {},
+    "sequences": [
+        {"keys": "HF", "name": "Type x", "action": {"kind": "keystroke", "key": "x"}},
+        {"keys": "M", "name": "Type m", "action": {"kind": "keystroke", "key": "m"}},
+        {"keys": "MM", "name": "Type n", "action": {"kind": "keystroke", "key": "n"}},
+        {"keys": "S", "name": "Script", "action": {"kind": "applescript", "script": "activate"}},
+    ],
+}
+
+ARMED = "armed: Option tapped in Excel"
+
+
+@dataclass
+class Environment:
+    """What the runner was given and has brought up."""
+
+    desktop: PrivateDesktop
+    keyvora: Path
+    typist: Path
+    sheet: Spreadsheet | None
+
+
+class DesktopTest(unittest.TestCase):
+    """A fresh keyvora with `document`, and an empty cell selected in the spreadsheet that is in front."""
+
+    environment: ClassVar[Environment]
+    document: ClassVar[Document] = DOCUMENT
+    # Whether setUp starts keyvora; a test that has something to do before calls `self.start()` itself.
+    starts_keyvora: ClassVar[bool] = True
+
+    _columns_used: ClassVar[int] = 0
+
+    def setUp(self) -> None:
+        self.desktop = self.environment.desktop
+        self.addCleanup(self.desktop.set_layout, "us")
+        shutil.rmtree(self.desktop.home / "Library", ignore_errors=True)
+        self.keyvora = Keyvora(self.desktop, self.environment.keyvora)
+        self.addCleanup(self.keyvora.stop)
+        self.addCleanup(self.dismiss)
+        self.keyvora.write(self.document)
+        if self.environment.sheet:
+            self.sheet = self.environment.sheet
+            self.typist = self.new_typist()
+            self.typist.pace(self.sheet.pace)
+            self.new_cell()
+        if self.starts_keyvora:
+            self.start()
+
+    def start(self, extra_path: Path | None = None) -> None:
+        """Starts keyvora and waits until it works."""
+        self.keyvora.start(extra_path)
+
+    def new_typist(self, **options: str) -> Typist:
+        """Another pair of hands."""
+        return Typist(self.desktop.children, self.environment.typist, **options)
+
+    def new_cell(self) -> None:
+        """Selects an empty cell of a column of its own, where no completion gets in the way."""
+        DesktopTest._columns_used += 1
+        self.typist.tap("Escape")
+        self.sheet.select(self.typist, f"{chr(ord('A') + self._columns_used % 26)}1")
+
+    def dismiss(self) -> None:
+        """Leaves the cell, a menu or a dialog without a trace."""
+        if self.environment.sheet:
+            self.typist.tap("Escape", "Escape")
+
+    def fire(self) -> None:
+        """Types the sequence that types the letter x."""
+        self.typist.tap("Option", "h", "f")
+
+    def expect_input(self, text: str, seconds: float = 20.0) -> None:
+        """Waits until the cell's text is exactly this."""
+        equal(self.sheet.input, text, "the cell's text", seconds)
+
+    def expect_everything_works(self) -> None:
+        """One sequence fires and plain letters arrive: nothing is stuck, whatever happened before."""
+        self.new_cell()
+        fired = self.keyvora.log.count("HF  Type x (keystroke)")
+        self.typist.tap("k")
+        self.fire()
+        self.typist.tap("a", "b")
+        self.expect_input("kxab")
+        self.keyvora.log.wait("HF  Type x (keystroke)", fired + 1)
+        self.assertEqual("⌥", self.keyvora.status())

@@ -1,0 +1,67 @@
+"""Keys at the highest pace: none is lost, none leaks, none changes its place."""
+
+from harness.waiting import equal
+
+from .desktop_test import ARMED, DesktopTest
+
+TIMES = 100
+
+
+class Bursts(DesktopTest):
+    starts_keyvora = False
+
+    def text_without_keyvora(self, *keys: str, times: int = TIMES) -> str:
+        """What the spreadsheet itself makes of the keys, when nothing stands between."""
+        self.typist.tap("k")
+        self.typist.burst(times, *keys)
+        # The end of it: what comes next arrives after everything.
+        self.typist.tap(";")
+        equal(lambda: self.sheet.input()[-1:], ";", "the end of the cell's text", 30)
+        text = self.sheet.input()[:-1]
+        self.new_cell()
+        return text
+
+    def test_sequences_that_fire_type_between_the_users_keys(self) -> None:
+        expected = self.text_without_keyvora("x", "a", "b")
+        self.start()
+        self.typist.tap("k")
+        self.typist.burst(TIMES, "Option", "h", "f", "a", "b")
+        self.expect_input(expected, 60)
+        self.keyvora.log.wait("HF  Type x (keystroke)", TIMES)
+        self.assertEqual(TIMES, self.keyvora.log.count(ARMED))
+
+    def test_dead_ends_swallow_their_letters_and_nothing_else(self) -> None:
+        expected = self.text_without_keyvora("a", "b")
+        self.start()
+        self.typist.tap("k")
+        self.typist.burst(TIMES, "Option", "h", "q", "a", "b")
+        self.expect_input(expected, 60)
+        self.keyvora.log.wait("no sequence HQ", TIMES)
+        self.assertEqual(TIMES, self.keyvora.log.count(ARMED))
+
+    def test_plain_typing_passes(self) -> None:
+        keys = [*"the1quick2brown3fox"]
+        expected = self.text_without_keyvora(*keys, times=20)
+        self.start()
+        self.typist.tap("k")
+        self.typist.burst(20, *keys)
+        self.expect_input(expected, 60)
+        self.assertEqual(0, self.keyvora.log.count(ARMED))
+
+    def test_a_second_program_typing_at_the_same_time_loses_nothing(self) -> None:
+        self.start()
+        other = self.new_typist(device="Xvfb XTEST keyboard")
+        other.pace(max(self.sheet.pace, 2))
+        self.typist.tap("k")
+        keys = ("Option", "h", "q", "a", "b")
+        other.begin(f"burst {TIMES} -")
+        for _ in range(TIMES):
+            self.typist.tap(*keys)
+        other.finish()
+        # Its key ends a sequence and passes; the user's letters after it are then letters of the cell.
+        equal(lambda: self.sheet.input().count("-"), TIMES, "the second program's keys", 60)
+        self.typist.tap(";")
+        equal(lambda: self.sheet.input()[-1:], ";", "the end of the cell's text")
+        self.assertEqual(TIMES, self.sheet.input().count("b"))
+        self.dismiss()
+        self.expect_everything_works()

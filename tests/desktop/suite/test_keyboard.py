@@ -1,0 +1,101 @@
+"""What hands do on a keyboard besides one key after the other."""
+
+from harness.waiting import equal, stays, until
+
+from .desktop_test import ARMED, DesktopTest
+
+
+class KeyboardTest(DesktopTest):
+    def test_keys_that_overlap(self) -> None:
+        self.typist.tap("k", "Option")
+        self.typist.down("h", "f")
+        self.typist.up("h")
+        self.typist.down("a")
+        self.typist.up("f")
+        self.typist.down("b")
+        self.typist.up("a", "b")
+        self.expect_input("kxab")
+
+    def test_a_letter_held_before_the_option_tap_stays_the_cells(self) -> None:
+        self.typist.tap("k")
+        self.typist.down("a")
+        self.typist.tap("Option")
+        self.typist.up("a")
+        self.keyvora.log.wait(ARMED)
+        self.typist.tap("h", "f", "b")
+        until(lambda: self.sheet.input().endswith("xb"), "the sequence to fire", seen=self.sheet.input)
+
+    def test_a_held_key_repeats_in_the_cell(self) -> None:
+        self.typist.tap("k")
+        self.typist.down("a")
+        until(lambda: self.sheet.input().startswith("kaaaaa"), "five letters", seen=self.sheet.input)
+        self.typist.up("a")
+        self.typist.tap("b")
+        until(lambda: self.sheet.input().endswith("ab"), "the key after it", seen=self.sheet.input)
+
+    def test_a_held_letter_repeats_into_the_sequence(self) -> None:
+        self.typist.tap("k", "Option")
+        self.typist.down("h")
+        self.keyvora.log.wait("no sequence HH")
+        # The sequence has ended, the key is still held: from now on its letters are the cell's.
+        until(lambda: self.sheet.input().startswith("khh"), "letters after the end", seen=self.sheet.input)
+        self.typist.up("h")
+        self.assertEqual(1, self.keyvora.log.count("no sequence HH"))
+        self.dismiss()
+        self.expect_everything_works()
+
+    def test_option_with_a_letter_is_the_applications(self) -> None:
+        self.typist.tap("Option+f")
+        equal(self.sheet.open_menu, "File", "the open menu")
+        self.typist.tap("Escape", "Escape")
+        equal(self.sheet.open_menu, "", "the open menu")
+        self.assertEqual(0, self.keyvora.log.count(ARMED))
+        self.expect_everything_works()
+
+    def test_option_with_shift_arms_nothing(self) -> None:
+        for first, second in (("Option", "Shift"), ("Shift", "Option")):
+            with self.subTest(first=first):
+                self.typist.down(first, second)
+                self.typist.up(second, first)
+        # Shift first is a lone Option tap while Shift is held: that one arms.
+        self.keyvora.log.wait(ARMED)
+        self.typist.tap("Escape")
+        self.expect_everything_works()
+        self.assertEqual(2, self.keyvora.log.count(ARMED))
+
+    def test_shift_and_control_letters_count_while_armed(self) -> None:
+        self.typist.tap("k", "Option", "Shift+h", "Control+f", "a")
+        self.expect_input("kxa")
+
+    def test_escape_and_a_second_tap_cancel(self) -> None:
+        self.typist.tap("k", "Option", "h", "Escape", "a", "Option", "Option", "b")
+        self.expect_input("kab")
+        self.assertEqual(2, self.keyvora.log.count(ARMED))
+
+    def test_a_key_without_a_letter_ends_the_sequence_and_passes(self) -> None:
+        self.typist.tap("k", "Option", "h", "Space", "f")
+        self.expect_input("k f")
+
+    def test_an_ambiguous_sequence_waits_and_a_longer_one_fires_at_once(self) -> None:
+        self.typist.tap("k", "Option", "m")
+        equal(self.keyvora.status, "⌥ M", "the status")
+        self.expect_input("km")
+        self.typist.tap("Option", "m", "m")
+        self.expect_input("kmn")
+        stays(self.sheet.input, "kmn", "the cell's text", 0.6)
+
+    def test_the_status_shows_the_letters(self) -> None:
+        equal(self.keyvora.status, "⌥", "the status")
+        for key, status in (("Option", "⌥ "), ("h", "⌥ H"), ("Escape", "⌥")):
+            self.typist.tap(key)
+            equal(self.keyvora.status, status, f"the status after {key}")
+
+    def test_a_second_keyboard(self) -> None:
+        second = self.new_typist(device="Xvfb XTEST keyboard")
+        second.pace(self.sheet.pace)
+        second.tap("k", "Option", "h", "f", "a")
+        self.expect_input("kxa")
+        # A sequence begun on one and ended on the other.
+        self.typist.tap("Option", "h")
+        second.tap("f", "b")
+        self.expect_input("kxaxb")

@@ -1,0 +1,89 @@
+"""When something goes wrong, the user's keyboard goes on."""
+
+import time
+from pathlib import Path
+
+from harness.keyvora import Keyvora
+from harness.waiting import equal, until
+
+from .desktop_test import ARMED, DesktopTest
+
+# How long a key may be held while the program does not answer, in seconds: one, and what a busy machine adds.
+LONGEST_HOLD = 2.0
+
+
+class Trouble(DesktopTest):
+    starts_keyvora = False
+
+    def scripts_take(self, seconds: float) -> Path:
+        """A folder with an osascript whose every script takes so long."""
+        folder = self.desktop.folder / "slow"
+        folder.mkdir(exist_ok=True)
+        program = folder / "osascript"
+        program.write_text(f"#!/bin/sh\nexec sleep {seconds:g}\n")
+        program.chmod(0o755)
+        return folder
+
+    def test_a_script_of_five_seconds_does_not_hold_the_keyboard(self) -> None:
+        self.start(self.scripts_take(5))
+        self.typist.tap("k", "Option", "s")
+        begin = time.monotonic()
+        self.typist.tap("a")
+        self.expect_input("ka")
+        self.assertLess(time.monotonic() - begin, LONGEST_HOLD)
+        # After the first key the program is let go of: the next ones are not held at all.
+        again = time.monotonic()
+        self.typist.tap("b", "Option", "b")
+        self.expect_input("kabb")
+        self.assertLess(time.monotonic() - again, 1.0)
+        self.assertEqual(0, self.keyvora.log.count("S  Script (applescript)"), "the script ended too early")
+        self.keyvora.log.wait("S  Script (applescript)")
+        self.dismiss()
+        self.expect_everything_works()
+
+    def test_killed_while_armed_it_leaves_a_working_keyboard(self) -> None:
+        self.start()
+        self.typist.tap("k", "Option", "h")
+        equal(self.keyvora.status, "⌥ H", "the status")
+        self.keyvora.kill()
+        self.typist.tap("f", "a", "Option", "b")
+        self.expect_input("kfab")
+        # And the next one works.
+        self.dismiss()
+        self.start()
+        self.expect_everything_works()
+
+    def test_killed_while_a_key_is_held(self) -> None:
+        self.start()
+        self.typist.tap("k", "Option")
+        self.typist.down("h")
+        equal(self.keyvora.status, "⌥ H", "the status")
+        self.keyvora.kill()
+        self.typist.up("h")
+        self.typist.tap("a", "b")
+        until(lambda: self.sheet.input().endswith("ab"), "letters", seen=self.sheet.input)
+
+    def test_a_second_instance_waits_for_the_first_to_end(self) -> None:
+        self.start()
+        home = self.desktop.folder / "second"
+        home.mkdir(exist_ok=True)
+        second = Keyvora(self.desktop, self.environment.keyvora, home)
+        self.addCleanup(second.stop)
+        second.write(self.document)
+        second.launch()
+        second.log.wait("tap not installed yet: waiting for the Accessibility grant")
+        self.expect_everything_works()
+        self.assertEqual(0, second.log.count(ARMED))
+        self.dismiss()
+        self.assertEqual(0, self.keyvora.stop())
+        second.log.wait("accessibility granted, tap installed, 4 sequences")
+        self.new_cell()
+        self.typist.tap("k")
+        self.fire()
+        self.expect_input("kx")
+
+    def test_the_end_of_the_session_ends_it_cleanly(self) -> None:
+        self.start()
+        self.assertEqual(0, self.keyvora.stop())
+        self.typist.tap("k", "Option", "h")
+        self.expect_input("kh")

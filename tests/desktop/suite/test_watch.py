@@ -1,0 +1,88 @@
+"""The document is followed, however an editor saves it."""
+
+import json
+import os
+
+from harness.keyvora import Document
+from harness.waiting import until
+
+from .desktop_test import DOCUMENT, DesktopTest
+
+
+def document_of(count: int) -> Document:
+    """A document with so many sequences, by which its reload is told from others."""
+    sequences = [{"keys": f"Q{number}", "name": "none", "action": {"kind": "keytips", "keys": "A"}}
+                 for number in range(count - len(DOCUMENT["sequences"]))]
+    return DOCUMENT | {"sequences": [*DOCUMENT["sequences"], *sequences]}
+
+
+class Watch(DesktopTest):
+    def expect_reload(self, count: int) -> None:
+        self.keyvora.log.wait(f"mappings reloaded, {count} sequences")
+
+    def rename_into_place(self, document: Document) -> None:
+        beside = self.keyvora.mappings.with_suffix(".new")
+        beside.write_text(json.dumps(document))
+        beside.rename(self.keyvora.mappings)
+
+    def test_saved_in_place_again_and_again(self) -> None:
+        for count in (5, 6, 7):
+            self.keyvora.write(document_of(count))
+            self.expect_reload(count)
+
+    def test_saved_by_rename_again_and_again(self) -> None:
+        for count in (5, 6, 7):
+            self.rename_into_place(document_of(count))
+            self.expect_reload(count)
+
+    def test_saved_by_rename_while_the_old_file_is_held_open(self) -> None:
+        for count in (5, 6):
+            with self.keyvora.mappings.open():
+                self.rename_into_place(document_of(count))
+                self.expect_reload(count)
+
+    def test_a_hundred_saves_in_a_row_the_last_one_holds(self) -> None:
+        for count in range(5, 105):
+            self.keyvora.write(document_of(count))
+        self.expect_reload(104)
+        self.typist.tap("Option", "q", "9", "9")
+        self.keyvora.log.wait("Q99  none (keytips A)")
+        self.assertEqual("mappings reloaded, 104 sequences",
+                         [line for line in self.keyvora.log.messages() if "reloaded" in line][-1])
+
+    def test_a_broken_edit_keeps_the_last_good_document(self) -> None:
+        self.keyvora.mappings.write_text('{"version": 1,')
+        self.wait_for_refusal()
+        self.expect_everything_works()
+        self.keyvora.write(document_of(5))
+        self.expect_reload(5)
+
+    def test_deleted_it_keeps_the_last_good_document(self) -> None:
+        self.keyvora.mappings.unlink()
+        self.wait_for_refusal()
+        self.expect_everything_works()
+
+    def test_deleted_and_made_anew_at_once(self) -> None:
+        self.keyvora.mappings.unlink()
+        self.keyvora.write(document_of(5))
+        self.expect_reload(5)
+        self.keyvora.write(document_of(6))
+        self.expect_reload(6)
+
+    def wait_for_refusal(self) -> None:
+        until(lambda: self.keyvora.log.has("mappings.json not loaded, keeping the last good one: "),
+              "the refusal in the log", seen=self.keyvora.log.messages)
+
+
+class WatchThroughALink(DesktopTest):
+    starts_keyvora = False
+
+    def test_a_symbolic_link_to_the_document(self) -> None:
+        real = self.desktop.home / "dotfiles.json"
+        self.keyvora.mappings.rename(real)
+        os.symlink(real, self.keyvora.mappings)
+        self.start()
+        for count in (5, 6):
+            real.write_text(json.dumps(document_of(count)))
+            self.keyvora.log.wait(f"mappings reloaded, {count} sequences")
+        self.assertTrue(self.keyvora.mappings.is_symlink())
