@@ -44,9 +44,10 @@ class Keyvora:
 
     def start(self, extra_path: Path | None = None) -> None:
         """Starts the program and waits until its tap is installed and its status item is shown."""
+        before = len(self.log.messages())
         process = self.launch(extra_path)
-        until(lambda: self.log.has("tap installed") or process.poll() is not None,
-              "the tap to be installed", 20, seen=self.log.messages)
+        until(lambda: any("tap installed, " in line for line in self.log.messages()[before:])
+              or process.poll() is not None, "the tap to be installed", 20, seen=self.log.messages)
         if process.poll() is not None:
             raise AssertionError(f"keyvora ended with {process.returncode}:\n{self.console.read_text()}")
 

@@ -6,12 +6,15 @@ from pathlib import Path
 from .children import Children
 from .private_desktop import KEYBOARD
 
+# The keyboard that programs type on, by the XTEST extension.
+XTEST_KEYBOARD = "Virtual core XTEST keyboard"
+
 
 class Typist:
     """Types on one keyboard of the display; every call returns when the display has taken the keys.
 
     Keys are called by what an American keyboard has printed on them, whatever the layout. `device` is
-    another keyboard: "Xvfb XTEST keyboard" is the one that other programs type on.
+    another keyboard: XTEST_KEYBOARD is the one that other programs type on.
     """
 
     def __init__(self, children: Children, program: Path, device: str = KEYBOARD) -> None:
@@ -60,8 +63,3 @@ class Typist:
         answer = stdout.readline().decode().strip()
         if answer != "ok":
             raise RuntimeError(f"the typist could not do {command!r}: {answer or 'it ended'}")
-
-
-def text_keys(text: str) -> list[str]:
-    """The keys that type lower-case letters and digits on an American layout."""
-    return ["Space" if letter == " " else letter for letter in text]

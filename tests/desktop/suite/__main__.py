@@ -58,13 +58,16 @@ class Result(unittest.TextTestResult):
 
     def addFailure(self, test: unittest.TestCase, err: object) -> None:  # type: ignore[override]
         super().addFailure(test, err)  # type: ignore[arg-type]
-        self._keep(test)
+        self._keep(test, self.failures[-1][1])
 
     def addError(self, test: unittest.TestCase, err: object) -> None:  # type: ignore[override]
         super().addError(test, err)  # type: ignore[arg-type]
-        self._keep(test)
+        self._keep(test, self.errors[-1][1])
 
-    def _keep(self, test: unittest.TestCase) -> None:
+    def printErrors(self) -> None:
+        """They were printed when they happened."""
+
+    def _keep(self, test: unittest.TestCase, why: str) -> None:
         from .desktop_test import DesktopTest
         desktop = DesktopTest.environment.desktop
         folder = self.artifacts / test.id()
@@ -72,7 +75,7 @@ class Result(unittest.TextTestResult):
         desktop.screenshot(folder / "screen.png")
         for log in (*desktop.folder.glob("logs/*.log"), *desktop.home.glob("Library/Logs/*.log")):
             (folder / f"{log.parent.parent.name}-{log.name}").write_bytes(log.read_bytes())
-        print(f"\nkeyvora's log:\n{_tail(desktop.home / 'Library/Logs/keyvora.log')}"
+        print(f"\n{why}\nkeyvora's log:\n{_tail(desktop.home / 'Library/Logs/keyvora.log')}"
               f"\nIts standard error:\n{_tail(desktop.children.log('keyvora'))}\nKept in {folder}")
 
 

@@ -15,7 +15,7 @@ from harness.waiting import equal
 # The document of most tests: one sequence that types a letter, one that opens a dialog, an ambiguous pair.
 DOCUMENT: Document = {
     "version": 1,
-    "timeoutMilliseconds": 400,
+    "timeoutMilliseconds": 1000,
     "tabs": {},
     "sequences": [
         {"keys": "HF", "name": "Type x", "action": {"kind": "keystroke", "key": "x"}},

@@ -1,5 +1,6 @@
 """Keys at the highest pace: none is lost, none leaks, none changes its place."""
 
+from harness.typist import XTEST_KEYBOARD
 from harness.waiting import equal
 
 from .desktop_test import ARMED, DesktopTest
@@ -50,7 +51,7 @@ class Bursts(DesktopTest):
 
     def test_a_second_program_typing_at_the_same_time_loses_nothing(self) -> None:
         self.start()
-        other = self.new_typist(device="Xvfb XTEST keyboard")
+        other = self.new_typist(device=XTEST_KEYBOARD)
         other.pace(max(self.sheet.pace, 2))
         self.typist.tap("k")
         keys = ("Option", "h", "q", "a", "b")

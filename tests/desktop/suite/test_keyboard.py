@@ -1,5 +1,6 @@
 """What hands do on a keyboard besides one key after the other."""
 
+from harness.typist import XTEST_KEYBOARD
 from harness.waiting import equal, stays, until
 
 from .desktop_test import ARMED, DesktopTest
@@ -82,7 +83,7 @@ class KeyboardTest(DesktopTest):
         self.expect_input("km")
         self.typist.tap("Option", "m", "m")
         self.expect_input("kmn")
-        stays(self.sheet.input, "kmn", "the cell's text", 0.6)
+        stays(self.sheet.input, "kmn", "the cell's text", 1.5)
 
     def test_the_status_shows_the_letters(self) -> None:
         equal(self.keyvora.status, "⌥", "the status")
@@ -91,7 +92,7 @@ class KeyboardTest(DesktopTest):
             equal(self.keyvora.status, status, f"the status after {key}")
 
     def test_a_second_keyboard(self) -> None:
-        second = self.new_typist(device="Xvfb XTEST keyboard")
+        second = self.new_typist(device=XTEST_KEYBOARD)
         second.pace(self.sheet.pace)
         second.tap("k", "Option", "h", "f", "a")
         self.expect_input("kxa")
