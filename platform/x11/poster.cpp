@@ -63,7 +63,8 @@ void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke
   // Without an event mask the event goes to the window's own client. Toolkits heed that and pass over an
   // event sent with the mask of key presses.
   XSendEvent(connection_->get(), window, False, NoEventMask, &event);
-  XFlush(connection_->get());
+  // Not before the server has it may the next key of the user's go on: that one travels by another connection.
+  XSync(connection_->get(), False);
 }
 
 void Poster::inject(const KeyStroke& stroke) {

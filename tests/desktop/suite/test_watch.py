@@ -4,7 +4,7 @@ import json
 import os
 
 from harness.keyvora import Document
-from harness.waiting import until
+from harness.waiting import stays, until
 
 from .desktop_test import DOCUMENT, DesktopTest
 
@@ -45,6 +45,8 @@ class Watch(DesktopTest):
         for count in range(5, 105):
             self.keyvora.write(document_of(count))
         self.expect_reload(104)
+        # Every save noticed is a reload of its own, and keys wait behind those that fall due together.
+        self.wait_for_quiet()
         self.typist.tap("Option", "q", "9", "9")
         self.keyvora.log.wait("Q99  none (keytips A)")
         self.assertEqual("mappings reloaded, 104 sequences",
@@ -68,6 +70,18 @@ class Watch(DesktopTest):
         self.expect_reload(5)
         self.keyvora.write(document_of(6))
         self.expect_reload(6)
+
+    def wait_for_quiet(self) -> None:
+        """Waits until half a second passes without a record in the log."""
+        def quiet() -> bool:
+            count = len(self.keyvora.log.messages())
+            try:
+                stays(lambda: len(self.keyvora.log.messages()), count, "the log's length", 0.5)
+            except AssertionError:
+                return False
+            return True
+
+        until(quiet, "the reloads to end", 30)
 
     def wait_for_refusal(self) -> None:
         until(lambda: self.keyvora.log.has("mappings.json not loaded, keeping the last good one: "),
