@@ -1,6 +1,5 @@
 #include "platform/x11/accessibility_calls.h"
 
-
 namespace keyvora::x11 {
 namespace {
 
@@ -35,9 +34,9 @@ auto AccessibilityCalls::ask(Call call) {
   const auto start = g_get_monotonic_time();
   answer = call(&raw);
   const GErrorRef error(raw);
-  if (!error) return answer;
+  // Not every call that runs out of time says so.
   if (g_get_monotonic_time() - start >= limitMilliseconds * G_TIME_SPAN_MILLISECOND) gaveUp_ = true;
-  answer.reset();
+  if (error) answer.reset();
   return answer;
 }
 

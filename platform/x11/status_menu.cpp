@@ -53,6 +53,7 @@ GtkWidget* makeItem(const platform::MenuRow& row) {
 
   auto* label = GTK_ACCEL_LABEL(gtk_bin_get_child(GTK_BIN(item)));
   gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+  gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
   gtk_label_set_max_width_chars(GTK_LABEL(label), longestLine);
   if (row.keyEquivalent != 0) {
     gtk_accel_label_set_accel(label, gdk_unicode_to_keyval(static_cast<guint>(row.keyEquivalent)),
