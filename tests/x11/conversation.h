@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/posix/posix_file_descriptor.h"
+
+namespace keyvora::x11 {
+
+/// A program that a test talks to line by line; ended by the destructor, which is when its input ends.
+class Conversation {
+ public:
+  /// Throws when the program cannot be started.
+  explicit Conversation(const std::vector<std::string>& command);
+  ~Conversation();
+  Conversation(const Conversation&) = delete;
+  Conversation& operator=(const Conversation&) = delete;
+
+  [[nodiscard]] int pid() const { return pid_; }
+
+  void say(const std::string& line);
+
+  /// Waits for this line, passing over others; false when it did not come in time, or the program ended.
+  bool hears(const std::string& line);
+
+  /// The line before the next "ready".
+  std::string answer();
+
+  /// What it has said on standard error so far.
+  std::string errors();
+
+  /// Every line it has said.
+  [[nodiscard]] const std::vector<std::string>& heard() const { return heard_; }
+
+ private:
+  bool readLine(std::string& line);
+
+  int pid_ = -1;
+  posix::FileDescriptor input_;
+  posix::FileDescriptor output_;
+  posix::FileDescriptor errors_;
+  std::string pending_;
+  std::vector<std::string> heard_;
+};
+
+}  // namespace keyvora::x11

@@ -1,0 +1,197 @@
+#include "platform/x11/main_loop.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/x11/private_display.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using platform::Seconds;
+using platform::TimerMode;
+
+/// A moment that a timer is due at once, and one that no test waits for.
+constexpr Seconds soon{0.005};
+constexpr Seconds distant{3600};
+
+class MainLoopTest : public testing::Test {
+ protected:
+  std::function<void()> note(std::string name) {
+    return [this, name = std::move(name)] { fired.push_back(name); };
+  }
+
+  bool awaitCount(std::size_t count) {
+    return runUntil([this, count] { return fired.size() >= count; });
+  }
+
+  MainLoop loop;
+  std::vector<std::string> fired;
+};
+
+TEST_F(MainLoopTest, TheThreadThatMadeItIsTheMainThread) {
+  bool other = true;
+  std::thread([&] { other = loop.isMainThread(); }).join();
+  EXPECT_TRUE(loop.isMainThread());
+  EXPECT_FALSE(other);
+}
+
+TEST_F(MainLoopTest, AOneShotTimerFiresOnceAndIsNoLongerValidThen) {
+  bool wasValid = true;
+  std::unique_ptr<platform::Timer> timer;
+  timer = loop.schedule(soon, false, TimerMode::defaultMode, [&] {
+    wasValid = timer->isValid();
+    fired.emplace_back("once");
+  });
+  EXPECT_TRUE(timer->isValid());
+  ASSERT_TRUE(awaitCount(1));
+  EXPECT_FALSE(wasValid);
+  EXPECT_FALSE(timer->isValid());
+  const auto later = loop.schedule(5 * soon, false, TimerMode::defaultMode, note("later"));
+  ASSERT_TRUE(awaitCount(2));
+  EXPECT_EQ(fired, (std::vector<std::string>{"once", "later"}));
+}
+
+TEST_F(MainLoopTest, ARepeatingTimerFiresUntilItInvalidatesItself) {
+  std::unique_ptr<platform::Timer> timer;
+  timer = loop.schedule(soon, true, TimerMode::defaultMode, [&] {
+    fired.emplace_back("tick");
+    if (fired.size() == 3) timer->invalidate();
+  });
+  ASSERT_TRUE(awaitCount(3));
+  EXPECT_FALSE(timer->isValid());
+  timer->invalidate();
+  const auto later = loop.schedule(5 * soon, false, TimerMode::defaultMode, note("later"));
+  ASSERT_TRUE(awaitCount(4));
+  EXPECT_EQ(fired.back(), "later");
+}
+
+TEST_F(MainLoopTest, ATimerFiresNoEarlierThanItIsDue) {
+  const auto start = std::chrono::steady_clock::now();
+  const auto timer = loop.schedule(Seconds(0.05), false, TimerMode::defaultMode, note("due"));
+  ASSERT_TRUE(awaitCount(1));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, Seconds(0.05));
+}
+
+TEST_F(MainLoopTest, TimersFireInTheOrderOfTheirMoments) {
+  const auto second = loop.schedule(4 * soon, false, TimerMode::defaultMode, note("second"));
+  const auto first = loop.schedule(soon, false, TimerMode::defaultMode, note("first"));
+  loop.after(8 * soon, note("third"));
+  ASSERT_TRUE(awaitCount(3));
+  EXPECT_EQ(fired, (std::vector<std::string>{"first", "second", "third"}));
+}
+
+TEST_F(MainLoopTest, NoIntervalMeansTheNextPassOfTheLoop) {
+  for (const double seconds : {0.0, -1.0, -1e300, -std::numeric_limits<double>::infinity(), std::nan("")}) {
+    fired.clear();
+    const auto timer = loop.schedule(Seconds(seconds), false, TimerMode::defaultMode, note("at once"));
+    EXPECT_TRUE(fired.empty());
+    EXPECT_TRUE(awaitCount(1)) << seconds;
+  }
+}
+
+TEST_F(MainLoopTest, AnIntervalBeyondAllTimeIsNeverOver) {
+  for (const double seconds : {1e12, 1e300, std::numeric_limits<double>::infinity()}) {
+    const auto never = loop.schedule(Seconds(seconds), true, TimerMode::defaultMode, note("never"));
+    loop.after(Seconds(seconds), note("never"));
+    const auto soonAfter = loop.schedule(soon, false, TimerMode::defaultMode, note("soon"));
+    ASSERT_TRUE(awaitCount(1));
+    EXPECT_TRUE(never->isValid());
+    EXPECT_EQ(std::exchange(fired, {}), std::vector<std::string>{"soon"});
+  }
+}
+
+TEST_F(MainLoopTest, ADestroyedTimerDoesNotFire) {
+  loop.schedule(soon, false, TimerMode::defaultMode, note("destroyed"));
+  auto kept = loop.schedule(soon, true, TimerMode::commonModes, note("invalidated"));
+  kept->invalidate();
+  EXPECT_FALSE(kept->isValid());
+  loop.after(5 * soon, note("later"));
+  ASSERT_TRUE(awaitCount(1));
+  EXPECT_EQ(fired, std::vector<std::string>{"later"});
+}
+
+TEST_F(MainLoopTest, ATimerMayDestroyItselfInItsBlock) {
+  std::unique_ptr<platform::Timer> timer;
+  timer = loop.schedule(soon, true, TimerMode::defaultMode, [this, &timer, big = std::string(100, 'x')] {
+    timer.reset();
+    fired.push_back(big);
+  });
+  ASSERT_TRUE(awaitCount(1));
+  EXPECT_EQ(fired.front(), std::string(100, 'x'));
+}
+
+TEST_F(MainLoopTest, ATimerMayBeKeptLongerThanTheLoop) {
+  auto other = std::make_unique<MainLoop>();
+  const auto timer = other->schedule(distant, true, TimerMode::defaultMode, [] {});
+  other->beginTracking();
+  other.reset();
+  EXPECT_TRUE(timer->isValid());
+}
+
+TEST_F(MainLoopTest, WhileAMenuIsOpenTimersOfTheDefaultModeWait) {
+  loop.beginTracking();
+  const auto waiting = loop.schedule(soon, false, TimerMode::defaultMode, note("default"));
+  const auto common = loop.schedule(2 * soon, false, TimerMode::commonModes, note("common"));
+  loop.after(3 * soon, note("after"));
+  ASSERT_TRUE(awaitCount(2));
+  EXPECT_TRUE(waiting->isValid());
+  EXPECT_EQ(fired, (std::vector<std::string>{"common", "after"}));
+
+  loop.endTracking();
+  EXPECT_EQ(fired.size(), 2u) << "it fires from the loop, not from the menu";
+  ASSERT_TRUE(awaitCount(3));
+  EXPECT_EQ(fired.back(), "default");
+}
+
+TEST_F(MainLoopTest, ARepeatingTimerThatWaitedFiresOnceAndGoesOn) {
+  loop.beginTracking();
+  auto ticking = loop.schedule(soon, true, TimerMode::defaultMode, note("tick"));
+  const auto longer = loop.schedule(10 * soon, false, TimerMode::commonModes, note("common"));
+  ASSERT_TRUE(awaitCount(1));
+  EXPECT_EQ(fired, std::vector<std::string>{"common"});
+  loop.endTracking();
+  ASSERT_TRUE(awaitCount(3));
+  ticking->invalidate();
+}
+
+TEST_F(MainLoopTest, ATimerThatWaitsForAMenuCanStillBeInvalidated) {
+  loop.beginTracking();
+  auto waiting = loop.schedule(soon, false, TimerMode::defaultMode, note("default"));
+  loop.after(3 * soon, note("after"));
+  ASSERT_TRUE(awaitCount(1));
+  waiting.reset();
+  loop.endTracking();
+  loop.after(soon, note("end"));
+  ASSERT_TRUE(awaitCount(2));
+  EXPECT_EQ(fired, (std::vector<std::string>{"after", "end"}));
+}
+
+TEST_F(MainLoopTest, AfterTakesBlocksFromAnyThreadAndRunsThemOnTheMainThread) {
+  constexpr std::size_t threads = 4;
+  constexpr std::size_t blocks = 100;
+  std::size_t ran = 0;
+  bool alwaysMain = true;
+  std::vector<std::thread> givers;
+  for (std::size_t giver = 0; giver < threads; ++giver) {
+    givers.emplace_back([&] {
+      for (std::size_t block = 0; block < blocks; ++block) {
+        loop.after({}, [&] {
+          ++ran;
+          alwaysMain = alwaysMain && loop.isMainThread();
+        });
+      }
+    });
+  }
+  EXPECT_TRUE(runUntil([&] { return ran == threads * blocks; }));
+  for (auto& giver : givers) giver.join();
+  EXPECT_TRUE(alwaysMain);
+}
+
+}  // namespace
+}  // namespace keyvora::x11

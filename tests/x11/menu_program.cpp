@@ -1,0 +1,99 @@
+// A GTK application with a menu bar, on the display that DISPLAY names, for tests to read and press. Its
+// arguments choose what it is like:
+//
+//   (none)     a window with a menu bar, and another menu bar further down
+//   no-bar     a window without a menu bar
+//
+// Standard input tells it: "hang" stops it answering for good, "rename" gives the item Save another title,
+// "entry" prints what was typed into it. Prints "ready" at its start and after each line, and "pressed TITLE"
+// when an item is chosen.
+
+#include <gtk/gtk.h>
+#include <unistd.h>
+
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "platform/x11/glib_source.h"
+
+namespace {
+
+GtkWidget* saveItem = nullptr;
+
+void say(const std::string& line) {
+  std::cout << line << std::endl;
+}
+
+GtkWidget* item(GtkWidget* menu, const char* title) {
+  GtkWidget* made = gtk_menu_item_new_with_mnemonic(title);
+  const auto pressed = +[](GtkWidget* chosen) {
+    say(std::string("pressed ") + gtk_label_get_text(GTK_LABEL(gtk_bin_get_child(GTK_BIN(chosen)))));
+  };
+  g_signal_connect(made, "activate", G_CALLBACK(pressed), nullptr);
+  gtk_menu_shell_append(GTK_MENU_SHELL(menu), made);
+  return made;
+}
+
+GtkWidget* submenu(GtkWidget* parent, const char* title) {
+  GtkWidget* entry = gtk_menu_item_new_with_mnemonic(title);
+  gtk_menu_shell_append(GTK_MENU_SHELL(parent), entry);
+  GtkWidget* menu = gtk_menu_new();
+  gtk_menu_item_set_submenu(GTK_MENU_ITEM(entry), menu);
+  return menu;
+}
+
+GtkWidget* menuBar() {
+  GtkWidget* bar = gtk_menu_bar_new();
+  GtkWidget* file = submenu(bar, "_File");
+  saveItem = item(file, "_Save");
+  gtk_menu_shell_append(GTK_MENU_SHELL(file), gtk_separator_menu_item_new());
+  item(file, "Save As…");
+  gtk_widget_set_sensitive(item(file, "Revert"), FALSE);
+  GtkWidget* recent = submenu(file, "Recent");
+  item(recent, "book.xlsx");
+  item(submenu(bar, "F_ormat"), "Cells...");
+  return bar;
+}
+
+GtkWidget* otherMenuBar() {
+  GtkWidget* bar = gtk_menu_bar_new();
+  item(submenu(bar, "Other"), "Nothing");
+  return bar;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  gtk_init(nullptr, nullptr);
+  GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  gtk_window_set_title(GTK_WINDOW(window), "menu program");
+  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+  gtk_container_add(GTK_CONTAINER(window), box);
+  if (argc < 2 || std::string_view(argv[1]) != "no-bar") {
+    GtkWidget* inner = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_container_add(GTK_CONTAINER(inner), menuBar());
+    gtk_container_add(GTK_CONTAINER(box), inner);
+    gtk_container_add(GTK_CONTAINER(box), otherMenuBar());
+  }
+  GtkWidget* entry = gtk_entry_new();
+  gtk_container_add(GTK_CONTAINER(box), entry);
+  gtk_widget_show_all(window);
+
+  std::string pending;
+  const keyvora::x11::ReadableSource input(STDIN_FILENO, G_PRIORITY_DEFAULT, [&] {
+    char bytes[256];
+    const auto size = read(STDIN_FILENO, bytes, sizeof bytes);
+    if (size <= 0) return gtk_main_quit();
+    pending.append(bytes, static_cast<std::size_t>(size));
+    for (std::size_t end = 0; (end = pending.find('\n')) != std::string::npos; pending.erase(0, end + 1)) {
+      const auto line = pending.substr(0, end);
+      if (line == "rename") gtk_menu_item_set_label(GTK_MENU_ITEM(saveItem), "Store");
+      if (line == "entry") say(gtk_entry_get_text(GTK_ENTRY(entry)));
+      say("ready");
+      while (line == "hang") pause();
+    }
+  });
+  say("ready");
+  gtk_main();
+}

@@ -1,0 +1,31 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "platform/x11/accessibility.h"
+#include "tests/x11/private_session.h"
+
+namespace keyvora::x11 {
+namespace {
+
+struct RecordingConsole final : platform::Console {
+  void write(std::string_view record) override { records.emplace_back(record); }
+  std::vector<std::string> records;
+};
+
+TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsSaidOnce) {
+  PrivateSession session;
+  session.endBuses();
+  RecordingConsole console;
+  Notices notices(console);
+  Accessibility accessibility(notices);
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_NE(accessibility.application(getpid())->attribute("AXMenuBar").error, 0);
+    EXPECT_TRUE(accessibility.isTrustedPrompting()) << "key sequences work all the same";
+  }
+  EXPECT_EQ(console.records,
+            std::vector<std::string>{
+                "keyvora: There is no accessibility bus: menu actions do not work, all others do."});
+}
+
+}  // namespace
+}  // namespace keyvora::x11

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/x11/accessibility_calls.h"
+
+namespace keyvora::x11 {
+
+/// What an assistive tool reads of one application, and does with it.
+class Reader {
+ public:
+  explicit Reader(int pid) : pid_(pid) {}
+
+  /// The first element in depth-first order with the role and, unless it is empty, the name; waits for it.
+  Accessible await(AtspiRole role, const std::string& name = "");
+  Accessible find(AtspiRole role, const std::string& name = "");
+
+  /// The rows of the menu, in order: role, name, and what is special about the row.
+  std::vector<std::string> rows(const Accessible& menu);
+
+  /// Where the element is on the screen.
+  static std::optional<AtspiRect> area(const Accessible& element);
+
+  static bool has(const Accessible& element, AtspiStateType state);
+
+ private:
+  Accessible findBelow(const Accessible& element, AtspiRole role, const std::string& name);
+
+  int pid_;
+  AccessibilityCalls calls_;
+};
+
+}  // namespace keyvora::x11

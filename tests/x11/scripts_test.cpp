@@ -1,0 +1,151 @@
+#include "platform/x11/scripts.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+
+#include "platform/posix/posix_file_descriptor.h"
+#include "tests/x11/scratch.h"
+
+namespace keyvora::x11 {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ScriptsTest : public testing::Test {
+ protected:
+  /// Puts a stand-in for osascript on PATH that runs these shell commands.
+  void standIn(const std::string& commands) { writeProgram(scratch.path() / "bin" / "osascript", commands); }
+
+  platform::ScriptOutcome run(const std::string& source = "beep") { return scripts.run(source); }
+
+  std::string output() const { return readFile(scratch.path() / "output"); }
+
+  ScratchDirectory scratch;
+  Variable path{"PATH", (scratch.path() / "bin").string() + ":/usr/bin:/bin"};
+  Variable target{"OUTPUT", (scratch.path() / "output").string()};
+  Scripts scripts;
+};
+
+TEST_F(ScriptsTest, TheSourceGoesToStandardInputAsItIs) {
+  standIn(R"(cat > "$OUTPUT")");
+  const std::string source = "tell application \"Microsoft Excel\"\n\t-- ⌥ \\ $HOME `x`\nend tell";
+  const auto outcome = run(source);
+  EXPECT_TRUE(outcome.succeeded);
+  EXPECT_EQ(outcome.message, std::nullopt);
+  EXPECT_EQ(output(), source);
+}
+
+TEST_F(ScriptsTest, ASourceOfAnySizeArrives) {
+  standIn(R"(wc -c > "$OUTPUT")");
+  EXPECT_TRUE(run(std::string(3'000'000, 'x')).succeeded);
+  EXPECT_EQ(output(), "3000000\n");
+  EXPECT_TRUE(run("").succeeded);
+  EXPECT_EQ(output(), "0\n");
+}
+
+TEST_F(ScriptsTest, AProgramThatDoesNotReadItsInputDoesNoHarm) {
+  standIn("exit 0");
+  EXPECT_TRUE(run(std::string(3'000'000, 'x')).succeeded);
+}
+
+TEST_F(ScriptsTest, AFailureSaysWhatTheProgramSaid) {
+  const struct {
+    const char* commands;
+    std::optional<std::string> message;
+  } cases[] = {
+      {"echo 'execution error: no such cell (-1728)' >&2; exit 1", "execution error: no such cell (-1728)"},
+      {"printf 'one\\ntwo\\n\\n' >&2; exit 1", "one\ntwo"},
+      {"echo 'on standard output'; exit 1", std::nullopt},
+      {"printf ' \\n' >&2; exit 3", std::nullopt},
+      {"printf 'bad \\377 byte' >&2; exit 1", "bad \xEF\xBF\xBD byte"},
+      {"kill -9 $$", "osascript was ended by signal 9"},
+      {"echo 'its last words' >&2; kill -9 $$", "its last words"},
+  };
+  for (const auto& [commands, message] : cases) {
+    standIn(commands);
+    const auto outcome = run();
+    EXPECT_FALSE(outcome.succeeded) << commands;
+    EXPECT_EQ(outcome.message, message) << commands;
+  }
+}
+
+TEST_F(ScriptsTest, WhatASuccessfulScriptSaysIsPassedOver) {
+  standIn("echo warning >&2; echo result");
+  const auto outcome = run();
+  EXPECT_TRUE(outcome.succeeded);
+  EXPECT_EQ(outcome.message, std::nullopt);
+}
+
+TEST_F(ScriptsTest, AFloodOfMessagesIsCutShort) {
+  standIn("yes 'the same again' | head -c 5000000 >&2; exit 1");
+  const auto outcome = run();
+  EXPECT_FALSE(outcome.succeeded);
+  ASSERT_TRUE(outcome.message);
+  EXPECT_LE(outcome.message->size(), 4096u);
+  EXPECT_EQ(outcome.message->find("the same again\nthe same again"), 0u);
+}
+
+TEST_F(ScriptsTest, WithoutOsascriptTheMessageSaysSo) {
+  const Variable empty("PATH", (scratch.path() / "nowhere").string());
+  const auto outcome = run();
+  EXPECT_FALSE(outcome.succeeded);
+  EXPECT_EQ(outcome.message, "there is no program named osascript on PATH to run AppleScript with");
+}
+
+TEST_F(ScriptsTest, AnOsascriptThatCannotBeStartedIsAFailureWithTheReason) {
+  writeFile(scratch.path() / "bin" / "osascript", "not executable");
+  const Variable only("PATH", (scratch.path() / "bin").string());
+  const auto outcome = run();
+  EXPECT_FALSE(outcome.succeeded);
+  EXPECT_EQ(outcome.message, "osascript cannot be started: Permission denied");
+}
+
+TEST_F(ScriptsTest, ItWaitsForTheScriptAndForNothingThatItLeavesBehind) {
+  standIn(R"(sleep 60 & echo $! > "$OUTPUT"; sleep 0.1; echo late >&2; exit 1)");
+  const auto outcome = run();
+  EXPECT_EQ(outcome.message, "late");
+  const auto left = static_cast<pid_t>(std::stol(output()));
+  EXPECT_EQ(kill(left, 0), 0) << "still at work, and not waited for";
+  kill(left, SIGKILL);
+}
+
+TEST_F(ScriptsTest, TheScriptSeesNoneOfOurFilesAndSignalsAsAFreshProcessHasThem) {
+  const posix::FileDescriptor inherited(open("/dev/null", O_RDONLY));  // would be handed on
+  signal(SIGPIPE, SIG_IGN);
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
+  sigprocmask(SIG_BLOCK, &blocked, nullptr);
+  standIn(
+      R"(exec 3>"$OUTPUT"; ls /proc/self/fd | tr '\n' ' ' >&3; grep -E '^Sig(Blk|Ign)' /proc/self/status >&3)");
+  EXPECT_TRUE(run().succeeded);
+  sigprocmask(SIG_UNBLOCK, &blocked, nullptr);
+  std::string files;
+  std::string field;
+  unsigned long long blockedThere = 0;
+  unsigned long long ignoredThere = 0;
+  std::istringstream lines(output());
+  std::getline(lines, files, 'S');
+  lines >> field >> std::hex >> blockedThere >> field >> ignoredThere;
+  EXPECT_EQ(files, "0 1 2 3 4 ");  // 3 is the script's own, 4 is the directory that ls reads
+  EXPECT_EQ(blockedThere, 0u);
+  EXPECT_EQ(ignoredThere >> (SIGPIPE - 1) & 1, 0u);
+}
+
+TEST_F(ScriptsTest, NoFilesAndNoProcessesAreLeft) {
+  const auto openFiles = [] {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+  };
+  const auto before = openFiles();
+  standIn("exit 1");
+  for (int time = 0; time < 5; ++time) run();
+  EXPECT_EQ(openFiles(), before);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+}  // namespace
+}  // namespace keyvora::x11

@@ -1,0 +1,321 @@
+#include <X11/keysym.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include "tests/x11/conversation.h"
+#include "tests/x11/private_session.h"
+#include "tests/x11/reader.h"
+#include "tests/x11/screen.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using Rows = std::vector<std::string>;
+
+const Rows firstMenu{
+    "item: 12 sequences, ready (disabled)", "separator", "item: Edit mappings.json", "item: Reload_mappings",
+    "check: Launch at Login (checked)",     "separator", "item: Quit keyvora",
+};
+
+/// One for all tests: a process joins one accessibility bus in its life.
+PrivateSession& sharedSession() {
+  static PrivateSession session;
+  return session;
+}
+
+class StatusItemTest : public testing::Test {
+ protected:
+  ~StatusItemTest() override {
+    session.endTray();
+    session.display().setLayout("us");
+  }
+
+  /// The program that shows the item.
+  Conversation& program() {
+    if (!conversation_) {
+      conversation_ = std::make_unique<Conversation>(std::vector<std::string>{STATUS_ITEM_PROGRAM});
+      reader_ = std::make_unique<Reader>(conversation_->pid());
+    }
+    return *conversation_;
+  }
+
+  void tell(const std::string& line) {
+    program().say(line);
+    ASSERT_TRUE(program().hears("ready"));
+  }
+
+  int draws() {
+    program().say("draws");
+    return std::stoi(program().answer());
+  }
+
+  /// Where the item with this title is, once the tray has found its place for it.
+  std::optional<Screen::Area> awaitItem(const std::string& title) {
+    std::optional<Screen::Area> area = screen.awaitWindow(title);
+    runUntil([&] {
+      const auto before = std::exchange(area, screen.settledWindow(title));
+      return area && before == area;
+    });
+    return area;
+  }
+
+  /// A tray with the item in it, which shows the option key.
+  Screen::Area showItem(const std::vector<std::string>& trayOptions = {}) {
+    session.startTray(trayOptions);
+    tell("title ⌥");
+    tell("menu first");
+    const auto area = awaitItem("⌥");
+    EXPECT_TRUE(area);
+    return area.value_or(Screen::Area{});
+  }
+
+  /// The menu once it is open and can be seen.
+  Accessible openMenu(const Screen::Area& item, unsigned button = 1) {
+    screen.click(item, button);
+    return awaitMenu();
+  }
+
+  Accessible awaitMenu() {
+    Accessible menu;
+    runUntil(
+        [&] { return (menu = reader_->find(ATSPI_ROLE_MENU)) && Reader::has(menu, ATSPI_STATE_SHOWING); });
+    return menu;
+  }
+
+  bool awaitClosed() {
+    return runUntil([this] {
+      const auto menu = reader_->find(ATSPI_ROLE_MENU);
+      return !menu || !Reader::has(menu, ATSPI_STATE_SHOWING);
+    });
+  }
+
+  Screen::Area rowArea(const std::string& name, AtspiRole role = ATSPI_ROLE_MENU_ITEM) {
+    const auto row = reader_->await(role, name);
+    const auto area = row ? Reader::area(row) : std::nullopt;
+    EXPECT_TRUE(area) << name;
+    if (!area) return {};
+    return {area->x, area->y, area->width, area->height};
+  }
+
+  bool saidNothingAfter(std::size_t lines) {
+    program().say("");
+    EXPECT_TRUE(program().hears("ready"));
+    return program().heard().size() == lines + 1;
+  }
+
+  PrivateSession& session = sharedSession();
+  Screen screen;
+  std::unique_ptr<Conversation> conversation_;
+  std::unique_ptr<Reader> reader_;
+};
+
+TEST_F(StatusItemTest, TheTitleShowsInTheTrayAsWideAsItIs) {
+  const auto idle = showItem();
+  tell("title ⌥ HF");
+  const auto armed = screen.awaitWindow("⌥ HF");
+  ASSERT_TRUE(armed);
+  EXPECT_TRUE(runUntil([&] { return screen.window("⌥ HF").value_or(idle).width > idle.width; }));
+  tell("title ⌥");
+  EXPECT_TRUE(runUntil([&] { return screen.window("⌥").value_or(*armed).width == idle.width; }));
+  EXPECT_EQ(screen.managedWindows(), 1u) << "the tray's: the item has no window and no task-bar entry";
+}
+
+TEST_F(StatusItemTest, TheSameTitleAgainCostsNoDrawing) {
+  showItem();
+  draws();
+  tell("title ⌥ H");
+  ASSERT_TRUE(runUntil([this] { return draws() > 0; }));
+  int settled = 0;
+  runUntil([&] { return std::exchange(settled, draws()) == draws(); });
+  settled = draws();
+  for (int time = 0; time < 20; ++time) tell("title ⌥ H");
+  screen.awaitWindow("⌥ H");
+  EXPECT_EQ(draws(), settled);
+  tell("title ⌥ HF");
+  EXPECT_TRUE(runUntil([&] { return draws() > settled; }));
+}
+
+TEST_F(StatusItemTest, TheMenuIsReadRowByRow) {
+  const auto menu = openMenu(showItem());
+  ASSERT_TRUE(menu);
+  EXPECT_EQ(reader_->rows(menu), firstMenu);
+}
+
+TEST_F(StatusItemTest, EitherMouseButtonOpensTheMenuAndAClickChooses) {
+  const auto item = showItem();
+  for (const unsigned button : {1u, 3u}) {
+    ASSERT_TRUE(openMenu(item, button)) << button;
+    screen.click(rowArea("Edit mappings.json"));
+    EXPECT_TRUE(program().hears("chose Edit mappings.json")) << button;
+    EXPECT_TRUE(awaitClosed());
+  }
+  ASSERT_TRUE(openMenu(item));
+  screen.click(rowArea("Launch at Login", ATSPI_ROLE_CHECK_MENU_ITEM));
+  EXPECT_TRUE(program().hears("chose Launch at Login"));
+}
+
+TEST_F(StatusItemTest, ADisabledRowCannotBeChosen) {
+  ASSERT_TRUE(openMenu(showItem()));
+  const auto before = program().heard().size();
+  screen.click(rowArea("12 sequences, ready"));
+  EXPECT_TRUE(saidNothingAfter(before));
+}
+
+TEST_F(StatusItemTest, KeyLettersChooseWithControlAndByThemselves) {
+  const auto item = showItem();
+  const struct {
+    KeySym key;
+    KeySym modifier;
+    const char* chosen;
+  } cases[] = {
+      {XK_e, XK_Control_L, "chose Edit mappings.json"},
+      {XK_r, NoSymbol, "chose Reload_mappings"},
+      {XK_q, XK_Control_R, "chose Quit keyvora"},
+  };
+  for (const auto& [key, modifier, chosen] : cases) {
+    ASSERT_TRUE(openMenu(item)) << chosen;
+    screen.press(key, modifier);
+    EXPECT_TRUE(program().hears(chosen));
+    EXPECT_TRUE(awaitClosed());
+  }
+}
+
+TEST_F(StatusItemTest, KeyLettersWorkWithCapsLockOnAndOnLayoutsOfOtherScripts) {
+  const auto item = showItem();
+  screen.press(XK_Caps_Lock);
+  ASSERT_TRUE(openMenu(item));
+  screen.press(XK_e, XK_Control_L);
+  EXPECT_TRUE(program().hears("chose Edit mappings.json"));
+  EXPECT_TRUE(awaitClosed());
+  screen.press(XK_Caps_Lock);
+
+  session.display().setLayout("ru,us");
+  ASSERT_TRUE(openMenu(item));
+  screen.press(XK_Cyrillic_u, XK_Control_L);  // on the key of E
+  EXPECT_TRUE(program().hears("chose Edit mappings.json"));
+}
+
+TEST_F(StatusItemTest, OtherModifiersAndOtherLettersChooseNothing) {
+  ASSERT_TRUE(openMenu(showItem()));
+  const auto before = program().heard().size();
+  screen.press(XK_e, XK_Alt_L);
+  screen.press(XK_e, XK_Super_L);
+  screen.press(XK_x, XK_Control_L);
+  EXPECT_TRUE(saidNothingAfter(before));
+}
+
+TEST_F(StatusItemTest, EscapeAndAClickElsewhereCloseTheMenu) {
+  const auto item = showItem();
+  const auto before = program().heard().size();
+  ASSERT_TRUE(openMenu(item));
+  screen.press(XK_Escape);
+  EXPECT_TRUE(awaitClosed());
+  ASSERT_TRUE(openMenu(item));
+  screen.click({10, 10, 2, 2});
+  EXPECT_TRUE(awaitClosed());
+  EXPECT_TRUE(saidNothingAfter(before));
+  EXPECT_TRUE(openMenu(item)) << "and it opens again";
+}
+
+TEST_F(StatusItemTest, AnAssistiveToolClicksTheItemAndChooses) {
+  showItem();
+  tell("click");  // trayer does not pass the item's button on to the accessibility bus, as other trays do
+  ASSERT_TRUE(awaitMenu());
+  AccessibilityCalls calls;
+  EXPECT_TRUE(calls.press(reader_->await(ATSPI_ROLE_MENU_ITEM, "Edit mappings.json")));
+  EXPECT_TRUE(program().hears("chose Edit mappings.json"));
+}
+
+TEST_F(StatusItemTest, AnOpenMenuStaysAsItIsWhenItIsReplaced) {
+  const auto item = showItem();
+  auto menu = openMenu(item);
+  ASSERT_TRUE(menu);
+  tell("menu second");
+  EXPECT_EQ(reader_->rows(menu), firstMenu);
+  screen.press(XK_r, XK_Control_L);
+  EXPECT_TRUE(program().hears("chose Reload_mappings"));
+  ASSERT_TRUE(awaitClosed());
+  menu = openMenu(item);
+  ASSERT_TRUE(menu);
+  EXPECT_EQ(reader_->rows(menu), (Rows{"item: 13 sequences, ready (disabled)", "item: Edit mappings.json"}));
+}
+
+TEST_F(StatusItemTest, ALongLineWrapsAndBadTextIsMadeReadable) {
+  const auto item = showItem();
+  tell("menu long");
+  const auto menu = openMenu(item);
+  ASSERT_TRUE(menu);
+  EXPECT_EQ(reader_->rows(menu).front(), "item: mappings.json: " + std::string(40, 'x') + " " +
+                                             std::string(500, 'y') + " end \xEF\xBF\xBD (disabled)");
+  EXPECT_LT(rowArea("Edit mappings.json").width, 800) << "no wider than the screen";
+}
+
+TEST_F(StatusItemTest, TimersOfTheDefaultModeWaitWhileTheMenuIsOpen) {
+  ASSERT_TRUE(openMenu(showItem()));
+  const auto before = program().heard().size();
+  tell("timer");
+  tell("title ⌥ H");
+  ASSERT_TRUE(screen.awaitWindow("⌥ H")) << "everything else goes on";
+  EXPECT_EQ(program().heard().size(), before + 2) << "ready, ready";
+  screen.press(XK_Escape);
+  EXPECT_TRUE(program().hears("tick"));
+}
+
+TEST_F(StatusItemTest, WithoutATrayItSaysSoAndShowsOnceThereIsOne) {
+  tell("title ⌥");
+  EXPECT_EQ(
+      program().errors(),
+      "keyvora: There is no system tray: key sequences work, but their letters and the menu show only once a "
+      "tray has started. SIGTERM ends keyvora.\n");
+  EXPECT_EQ(screen.window("⌥"), std::nullopt);
+  session.startTray();
+  EXPECT_TRUE(screen.awaitWindow("⌥"));
+}
+
+TEST_F(StatusItemTest, ItComesBackWhenTheTrayDoes) {
+  auto item = showItem();
+  for (int time = 0; time < 3; ++time) {
+    session.endTray();
+    EXPECT_TRUE(screen.awaitNoWindow("⌥"));
+    tell("title ⌥ H" + std::to_string(time));
+    session.startTray();
+    EXPECT_TRUE(screen.awaitWindow("⌥ H" + std::to_string(time)));
+    tell("title ⌥");
+    item = awaitItem("⌥").value_or(Screen::Area{});
+  }
+  const auto menu = openMenu(item);
+  ASSERT_TRUE(menu);
+  EXPECT_EQ(reader_->rows(menu), firstMenu);
+  EXPECT_EQ(screen.managedWindows(), 1u) << "the tray's";
+  EXPECT_EQ(program().errors(), "");
+}
+
+TEST_F(StatusItemTest, ATrayThatDiesUnderAnOpenMenuIsSurvived) {
+  ASSERT_TRUE(openMenu(showItem()));
+  session.endTray();
+  EXPECT_TRUE(screen.awaitNoWindow("⌥"));
+  screen.press(XK_Escape);
+  session.startTray();
+  const auto item = awaitItem("⌥");
+  ASSERT_TRUE(item);
+  EXPECT_TRUE(awaitClosed());
+  EXPECT_TRUE(openMenu(*item));
+  tell("timer");
+  screen.press(XK_Escape);
+  EXPECT_TRUE(program().hears("tick")) << "no menu counts as open any more";
+}
+
+TEST_F(StatusItemTest, ATransparentTrayGetsATransparentItem) {
+  const auto item = showItem({"--transparent", "true", "--alpha", "100", "--tint", "0xffffff"});
+  EXPECT_TRUE(openMenu(item));
+  EXPECT_EQ(program().errors(), "");
+}
+
+TEST_F(StatusItemTest, DestroyingTheItemTakesItAway) {
+  showItem();
+  tell("destroy");
+  EXPECT_TRUE(screen.awaitNoWindow("⌥"));
+}
+
+}  // namespace
+}  // namespace keyvora::x11
