@@ -42,5 +42,6 @@ std::optional<Mismatch> checkLookup(const Line& line);
 std::optional<Mismatch> checkMenu(const Line& line);
 std::optional<Mismatch> checkTap(const Line& line);
 std::optional<Mismatch> checkTyping(const Line& line);
+std::optional<Mismatch> checkVersions(const Line& line);
 
 }  // namespace keyvora::vectors

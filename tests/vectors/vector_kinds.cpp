@@ -4,9 +4,10 @@ namespace keyvora::vectors {
 
 std::span<const VectorKind> vectorKinds() {
   static constexpr VectorKind kinds[] = {
-      {"decode.jsonl", checkDecode}, {"letters.jsonl", checkLetters}, {"lookup.jsonl", checkLookup},
-      {"equal.jsonl", checkEqual},   {"keycode.jsonl", checkKeycode}, {"keytips.jsonl", checkKeytips},
-      {"typing.jsonl", checkTyping}, {"menu.jsonl", checkMenu},       {"tap.jsonl", checkTap},
+      {"decode.jsonl", checkDecode},     {"letters.jsonl", checkLetters}, {"lookup.jsonl", checkLookup},
+      {"equal.jsonl", checkEqual},       {"keycode.jsonl", checkKeycode}, {"keytips.jsonl", checkKeytips},
+      {"typing.jsonl", checkTyping},     {"menu.jsonl", checkMenu},       {"tap.jsonl", checkTap},
+      {"versions.jsonl", checkVersions},
   };
   return kinds;
 }
