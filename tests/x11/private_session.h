@@ -27,6 +27,8 @@ class PrivateSession {
   /// Ends it at once.
   void endTray();
 
+  void endDisplay() { display_.endServer(); }
+
   /// Ends the message bus, and the accessibility bus with it.
   void endBuses();
 

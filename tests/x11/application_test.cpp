@@ -1,0 +1,86 @@
+#include "platform/x11/application.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include "platform/x11/main_loop.h"
+
+namespace keyvora::x11 {
+namespace {
+
+struct RecordingConsole final : platform::Console {
+  void write(std::string_view record) override { records.emplace_back(record); }
+  std::vector<std::string> records;
+};
+
+/// Without a display, which an application can do without when it has something else to do.
+class ApplicationTest : public testing::Test {
+ protected:
+  ApplicationTest() {
+    process.atExit([this] { happened.emplace_back("exit block"); });
+  }
+
+  RecordingConsole console;
+  Notices notices{console};
+  MainLoop loop;
+  Process process;
+  bool hasWork = true;
+  Application application{process, notices, [this] { return hasWork; }};
+  std::vector<std::string> happened;
+};
+
+using Happened = std::vector<std::string>;
+
+TEST_F(ApplicationTest, RunsFromLaunchToTermination) {
+  const int status = application.run([this] {
+    happened.emplace_back("launched");
+    loop.after(platform::Seconds(0.01), [this] { application.terminate(); });
+  });
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(happened, (Happened{"launched", "exit block"}));
+}
+
+TEST_F(ApplicationTest, SignalsEndItNormally) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    happened.clear();
+    process.atExit([this] { happened.emplace_back("exit block"); });
+    Application again(process, notices, [] { return true; });
+    EXPECT_EQ(again.run([signal] { raise(signal); }), 0);
+    EXPECT_FALSE(happened.empty());
+  }
+}
+
+TEST_F(ApplicationTest, TerminationBeforeTheStartIsRemembered) {
+  application.terminate();
+  EXPECT_EQ(application.run([] {}), 0);
+}
+
+TEST_F(ApplicationTest, WithoutADisplayAndWithoutWorkItEndsAtOnce) {
+  unsetenv("DISPLAY");
+  hasWork = false;
+  EXPECT_EQ(application.run([this] { happened.emplace_back("launched"); }), 1);
+  EXPECT_EQ(happened, Happened{"exit block"});
+  EXPECT_EQ(console.records,
+            Happened{"keyvora: There is no X display: DISPLAY is not set. keyvora needs one to see "
+                     "the keyboard, and ends."});
+}
+
+TEST(ProcessDeathTest, ExitRunsTheBlocksTheLastAddedFirstAndOnlyOnce) {
+  const auto leave = [] {
+    Process process;
+    process.atExit([] { fputs("first added\n", stderr); });
+    process.atExit([] { fputs("last added\n", stderr); });
+    process.runExitBlocks();
+    process.exit(3);
+  };
+  EXPECT_EXIT(leave(), testing::ExitedWithCode(3), "^last added\nfirst added\n$");
+}
+
+TEST(Process, PrintsALineAtOnce) {
+  testing::internal::CaptureStdout();
+  Process().print("update 1.3 (57)");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "update 1.3 (57)\n");
+}
+
+}  // namespace
+}  // namespace keyvora::x11

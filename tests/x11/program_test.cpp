@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include "tests/x11/private_session.h"
+
+/// The program itself, from its start to its end.
+namespace keyvora::x11 {
+namespace {
+
+class ProgramTest : public testing::Test {
+ protected:
+  /// Starts the program with these arguments and additions to its environment.
+  void start(const std::string& arguments = "", const std::vector<std::string>& environment = {}) {
+    program = Child({"sh", "-c", "exec \"$0\" " + arguments + " 2> \"$HOME/errors\"", KEYVORA_PROGRAM},
+                    environment);
+  }
+
+  std::string errors() const { return readFile(session.home() / "errors"); }
+  std::string log() const { return readFile(session.home() / "Library" / "Logs" / "keyvora.log"); }
+
+  bool awaitLog(const std::string& text) {
+    return runUntil([&] { return log().find(text) != std::string::npos; });
+  }
+
+  /// The status it ended with; -1 when it did not, or by a signal.
+  int endStatus() {
+    const int status = program.wait();
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  PrivateSession session;
+  Child program;
+};
+
+TEST_F(ProgramTest, WithoutADisplayItSaysSoWhateverItsArguments) {
+  for (const auto* arguments : {"", "--help", "--display=:0 --version"}) {
+    start(arguments, {"DISPLAY="});
+    EXPECT_EQ(endStatus(), 1) << arguments;
+    EXPECT_EQ(errors(),
+              "keyvora: There is no X display: DISPLAY is not set. keyvora needs one to see the keyboard, "
+              "and ends.\n");
+  }
+  start("", {"DISPLAY=:4000"});
+  EXPECT_EQ(endStatus(), 1);
+  EXPECT_EQ(
+      errors(),
+      "keyvora: The X display :4000 cannot be opened. keyvora needs one to see the keyboard, and ends.\n");
+}
+
+TEST_F(ProgramTest, ArgumentsOfTheToolkitMeanNothing) {
+  start("--help --display=:4000 --g-fatal-warnings --gtk-module=none");
+  EXPECT_TRUE(awaitLog("tap installed"));
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(endStatus(), 0);
+}
+
+TEST_F(ProgramTest, SignalsEndItNormallyWithTheLogWritten) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    std::filesystem::remove_all(session.home() / "Library");
+    start();
+    ASSERT_TRUE(awaitLog("tap installed"));
+    kill(program.pid(), signal);
+    EXPECT_EQ(endStatus(), 0);
+    EXPECT_NE(log().find(" launch "), std::string::npos);
+  }
+}
+
+TEST_F(ProgramTest, UnderWaylandItRunsOnXwaylandAndSaysWhatWorks) {
+  start("", {"WAYLAND_DISPLAY=wayland-0", "GDK_BACKEND=wayland"});
+  EXPECT_TRUE(awaitLog("tap installed"));
+  EXPECT_NE(
+      errors().find("keyvora: This is a Wayland session: key sequences work in applications that run through "
+                    "XWayland, and in no others.\n"),
+      std::string::npos);
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(endStatus(), 0);
+}
+
+TEST_F(ProgramTest, TheEndOfTheMessageBusesIsSurvived) {
+  start();
+  ASSERT_TRUE(awaitLog("tap installed"));
+  session.endBuses();
+  std::filesystem::remove(session.home() / "Library" / "Logs" / "keyvora.log");
+  writeFile(session.home() / "Library" / "Application Support" / "keyvora" / "mappings.json", "{");
+  EXPECT_TRUE(awaitLog("mappings.json not loaded, keeping the last good one: ")) << "still at work";
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(endStatus(), 0);
+}
+
+TEST_F(ProgramTest, TheEndOfTheDisplayIsItsOwn) {
+  start();
+  ASSERT_TRUE(awaitLog("tap installed"));
+  session.endDisplay();
+  EXPECT_EQ(endStatus(), 1);
+  EXPECT_NE(errors().find("keyvora: The X display is gone, and keyvora ends with it.\n"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace keyvora::x11
