@@ -14,9 +14,12 @@ import tempfile
 import time
 import unittest
 
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests/app/updates"))
+from installation import Display  # noqa: E402
+
 CMAKE = pathlib.Path(sys.argv.pop(1))
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
-ROOT = pathlib.Path(__file__).resolve().parents[2]
 PATIENCE = 60  # seconds until a test gives up
 
 # Below the prefix, besides what comes with keyvora-mappings.
@@ -39,23 +42,6 @@ def run(*command, **options) -> str:
 
 def files_in(folder: pathlib.Path) -> set[str]:
     return {path.relative_to(folder).as_posix() for path in folder.rglob("*") if not path.is_dir() or path.is_symlink()}
-
-
-class Display:
-    """An X server of its own, until it is left."""
-
-    def __enter__(self) -> str:
-        reader, writer = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writer), "-screen", "0", "640x480x24", "-nolisten", "tcp"],
-            pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        os.close(writer)
-        with os.fdopen(reader) as pipe:
-            return ":" + pipe.readline().strip()
-
-    def __exit__(self, *_):
-        self.server.terminate()
-        self.server.wait()
 
 
 class Package(unittest.TestCase):

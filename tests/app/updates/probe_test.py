@@ -3,10 +3,7 @@
 usage: probe_test.py KEYVORA [unittest arguments]
 """
 
-import os
 import pathlib
-import plistlib
-import re
 import shutil
 import socket
 import subprocess
@@ -15,47 +12,10 @@ import tempfile
 import unittest
 
 from feed_server import FeedServer, make_certificate
+from installation import FETCH_TIMEOUT, Display, Installation
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 MAX_FEED_BYTES = 4 * 1024 * 1024
-FETCH_TIMEOUT = 2  # seconds, set in the installed Info.plist
-PATIENCE = 20  # seconds until a test gives up
-
-
-class Installation:
-    """The program in a prefix of its own, with a home of its own."""
-
-    def __init__(self, folder: pathlib.Path):
-        self.prefix = folder / "prefix"
-        self.home = folder / "home"
-        self.home.mkdir()
-        (self.prefix / "bin").mkdir(parents=True)
-        self.resources = self.prefix / "share" / "keyvora"
-        defaults = self.resources / "keyvora_keyvora.bundle"
-        defaults.mkdir(parents=True)
-        (defaults / "mappings.json").write_text('{"version": 1, "tabs": {}, "sequences": []}')
-        self.program = self.prefix / "bin" / "keyvora"
-        shutil.copy2(PROGRAM, self.program)
-
-    def configure(self, feed: str | None):
-        values = {"CFBundleIdentifier": "org.keyvora.keyvora", "CFBundleShortVersionString": "1.2",
-                  "CFBundleVersion": "42", "KeyvoraUpdateTimeout": FETCH_TIMEOUT, "SUEnableAutomaticChecks": True}
-        if feed is not None:
-            values["SUFeedURL"] = feed
-        with (self.resources / "Info.plist").open("wb") as file:
-            plistlib.dump(values, file)
-
-    def probe(self, feed: str | None, *arguments: str, **environment: str) -> subprocess.CompletedProcess:
-        self.configure(feed)
-        inherited = {name: value for name, value in os.environ.items() if name in ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS",
-                                                                                  "UBSAN_OPTIONS", "TSAN_OPTIONS")}
-        return subprocess.run([self.program, *(arguments or ["--probe-updates"])], capture_output=True, text=True,
-                              timeout=PATIENCE, check=False,
-                              env={**inherited, "HOME": str(self.home), "LANG": "C.UTF-8", **environment})
-
-    def files(self) -> list[str]:
-        """What the program left in the home."""
-        return sorted(path.relative_to(self.home).as_posix() for path in self.home.rglob("*") if path.is_file())
 
 
 class ProbeTest(unittest.TestCase):
@@ -63,7 +23,7 @@ class ProbeTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="keyvora-probe-")
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
-        self.installed = Installation(self.folder)
+        self.installed = Installation(self.folder, PROGRAM)
         self.server = self.enterContext(FeedServer())
 
     def assert_answer(self, answer: subprocess.CompletedProcess, line: str, status: int):
@@ -209,18 +169,9 @@ class Certificates(ProbeTest):
 @unittest.skipUnless(shutil.which("Xvfb"), "Xvfb gives the display")
 class WithADisplay(ProbeTest):
     def test_the_answer_is_the_same(self):
-        reader, writer = os.pipe()
-        with subprocess.Popen(["Xvfb", "-displayfd", str(writer), "-screen", "0", "640x480x24", "-nolisten", "tcp"],
-                              pass_fds=[writer], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as display:
-            try:
-                os.close(writer)
-                with os.fdopen(reader) as pipe:
-                    number = pipe.readline().strip()
-                self.assertTrue(re.fullmatch(r"\d+", number))
-                answer = self.installed.probe(self.server.address + "/update.xml", DISPLAY=":" + number, NO_AT_BRIDGE="1")
-                self.assert_answer(answer, "update 1.3 (57)", 0)
-            finally:
-                display.terminate()
+        with Display() as display:
+            answer = self.installed.probe(self.server.address + "/update.xml", DISPLAY=display, NO_AT_BRIDGE="1")
+        self.assert_answer(answer, "update 1.3 (57)", 0)
 
 
 if __name__ == "__main__":

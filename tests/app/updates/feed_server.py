@@ -50,6 +50,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
     """Each path is a story."""
 
     def do_GET(self):
+        self.server.asked.append(self.path)
         story = getattr(self, "story_" + self.path.strip("/").replace("-", "_"), None)
         try:
             if story:
@@ -114,6 +115,7 @@ class FeedServer:
         self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
         self.server.daemon_threads = True
         self.server.closing = threading.Event()
+        self.server.asked = self.asked = []  # the paths, in order
         self.server.plain_address = plain_address
         self.server.handle_error = lambda *_: None
         scheme = "http"
