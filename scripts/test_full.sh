@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 
 # The core under the thread sanitizer; the hosts' own libraries are not built for it.
-if check "Building (tsan)" scripts/build tsan -DKEYVORA_HOST=OFF; then
+if check "Building (tsan)" scripts/build tsan; then
   run_tests tsan
 fi
 

@@ -29,6 +29,9 @@ _OPENBOX = """<?xml version="1.0" encoding="UTF-8"?>
     <keybind key="A-Tab"><action name="NextWindow"><finalactions>
       <action name="Focus"/><action name="Raise"/></finalactions></action></keybind>
   </keyboard>
+  <applications>
+    <application class="Gnumeric" type="normal"><maximized>yes</maximized></application>
+  </applications>
 </openbox_config>
 """
 
@@ -143,5 +146,5 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
 
     def _start_tray(self) -> None:
         self.children.start(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
-                             "--height", "26", "--SetDockType", "true"])
+                             "--height", "26", "--SetDockType", "true", "--SetPartialStrut", "true"])
         until(lambda: x11.windows_of_class("trayer"), "the tray")

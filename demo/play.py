@@ -1,0 +1,153 @@
+#!/usr/bin/python3
+"""Plays scenario.txt on a private desktop and says step by step what happened.
+
+Ends with 0 only if everything that the scenario wants to see was seen. See `./run --demo`.
+"""
+
+import argparse
+import os
+import sys
+import time
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parent / "tests" / "desktop"))
+
+from harness.keyvora import Keyvora  # noqa: E402
+from harness.private_desktop import PrivateDesktop  # noqa: E402
+from harness.spreadsheet import Gnumeric  # noqa: E402
+from harness.typist import Typist  # noqa: E402
+from harness.waiting import Timeout, equal, stays, until  # noqa: E402
+
+# What is shown before and after.
+CELLS = [[f"{column}{row}" for column in "ABC"] for row in range(1, 7)]
+
+
+class Player:
+    """Does what one line of the scenario says after the other."""
+
+    def __init__(self, desktop: PrivateDesktop, sheet: Gnumeric, typist: Typist, keyvora: Keyvora,
+                 pictures: Path) -> None:
+        self._desktop = desktop
+        self._sheet = sheet
+        self._typist = typist
+        self._keyvora = keyvora
+        self._pictures = pictures
+        self._shown = 0  # records of the log that were printed
+        self._seen = 0  # records of the log that the scenario has passed
+        self._steps = 0
+
+    def play(self, line: str) -> None:
+        """One line. Raises AssertionError for what was to be seen and was not."""
+        verb, _, rest = line.partition(" ")
+        {"step": self._step, "cell": self._cell, "keys": self._keys, "save": self._save, "see": self._see,
+         "picture": self._picture}[verb](rest)
+        self.show_log()
+
+    def show_log(self) -> None:
+        """Prints the records that were written since the last time."""
+        messages = self._keyvora.log.messages()
+        for message in messages[self._shown:]:
+            print(f"      log     {message}")
+        self._shown = len(messages)
+
+    def show_cells(self, title: str) -> None:
+        """Prints what the cells hold."""
+        print(f"\n{title}")
+        for row in CELLS:
+            print("      " + "".join(f"{self._sheet.content(self._typist, cell):<12}" for cell in row))
+
+    def _step(self, title: str) -> None:
+        self._steps += 1
+        print(f"\n{self._steps}. {title}")
+
+    def _cell(self, cell: str) -> None:
+        self._sheet.select(self._typist, cell)
+        print(f"      cell    {cell} holds {self._sheet.input()!r}")
+
+    def _keys(self, keys: str) -> None:
+        print(f"      keys    {keys}")
+        self._typist.tap(*keys.split())
+
+    def _save(self, name: str) -> None:
+        print(f"      save    {name} as mappings.json")
+        beside = self._keyvora.mappings.with_suffix(".saving")
+        beside.write_bytes((HERE / name).read_bytes())
+        beside.rename(self._keyvora.mappings)
+
+    def _see(self, what: str) -> None:
+        kind, _, text = what.partition(" ")
+        match kind:
+            case "status":
+                equal(lambda: self._keyvora.status().strip(), text, "the status")
+                print(f"      status  {text}")
+            case "log":
+                until(lambda: self._passes(text), f"{text!r} in the log", 10, seen=self._keyvora.log.messages)
+            case "cell":
+                equal(self._sheet.input, text, "the cell")
+                print(f"      cell    {self._sheet.selected()} now holds {text!r}")
+            case "still":
+                stays(self._sheet.input, text, "the cell", 0.3)
+                print(f"      cell    {self._sheet.selected()} still holds {text!r}")
+            case "dialog":
+                equal(self._sheet.dialog, text, "the dialog")
+                until(lambda: bool(text) or self._sheet.is_in_front(), "the spreadsheet in front again")
+                print(f"      dialog  {text or '(closed)'}")
+            case _:
+                raise ValueError(f"cannot see {kind}")
+
+    def _passes(self, text: str) -> bool:
+        """Whether a record after the last one seen is this; goes on behind it."""
+        messages = self._keyvora.log.messages()
+        for number in range(self._seen, len(messages)):
+            if messages[number] == text or text.endswith("...") and messages[number].startswith(text[:-3]):
+                self._seen = number + 1
+                return True
+        return False
+
+    def _picture(self, name: str) -> None:
+        print(f"      picture {self._desktop.screenshot(self._pictures / f'{name}.png')}")
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(description="Plays the demonstration.")
+    parser.add_argument("--keyvora", type=Path, required=True)
+    parser.add_argument("--typist", type=Path, required=True)
+    parser.add_argument("--pictures", type=Path, required=True, help="the folder for screenshots")
+    arguments = parser.parse_args()
+    begin = time.monotonic()
+    print("A private desktop: nothing of your session is used. The spreadsheet is gnumeric, in Excel's place;\n"
+          "osascript is a stand-in that keeps the scripts it is given and runs none.")
+    with PrivateDesktop(size="1024x640") as desktop:
+        scripts = desktop.folder / "scripts.txt"
+        os.environ["KEYVORA_DEMO_SCRIPTS"] = str(scripts)
+        sheet = Gnumeric(desktop, str(HERE / "workbook.csv"))
+        typist = Typist(desktop.children, arguments.typist)
+        keyvora = Keyvora(desktop, arguments.keyvora)
+        keyvora.mappings.parent.mkdir(parents=True)
+        keyvora.mappings.write_bytes((HERE / "mappings.json").read_bytes())
+        player = Player(desktop, sheet, typist, keyvora, arguments.pictures)
+        player.show_cells("The cells before:")
+        print("\nkeyvora starts")
+        keyvora.start(extra_path=HERE)
+        player.show_log()
+        try:
+            for line in (HERE / "scenario.txt").read_text().splitlines():
+                if line and not line.startswith("#"):
+                    player.play(line)
+        except (Timeout, AssertionError) as failure:
+            player.show_log()
+            picture = desktop.screenshot(arguments.pictures / "failure.png")
+            print(f"\nThis did not happen: {failure}\nThe screen then: {picture}")
+            return 1
+        player.show_cells("The cells after:")
+        print("\nWhat the stand-in for osascript was given:")
+        print("".join(f"      {line}\n" for line in scripts.read_text().splitlines()))
+        status = keyvora.stop()
+        print(f"keyvora ended with status {status}. Everything happened, in {time.monotonic() - begin:.0f} s; "
+              f"screenshots are in {arguments.pictures}")
+        return status
+
+
+if __name__ == "__main__":
+    sys.exit(main())
