@@ -28,6 +28,7 @@ _OPENBOX = """<?xml version="1.0" encoding="UTF-8"?>
   <keyboard>
     <keybind key="A-Tab"><action name="NextWindow"><finalactions>
       <action name="Focus"/><action name="Raise"/></finalactions></action></keybind>
+    <keybind key="A-F4"><action name="Close"/></keybind>
   </keyboard>
   <applications>
     <application class="Gnumeric" type="normal"><maximized>yes</maximized></application>

@@ -64,6 +64,11 @@ class Result(unittest.TextTestResult):
         super().addError(test, err)  # type: ignore[arg-type]
         self._keep(test, self.errors[-1][1])
 
+    def addSubTest(self, test: unittest.TestCase, subtest: unittest.TestCase, err: object) -> None:  # type: ignore[override]
+        super().addSubTest(test, subtest, err)  # type: ignore[arg-type]
+        if err:
+            self._keep(test, (self.failures + self.errors)[-1][1])
+
     def printErrors(self) -> None:
         """They were printed when they happened."""
 

@@ -25,7 +25,7 @@ const std::unordered_map<std::string, std::string>& namedKeys() {
       {"`", "TLDE"},      {"\\", "BKSL"},          {"Space", "SPCE"},      {"Return", "RTRN"},
       {"Escape", "ESC"},  {"Tab", "TAB"},          {"BackSpace", "BKSP"},  {"Delete", "DELE"},
       {"Up", "UP"},       {"Down", "DOWN"},        {"Left", "LEFT"},       {"Right", "RGHT"},
-      {"Home", "HOME"},   {"End", "END"},          {"F1", "FK01"},         {"F2", "FK02"},
+      {"Home", "HOME"},   {"End", "END"},          {"F1", "FK01"},         {"F4", "FK04"},
       {"F10", "FK10"},    {"Shift", "LFSH"},       {"RightShift", "RTSH"}, {"Control", "LCTL"},
       {"Option", "LALT"}, {"RightOption", "RALT"}, {"Super", "LWIN"},      {"CapsLock", "CAPS"},
   };
