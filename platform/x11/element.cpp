@@ -2,7 +2,8 @@
 
 #include <atspi/atspi.h>
 
-#include <array>
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <ranges>
 #include <utility>
 
 namespace keyvora::x11 {
@@ -32,7 +31,7 @@ void Process::runExitBlocks() {
     const std::scoped_lock lock(mutex_);
     blocks.swap(blocks_);
   }
-  for (const auto& block : blocks | std::views::reverse) block();
+  for (auto block = blocks.rbegin(); block != blocks.rend(); ++block) (*block)();
 }
 
 }  // namespace keyvora::x11

@@ -8,23 +8,13 @@
 
 #include "tests/x11/conversation.h"
 #include "tests/x11/private_session.h"
+#include "tests/x11/recording_console.h"
 #include "tests/x11/screen.h"
 
 namespace keyvora::x11 {
 namespace {
 
 using platform::ElementRef;
-
-struct RecordingConsole final : platform::Console {
-  void write(std::string_view record) override { records.emplace_back(record); }
-  std::vector<std::string> records;
-};
-
-/// One for all tests: a process joins one accessibility bus in its life.
-PrivateSession& sharedSession() {
-  static PrivateSession session;
-  return session;
-}
 
 class AccessibilityTest : public testing::Test {
  protected:
@@ -77,7 +67,7 @@ class AccessibilityTest : public testing::Test {
     return element;
   }
 
-  PrivateSession& session = sharedSession();
+  PrivateSession& session = PrivateSession::shared();
   RecordingConsole console;
   Notices notices{console};
   Accessibility accessibility{notices};

@@ -4,14 +4,10 @@
 #include <signal.h>
 
 #include "platform/x11/main_loop.h"
+#include "tests/x11/recording_console.h"
 
 namespace keyvora::x11 {
 namespace {
-
-struct RecordingConsole final : platform::Console {
-  void write(std::string_view record) override { records.emplace_back(record); }
-  std::vector<std::string> records;
-};
 
 /// Without a display, which an application can do without when it has something else to do.
 class ApplicationTest : public testing::Test {

@@ -29,7 +29,7 @@ constexpr auto plist = R"(<?xml version="1.0" encoding="UTF-8"?>
 class BundlesTest : public testing::Test {
  protected:
   /// The dictionary of a bundle whose Info.plist holds this.
-  std::unique_ptr<platform::Bundle> bundleWith(std::string_view text) {
+  std::unique_ptr<platform::Bundle> bundleWith(const std::string& text) {
     writeFile(scratch.path() / "some.bundle" / "Info.plist", text);
     return Bundles(scratch.path() / "bin" / "program").open(scratch.path() / "some.bundle");
   }

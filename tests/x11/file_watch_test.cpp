@@ -39,7 +39,7 @@ class FileWatchTest : public testing::Test {
     return runUntil([this] { return notified > 0; });
   }
 
-  void replaceByRename(std::string_view text) const {
+  void replaceByRename(const std::string& text) const {
     writeFile(scratch.path() / "new", text);
     fs::rename(scratch.path() / "new", file);
   }
@@ -223,9 +223,6 @@ TEST_F(FileWatchTest, AWriteThatACancelledWatchWasAboutToReportIsHeard) {
 }
 
 TEST_F(FileWatchTest, WatchesLeaveNoFilesOpen) {
-  const auto openFiles = [] {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-  };
   const auto before = openFiles();
   for (int time = 0; time < 10; ++time) watch();
   source.reset();

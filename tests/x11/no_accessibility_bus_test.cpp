@@ -3,14 +3,10 @@
 
 #include "platform/x11/accessibility.h"
 #include "tests/x11/private_session.h"
+#include "tests/x11/recording_console.h"
 
 namespace keyvora::x11 {
 namespace {
-
-struct RecordingConsole final : platform::Console {
-  void write(std::string_view record) override { records.emplace_back(record); }
-  std::vector<std::string> records;
-};
 
 TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsSaidOnce) {
   PrivateSession session;

@@ -13,6 +13,12 @@ namespace keyvora::x11 {
 /// accessibility bus starts, and a home. The program's own environment is set to it.
 class PrivateSession {
  public:
+  /// One for all tests of a program: a process joins one accessibility bus in its life.
+  static PrivateSession& shared() {
+    static PrivateSession session;
+    return session;
+  }
+
   /// Throws, and so fails the test, when a part of it is missing or does not start.
   PrivateSession();
   ~PrivateSession();

@@ -2,37 +2,17 @@
 
 #include <stdlib.h>
 
+#include <cstddef>
 #include <filesystem>
-#include <fstream>
+#include <iterator>
 #include <optional>
-#include <sstream>
-#include <stdexcept>
 #include <string>
-#include <string_view>
-#include <utility>
+
+#include "tests/support/scratch_directory.h"
 
 namespace keyvora::x11 {
 
-/// A directory for one test, removed afterwards with all that is in it.
-class ScratchDirectory {
- public:
-  ScratchDirectory() {
-    std::string name = (std::filesystem::temp_directory_path() / "keyvora-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
-    path_ = name;
-  }
-  ~ScratchDirectory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  ScratchDirectory(const ScratchDirectory&) = delete;
-  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
+using test::ScratchDirectory;
 
 /// Sets a variable of the environment, or removes it, and puts it back afterwards.
 class Variable {
@@ -59,15 +39,20 @@ class Variable {
 };
 
 /// Makes the text the file's whole content, in place; its directories are made as needed.
-inline void writeFile(const std::filesystem::path& file, std::string_view text) {
+inline void writeFile(const std::filesystem::path& file, const std::string& text) {
   std::filesystem::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary) << text;
+  test::write(file, text);
 }
 
+/// The file's text; empty when it cannot be read.
 inline std::string readFile(const std::filesystem::path& file) {
-  std::ostringstream text;
-  text << std::ifstream(file, std::ios::binary).rdbuf();
-  return text.str();
+  return test::content(file).value_or("");
+}
+
+/// How many files this process has open.
+inline std::ptrdiff_t openFiles() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                       std::filesystem::directory_iterator());
 }
 
 /// A program of shell commands.

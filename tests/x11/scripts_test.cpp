@@ -136,9 +136,6 @@ TEST_F(ScriptsTest, TheScriptSeesNoneOfOurFilesAndSignalsAsAFreshProcessHasThem)
 }
 
 TEST_F(ScriptsTest, NoFilesAndNoProcessesAreLeft) {
-  const auto openFiles = [] {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-  };
   const auto before = openFiles();
   standIn("exit 1");
   for (int time = 0; time < 5; ++time) run();

@@ -17,12 +17,6 @@ const Rows firstMenu{
     "check: Launch at Login (checked)",     "separator", "item: Quit keyvora",
 };
 
-/// One for all tests: a process joins one accessibility bus in its life.
-PrivateSession& sharedSession() {
-  static PrivateSession session;
-  return session;
-}
-
 class StatusItemTest : public testing::Test {
  protected:
   ~StatusItemTest() override {
@@ -103,7 +97,7 @@ class StatusItemTest : public testing::Test {
     return program().heard().size() == lines + 1;
   }
 
-  PrivateSession& session = sharedSession();
+  PrivateSession& session = PrivateSession::shared();
   Screen screen;
   std::unique_ptr<Conversation> conversation_;
   std::unique_ptr<Reader> reader_;

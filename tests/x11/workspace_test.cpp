@@ -4,17 +4,13 @@
 
 #include "platform/x11/accessibility_settings.h"
 #include "tests/x11/private_display.h"
+#include "tests/x11/recording_console.h"
 #include "tests/x11/scratch.h"
 
 namespace keyvora::x11 {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct RecordingConsole final : platform::Console {
-  void write(std::string_view record) override { records.emplace_back(record); }
-  std::vector<std::string> records;
-};
 
 using Words = std::vector<std::string>;
 
