@@ -28,8 +28,4 @@ std::optional<std::string> webAddress(const std::string& reference, const std::s
   return part(CURLUPART_URL);
 }
 
-bool isWebAddress(const std::string& address) {
-  return webAddress(address, "").has_value();
-}
-
 }  // namespace keyvora::appcast

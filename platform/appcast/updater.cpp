@@ -164,6 +164,7 @@ void Updater::showThenEnd(const std::string& title, const std::string& details,
 
 /// The end of a session that the user saw.
 void Updater::endSession() {
+  soon_.reset();
   session_.reset();
   delegate_.willFinishUpdateSession();
   scheduleNextCheck();

@@ -69,7 +69,7 @@ class Updater final : public platform::UpdaterController {
   bool started_ = false;
   std::unique_ptr<Session> session_;
   std::unique_ptr<platform::Timer> nextCheck_;
-  /// What is put off until the next pass of the loop; dies with the updater.
+  /// What a session put off until the next pass of the loop.
   std::unique_ptr<platform::Timer> soon_;
 };
 

@@ -192,6 +192,15 @@ TEST_F(UserCheckTest, CanBeCancelled) {
   EXPECT_THAT(take(), IsEmpty());
 }
 
+TEST_F(UserCheckTest, CanBeCancelledWithoutAFeedToo) {
+  settings.feedAddress = "";
+  start().checkForUpdates();
+  cancel();
+  take();
+  host.advance(10);
+  EXPECT_THAT(take(), IsEmpty());
+}
+
 TEST_F(UserCheckTest, AskingAgainBringsTheWindowForward) {
   serve(feedAddress, newer);
   check();

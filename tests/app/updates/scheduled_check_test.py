@@ -5,6 +5,7 @@ usage: scheduled_check_test.py KEYVORA [unittest arguments]
 
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -17,6 +18,7 @@ from installation import PATIENCE, Display, Installation
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 
 
+@unittest.skipUnless(shutil.which("Xvfb") and shutil.which("xdotool"), "Xvfb gives the display, xdotool its user")
 class ScheduledCheck(unittest.TestCase):
     def setUp(self):
         folder = self.enterContext(tempfile.TemporaryDirectory(prefix="keyvora-scheduled-"))
