@@ -53,7 +53,7 @@ class DesktopTest(unittest.TestCase):
         self.addCleanup(self.desktop.set_layout, "us")
         shutil.rmtree(self.desktop.home / "Library", ignore_errors=True)
         self.keyvora = Keyvora(self.desktop, self.environment.keyvora)
-        self.addCleanup(self.keyvora.stop)
+        self.addCleanup(self.end)
         self.addCleanup(self.dismiss)
         self.keyvora.write(self.document)
         if self.environment.sheet:
@@ -67,6 +67,10 @@ class DesktopTest(unittest.TestCase):
     def start(self, extra_path: Path | None = None) -> None:
         """Starts keyvora and waits until it works."""
         self.keyvora.start(extra_path)
+
+    def end(self) -> None:
+        """Ends keyvora, which must still be alive and end cleanly: a sanitizer's report is a status, too."""
+        self.assertEqual(0, self.keyvora.stop(), "keyvora's exit status")
 
     def new_typist(self, **options: str) -> Typist:
         """Another pair of hands."""
