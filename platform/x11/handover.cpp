@@ -102,11 +102,11 @@ void Handover::decide(Verdict verdict) {
 }
 
 void Handover::passUnseen() {
-  // The event asked about is the last: the keyboard stands still behind it. It is still told of, as a key
-  // that could not be held back.
+  // The event asked about is the last: the keyboard stands still behind it. It is still told of, and a key of
+  // the user's as one that could not be held back.
   auto& last = ring_[(first_ + count_ - 1) % ring_.size()];
   last.asked = false;
-  last.event.keyCode = unknownKey;
+  if (last.event.userData == 0) last.event.keyCode = unknownKey;
   decide(Verdict::pass);
 }
 

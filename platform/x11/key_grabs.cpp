@@ -1,6 +1,8 @@
 #include "platform/x11/key_grabs.h"
 
+#include <X11/XKBlib.h>
 #include <X11/extensions/XInput2.h>
+#include <X11/extensions/XKBstr.h>
 
 #include <algorithm>
 #include <array>
@@ -44,6 +46,21 @@ bool KeyGrabs::grab(Window window) const {
     if (keycode) granted = grab(window, *keycode) && granted;
   }
   return granted;
+}
+
+void KeyGrabs::stopRepeating(unsigned keycode) {
+  XkbDescRec controls{};
+  controls.device_spec = XkbUseCoreKbd;
+  if (XkbGetControls(display_, XkbPerKeyRepeatMask, &controls) != Success || controls.ctrls == nullptr)
+    return;
+  auto& repeats = controls.ctrls->per_key_repeat[keycode / 8];
+  const auto asTheUserHasThem = repeats;
+  // Telling the server that the key does not repeat stops it; at its next press it repeats again.
+  repeats = static_cast<unsigned char>(repeats & ~(1U << keycode % 8));
+  XkbSetControls(display_, XkbPerKeyRepeatMask, &controls);
+  repeats = asTheUserHasThem;
+  XkbSetControls(display_, XkbPerKeyRepeatMask, &controls);
+  XkbFreeControls(&controls, XkbAllControlsMask, True);
 }
 
 void KeyGrabs::replay(Time time) {

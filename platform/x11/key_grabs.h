@@ -28,6 +28,11 @@ class KeyGrabs {
   [[nodiscard]] Extent extent() const { return extent_; }
   [[nodiscard]] const std::vector<Window>& windows() const { return windows_; }
 
+  /// Ends the automatic repetition of a key that stays held back. The server goes on repeating a key whose
+  /// release it had queued already when it processed the press, and would never stop once the queue is let
+  /// go.
+  void stopRepeating(unsigned keycode);
+
   void replay(Time time);
   void swallow(Time time);
 

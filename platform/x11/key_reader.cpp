@@ -74,8 +74,10 @@ void KeyReader::released(const XIRawEvent& raw) {
 
 void KeyReader::held(const XIDeviceEvent& press) {
   const auto keycode = unsigned(press.detail) & 0xFF;
-  ReadKey key{
-      .event = event(keycode, true), .heldSince = press.time, .repeated = (press.flags & XIKeyRepeat) != 0};
+  ReadKey key{.event = event(keycode, true),
+              .heldSince = press.time,
+              .keycode = keycode,
+              .repeated = (press.flags & XIKeyRepeat) != 0};
   if (undecided_ && undecided_->keycode == keycode) {
     key.event = undecided_->event;
     undecided_.reset();

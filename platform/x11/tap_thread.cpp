@@ -27,6 +27,9 @@ Existing& theExisting() {
   return kept;
 }
 
+/// Well before a key begins to repeat, which takes 200 ms at the very least, and long for a verdict.
+constexpr std::chrono::milliseconds longestRepeating{100};
+
 bool hasKeyExtensions(Display* display) {
   int unused = 0;
   int major = XkbMajorVersion;
@@ -91,22 +94,21 @@ void TapThread::inject(KeyCode key, bool down, OwnMark mark) {
   });
 }
 
-/// Makes this the session's only tap. A selection is what X has for that: it has one owner, and loses it when
-/// the owner's connection ends, however it ends. It says so even while the target has no window to grab.
+/// Makes this the session's only tap, with what X has that only one client can hold and that ends with its
+/// connection, however that ends: the passive grab of a button, one that no pointer has. It is refused to a
+/// second tap even while the target has no window whose keys could be.
 bool TapThread::claim() {
-  Display* display = connection_->get();
-  const Atom tap = connection_->atom("_KEYVORA_EVENT_TAP");
-  const Window owner = XCreateSimpleWindow(display, connection_->root(), -1, -1, 1, 1, 0, 0, 0);
-  XGrabServer(display);
-  const bool free = XGetSelectionOwner(display, tap) == None;
-  if (free) XSetSelectionOwner(display, tap, owner, CurrentTime);
-  XUngrabServer(display);
-  XSync(display, False);
-  if (!free) return false;
+  constexpr int noPointersButton = 255;
+  XIEventMask nothing{.deviceid = XIAllMasterDevices, .mask_len = 0, .mask = nullptr};
+  XIGrabModifiers modifiers{.modifiers = int(XIAnyModifier), .status = 0};
+  const int refused =
+      XIGrabButton(connection_->get(), XIAllMasterDevices, noPointersButton, connection_->root(), None,
+                   XIGrabModeAsync, XIGrabModeAsync, False, &nothing, 1, &modifiers);
+  if (refused != 0) return false;
 
   const bool granted = grabs_.apply(KeyGrabs::Extent::option, targetWindows(), keys_);
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
-  XSync(display, False);
+  XSync(connection_->get(), False);
   return granted;
 }
 
@@ -123,6 +125,7 @@ void TapThread::run() {
     runCommands();
     answerVerdict();
     readEvents();
+    stopRepeating();
     giveUpOnMain();
     wait();
   }
@@ -175,8 +178,10 @@ void TapThread::keyRead(const ReadKey& key) {
   if (!enabled_ || repeatedModifier) {
     if (isHeld) grabs_.replay(*key.heldSince);
   } else if (isHeld) {
+    const auto now = Handover::Clock::now();
     held_ = key;
-    handover_.ask(key.event, Handover::Clock::now());
+    repeatEnd_ = now + longestRepeating;
+    handover_.ask(key.event, now);
   } else {
     handover_.tell(key.event, Handover::Clock::now());
   }
@@ -192,6 +197,7 @@ void TapThread::answerVerdict() {
 void TapThread::letGo(Verdict verdict) {
   if (!held_) return;
   const auto key = *std::exchange(held_, std::nullopt);
+  repeatEnd_.reset();
   if (verdict == Verdict::swallow) {
     grabs_.swallow(*key.heldSince);
   } else {
@@ -207,6 +213,12 @@ void TapThread::letGo(Verdict verdict) {
     grabs_.replay(*key.heldSince);
   }
   XSync(connection_->get(), False);
+}
+
+void TapThread::stopRepeating() {
+  if (!repeatEnd_ || Handover::Clock::now() < *repeatEnd_) return;
+  grabs_.stopRepeating(held_->keycode);
+  repeatEnd_.reset();
 }
 
 void TapThread::giveUpOnMain() {
@@ -234,11 +246,12 @@ void TapThread::wait() {
   Display* display = connection_->get();
   XFlush(display);
   if (XEventsQueued(display, QueuedAlready) > 0) return;
+  auto end = handover_.deadline();
+  if (repeatEnd_ && (!end || *repeatEnd_ < *end)) end = repeatEnd_;
   int limit = -1;
-  if (const auto deadline = handover_.deadline()) {
-    const auto left = *deadline - Handover::Clock::now();
-    const auto rounded = std::chrono::ceil<std::chrono::milliseconds>(left).count();
-    limit = int(std::clamp<decltype(rounded)>(rounded, 0, verdictLimit.count()));
+  if (end) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end - Handover::Clock::now());
+    limit = int(std::clamp(left, std::chrono::milliseconds(0), verdictLimit).count());
   }
   std::array<pollfd, 2> sources{
       {{connection_->fileDescriptor(), POLLIN, 0}, {handover_.toTap().fileDescriptor(), POLLIN, 0}}};

@@ -67,6 +67,7 @@ class TapThread : private KeyListener {
   void notice(XEvent& event);
   void answerVerdict();
   void letGo(platform::Verdict verdict);
+  void stopRepeating();
   void giveUpOnMain();
   void follow(KeyGrabs::Extent extent);
   [[nodiscard]] std::vector<Window> targetWindows() const;
@@ -84,6 +85,8 @@ class TapThread : private KeyListener {
   bool enabled_ = false;
   bool mayBeArmed_ = false;
   std::optional<ReadKey> held_;
+  /// When the held key is to stop repeating; none when it has, or repeats no more.
+  std::optional<Handover::Clock::time_point> repeatEnd_;
 
   std::mutex commandMutex_;
   std::vector<Command> commands_;

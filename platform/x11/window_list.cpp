@@ -46,6 +46,7 @@ bool WindowList::notice(const XEvent& event) {
     const auto gone = event.xdestroywindow.window;
     const auto erased = std::erase_if(descriptions_, [gone](const auto& it) { return it.window == gone; });
     if (erased == 0) return false;
+    if (activeWindow_ == gone) activeWindow_ = None;  // not every window manager says so when it was the last
   } else if (event.type == PropertyNotify && event.xproperty.window == root_) {
     if (event.xproperty.atom == clientListAtom_) {
       readClients();

@@ -13,9 +13,6 @@
 #include <thread>
 #include <utility>
 
-#include "platform/x11/display.h"
-#include "platform/x11/window_property.h"
-
 namespace keyvora::x11 {
 namespace {
 
@@ -116,27 +113,20 @@ PrivateDisplay::~PrivateDisplay() {
 }
 
 void PrivateDisplay::startWindowManager() {
-  const auto connection = Connection::open(name_);
-  XDeleteProperty(connection->get(), connection->root(), connection->atom("_NET_SUPPORTING_WM_CHECK"));
-  XSync(connection->get(), False);
-  windowManager_ = Child({"openbox", "--sm-disable"}, {"DISPLAY=" + name_, "HOME=" + home_.string(),
-                                                       "XDG_CONFIG_HOME=" + (home_ / "config").string(),
-                                                       "XDG_CACHE_HOME=" + (home_ / "cache").string()});
-  awaitWindowManager();
+  // What it announces on the root window comes too early: it does not manage windows yet.
+  const auto ready = home_ / "window-manager-ready";
+  std::filesystem::remove(ready);
+  windowManager_ =
+      Child({"openbox", "--sm-disable", "--startup", "touch " + ready.string()},
+            {"DISPLAY=" + name_, "HOME=" + home_.string(), "XDG_CONFIG_HOME=" + (home_ / "config").string(),
+             "XDG_CACHE_HOME=" + (home_ / "cache").string()});
+  if (!waitUntil([&] { return std::filesystem::exists(ready); }))
+    throw std::runtime_error("openbox did not start");
 }
 
 void PrivateDisplay::setLayout(const std::string& layout, const std::string& variant) const {
   Child command({"setxkbmap", "-display", name_, "-layout", layout, "-variant", variant}, {});
   if (command.wait() != 0) throw std::runtime_error("setxkbmap failed for " + layout);
-}
-
-void PrivateDisplay::awaitWindowManager() const {
-  const auto connection = Connection::open(name_);
-  const Atom check = connection->atom("_NET_SUPPORTING_WM_CHECK");
-  const bool started = waitUntil([&] {
-    return numbersOf(connection->get(), connection->root(), check, connection->atom("WINDOW")).has_value();
-  });
-  if (!started) throw std::runtime_error("openbox did not start");
 }
 
 bool runUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {

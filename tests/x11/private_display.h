@@ -55,8 +55,6 @@ class PrivateDisplay {
   void setLayout(const std::string& layout, const std::string& variant = "") const;
 
  private:
-  void awaitWindowManager() const;
-
   std::filesystem::path home_;
   Child server_;
   Child windowManager_;
