@@ -1,7 +1,6 @@
 #include "tools/rehearsal.h"
 
 #include <algorithm>
-#include <span>
 #include <utility>
 
 #include "platform/platform.h"
@@ -10,6 +9,7 @@
 #include "runner/runner.h"
 #include "tap/key_sequence_tap.h"
 #include "tools/letters.h"
+#include "tools/menu_bar.h"
 #include "tools/wording.h"
 
 namespace keyvora::tools {
@@ -42,25 +42,6 @@ class NotingRunner final : public Runner {
   }
 };
 
-/// A menu, or the bar, with the items that paths lead through.
-struct MenuTree {
-  std::string title;
-  std::vector<MenuTree> items;
-
-  void add(std::span<const std::string> path) {
-    if (path.empty()) return;
-    auto item = std::ranges::find(items, path.front(), &MenuTree::title);
-    if (item == items.end()) item = items.insert(items.end(), {path.front(), {}});
-    item->add(path.subspan(1));
-  }
-
-  simulated::TreeElementRef element(simulated::Accessibility& accessibility) const {
-    std::vector<simulated::TreeElementRef> children;
-    for (const auto& item : items) children.push_back(item.element(accessibility));
-    return accessibility.element(title, children);
-  }
-};
-
 }  // namespace
 
 struct Rehearsal::Stage {
@@ -68,11 +49,7 @@ struct Rehearsal::Stage {
     host.applications.start(std::string(Excel::bundleIdentifier), targetProcess);
     host.applications.front = Excel::bundleIdentifier;
     host.queues.walking = simulated::Queues::Walking::inLine;
-    MenuTree bar;
-    for (const auto& sequence : mapping.sequences) {
-      if (const auto* menu = std::get_if<action::Menu>(&sequence.action)) bar.add(menu->path);
-    }
-    host.accessibility.setMenuBar(targetProcess, bar.element(host.accessibility));
+    host.accessibility.setMenuBar(targetProcess, menuBarFor(mapping, host.accessibility));
     tap.onStateChange = [this](bool isArmed, const std::string&) {
       armed = isArmed;
       changedAt = host.mainLoop.now();

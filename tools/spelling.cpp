@@ -47,7 +47,7 @@ std::optional<std::string_view> nearest(std::string_view word, std::span<const s
   for (const auto candidate : candidates) {
     const std::string wanted = text::lowerCased(candidate);
     const std::size_t count = slips(written, wanted);
-    const std::size_t allowed = written == wanted ? 0 : std::clamp<std::size_t>(wanted.size() / 3, 0, 2);
+    const std::size_t allowed = written == wanted ? 0 : std::min<std::size_t>(wanted.size() / 3, 2);
     if (count <= allowed && (!best || count < fewest)) {
       best = candidate;
       fewest = count;

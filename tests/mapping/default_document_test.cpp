@@ -19,6 +19,7 @@
 #include "runner/own_event_marker.h"
 #include "runner/runner.h"
 #include "tap/key_sequence_tap.h"
+#include "tools/menu_bar.h"
 
 /// What the document that a new user starts with promises.
 namespace keyvora {
@@ -206,29 +207,6 @@ TEST(DefaultDocumentTest, ScriptsGuardWhatRaisesAndWaitForNoDialog) {
   }
 }
 
-/// A menu, or the bar: what paths of titles lead through. Every element is known by its whole path.
-struct MenuTree {
-  std::string title;
-  std::string path;
-  std::vector<MenuTree> items;
-
-  void add(const std::vector<std::string>& titles, std::size_t depth = 0) {
-    if (depth == titles.size()) return;
-    auto item = std::ranges::find(items, titles[depth], &MenuTree::title);
-    if (item == items.end())
-      item = items.insert(items.end(), {titles[depth], path + "/" + titles[depth], {}});
-    item->add(titles, depth + 1);
-  }
-
-  simulated::TreeElementRef element(simulated::Accessibility& accessibility) const {
-    std::vector<simulated::TreeElementRef> children;
-    for (const auto& item : items) children.push_back(item.element(accessibility));
-    auto made = accessibility.element(title, children);
-    made->identifier = path;
-    return made;
-  }
-};
-
 /// Excel in front with the menus that the document names, and the real tap and runner.
 struct DefaultDocumentInUse : testing::Test {
   static constexpr platform::ProcessIdentifier excel = 77;
@@ -237,9 +215,7 @@ struct DefaultDocumentInUse : testing::Test {
     host.applications.start(std::string(Excel::bundleIdentifier), excel);
     host.applications.front = Excel::bundleIdentifier;
     host.queues.walking = simulated::Queues::Walking::inLine;
-    MenuTree bar;
-    for (const auto& [sequence, menu] : ofKind<action::Menu>()) bar.add(menu->path);
-    host.accessibility.setMenuBar(excel, bar.element(host.accessibility));
+    host.accessibility.setMenuBar(excel, tools::menuBarFor(document(), host.accessibility));
     EXPECT_TRUE(tap.install());
   }
 
