@@ -86,8 +86,10 @@ Outcome = Window | Cells | Saved | Recalculated
 
 @dataclass
 class Case:
-    """Where the user is (in a cell, or a range up to a last one), what is done first (keys, or a sequence to fire), what
-    is done after the sequence, and what comes of it.
+    """Where the user is, what is done before and after the sequence, and what comes of it.
+
+    The user is in `cell`, with all cells down to `last` selected; `first` and `then` are keys, `fire_first` is another
+    sequence.
     """
 
     outcome: Outcome
