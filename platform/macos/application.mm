@@ -30,16 +30,20 @@ namespace keyvora::macos {
 Application::Application() { [NSApplication sharedApplication]; }
 
 void Application::setActivationPolicy(platform::ActivationPolicy policy) {
-  [NSApplication.sharedApplication
-      setActivationPolicy:static_cast<NSApplicationActivationPolicy>(static_cast<NSInteger>(policy))];
+  @autoreleasepool {
+    [NSApplication.sharedApplication
+        setActivationPolicy:static_cast<NSApplicationActivationPolicy>(static_cast<NSInteger>(policy))];
+  }
 }
 
 void Application::activate() {
-  NSApplication* application = NSApplication.sharedApplication;
-  if (@available(macOS 14.0, *)) {
-    [application activate];
-  } else {
-    [application activateIgnoringOtherApps:YES];
+  @autoreleasepool {
+    NSApplication* application = NSApplication.sharedApplication;
+    if (@available(macOS 14.0, *)) {
+      [application activate];
+    } else {
+      [application activateIgnoringOtherApps:YES];
+    }
   }
 }
 

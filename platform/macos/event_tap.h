@@ -4,9 +4,11 @@
 #import <Foundation/Foundation.h>
 
 #include <memory>
+#include <optional>
 
 #include "platform/keyboard.h"
 #include "platform/macos/cf_ref.h"
+#include "platform/macos/session_watch.h"
 
 namespace keyvora::macos {
 
@@ -22,18 +24,18 @@ class EventTap final : public platform::EventTap {
   void enable() override;
 
  private:
-  explicit EventTap(platform::TapHandler handler);
+  explicit EventTap(platform::TapHandler handler) : handler_(std::move(handler)) {}
   static CGEventRef callback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);
   platform::Verdict decide(CGEventType type, CGEventRef event) const;
-  void watchForSilentDisabling();
   void reportIfDisabled() const;
 
   platform::TapHandler handler_;
   CFRef<CFMachPortRef> port_;
   CFRef<CFRunLoopSourceRef> source_;
-  /// Observers of moments after which the system may have left the tap off without telling.
-  NSMutableArray<id<NSObject>>* workspaceObservers_;
-  id<NSObject> unlockObserver_;
+  std::optional<SessionWatch> sessionWatch_;
+  /// Keeps the process from App Nap, which lowers its priority and puts its timers off: the whole session's
+  /// keys wait for this tap.
+  id<NSObject> activity_;
 };
 
 }  // namespace keyvora::macos

@@ -1,7 +1,5 @@
 #import "platform/macos/event_tap.h"
 
-#import <AppKit/AppKit.h>
-
 #include "platform/fatal.h"
 #include "platform/macos/guarded.h"
 
@@ -14,22 +12,21 @@ std::unique_ptr<EventTap> EventTap::create(std::uint64_t eventMask, platform::Ta
   if (!tap->port_) return nullptr;
   tap->source_ = CFRef<CFRunLoopSourceRef>::adopt(
       CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap->port_.get(), 0));
+  if (!tap->source_) return nullptr;
   CFRunLoopAddSource(CFRunLoopGetMain(), tap->source_.get(), kCFRunLoopCommonModes);
-  tap->watchForSilentDisabling();
+  tap->sessionWatch_.emplace([owner = tap.get()] { owner->reportIfDisabled(); });
+  tap->activity_ =
+      [NSProcessInfo.processInfo beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                                                   reason:@"Deciding on every key that is pressed"];
   return tap;
 }
 
-EventTap::EventTap(platform::TapHandler handler)
-    : handler_(std::move(handler)), workspaceObservers_([NSMutableArray array]) {}
-
 EventTap::~EventTap() {
-  for (id<NSObject> observer in workspaceObservers_) {
-    [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:observer];
-  }
-  if (unlockObserver_ != nil) [NSDistributedNotificationCenter.defaultCenter removeObserver:unlockObserver_];
+  if (activity_ != nil) [NSProcessInfo.processInfo endActivity:activity_];
   if (!port_) return;
   CGEventTapEnable(port_.get(), false);
-  CFRunLoopRemoveSource(CFRunLoopGetMain(), source_.get(), kCFRunLoopCommonModes);
+  if (source_) CFRunLoopRemoveSource(CFRunLoopGetMain(), source_.get(), kCFRunLoopCommonModes);
+  // From here on nothing calls back with the pointer to this object.
   CFMachPortInvalidate(port_.get());
 }
 
@@ -55,27 +52,6 @@ platform::Verdict EventTap::decide(CGEventType type, CGEventRef event) const {
     record.userData = CGEventGetIntegerValueField(event, kCGEventSourceUserData);
   }
   return handler_(record);
-}
-
-void EventTap::watchForSilentDisabling() {
-  // The observers end with this object, on the main thread, where they also run: the pointer cannot dangle.
-  const EventTap* tap = this;
-  void (^check)(NSNotification*) = ^(NSNotification*) {
-    guarded([tap] { tap->reportIfDisabled(); });
-  };
-  NSNotificationCenter* center = NSWorkspace.sharedWorkspace.notificationCenter;
-  for (NSNotificationName name in
-       @[ NSWorkspaceDidWakeNotification, NSWorkspaceSessionDidBecomeActiveNotification ]) {
-    [workspaceObservers_ addObject:[center addObserverForName:name
-                                                       object:nil
-                                                        queue:NSOperationQueue.mainQueue
-                                                   usingBlock:check]];
-  }
-  unlockObserver_ =
-      [NSDistributedNotificationCenter.defaultCenter addObserverForName:@"com.apple.screenIsUnlocked"
-                                                                 object:nil
-                                                                  queue:NSOperationQueue.mainQueue
-                                                             usingBlock:check];
 }
 
 void EventTap::reportIfDisabled() const {

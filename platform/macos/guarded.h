@@ -4,6 +4,8 @@
 
 #include <exception>
 
+#include "platform/macos/strings.h"
+
 namespace keyvora::macos {
 
 /// Runs a callback's body in an autorelease pool and stops whatever it throws: the system's frames that
@@ -16,7 +18,8 @@ Result guarded(Result otherwise, Body body) {
     } catch (NSException* exception) {
       NSLog(@"keyvora: exception in a callback: %@", exception.reason);
     } catch (const std::exception& exception) {
-      NSLog(@"keyvora: exception in a callback: %s", exception.what());
+      // Not %s, which takes the bytes for MacRoman.
+      NSLog(@"keyvora: exception in a callback: %@", nsString(exception.what()));
     } catch (...) {
       NSLog(@"keyvora: exception in a callback");
     }

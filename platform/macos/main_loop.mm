@@ -29,9 +29,11 @@ std::unique_ptr<platform::Timer> MainLoop::schedule(platform::Seconds interval, 
                                                     platform::TimerMode mode, std::function<void()> block) {
   @autoreleasepool {
     void (^fire)(NSTimer*) = ^(NSTimer*) {
-      // Invalidating from within the block releases the block; the copy lives until it returns.
-      const auto running = block;
-      guarded([&running] { running(); });
+      guarded([&] {
+        // Invalidating from within the block releases the block; the copy lives until it returns.
+        const auto running = block;
+        running();
+      });
     };
     if (mode == platform::TimerMode::defaultMode) {
       return std::make_unique<Timer>([NSTimer scheduledTimerWithTimeInterval:interval.count()

@@ -20,9 +20,11 @@
 }
 
 - (void)choose:(id)sender {
-  // The action may replace the menu, and with it this target.
-  const auto running = _action;
-  keyvora::macos::guarded([&running] { running(); });
+  keyvora::macos::guarded([self] {
+    // The action may replace the menu, and with it this target.
+    const auto running = self->_action;
+    running();
+  });
 }
 
 @end

@@ -9,10 +9,10 @@
 /// Between the core's UTF-8 and the system's strings and locations.
 namespace keyvora::macos {
 
-/// Never nil: ill-formed UTF-8 is repaired with U+FFFD.
+/// Never nil: text that is not UTF-8 is read as Latin-1.
 NSString* nsString(std::string_view text);
 
-/// Empty for nil; an unpaired surrogate becomes U+FFFD.
+/// Empty for nil; an unpaired surrogate, which UTF-8 cannot hold, is replaced.
 std::string utf8(NSString* text);
 
 NSURL* fileURL(const std::filesystem::path& path);

@@ -3,22 +3,13 @@
 namespace keyvora::macos {
 
 NSString* nsString(std::string_view text) {
+  if (text.empty()) return @"";  // an empty view may have no bytes to point at
   NSString* string = [[NSString alloc] initWithBytes:text.data()
                                               length:text.size()
                                             encoding:NSUTF8StringEncoding];
   if (string != nil) return string;
-  NSData* data = [NSData dataWithBytes:text.data() length:text.size()];
-  NSString* repaired = nil;
-  [NSString stringEncodingForData:data
-                  encodingOptions:@{
-                    NSStringEncodingDetectionSuggestedEncodingsKey : @[ @(NSUTF8StringEncoding) ],
-                    NSStringEncodingDetectionUseOnlySuggestedEncodingsKey : @YES,
-                    NSStringEncodingDetectionAllowLossyKey : @YES,
-                    NSStringEncodingDetectionLossySubstitutionKey : @"\uFFFD",
-                  }
-                  convertedString:&repaired
-              usedLossyConversion:nil];
-  return repaired != nil ? repaired : @"";
+  // Every byte has a meaning here, so this cannot fail.
+  return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSISOLatin1StringEncoding];
 }
 
 std::string utf8(NSString* text) {

@@ -43,7 +43,8 @@ keyvora::platform::UpdateItem itemOf(SUAppcastItem* item) {
 }
 
 - (BOOL)supportsGentleScheduledUpdateReminders {
-  return _delegate->supportsGentleScheduledUpdateReminders();
+  return keyvora::macos::guarded(
+      true, [self] { return self->_delegate->supportsGentleScheduledUpdateReminders(); });
 }
 
 - (BOOL)standardUserDriverShouldHandleShowingScheduledUpdate:(SUAppcastItem*)update
@@ -78,9 +79,24 @@ class UpdaterController final : public platform::UpdaterController {
                                                                   updaterDelegate:bridge_
                                                                userDriverDelegate:bridge_]) {}
 
-  void startUpdater() override { [controller_ startUpdater]; }
-  void checkForUpdates() override { [controller_ checkForUpdates:nil]; }
-  void checkForUpdateInformation() override { [controller_.updater checkForUpdateInformation]; }
+  // A probe calls these before the run loop, and its pools, have started.
+  void startUpdater() override {
+    @autoreleasepool {
+      [controller_ startUpdater];
+    }
+  }
+
+  void checkForUpdates() override {
+    @autoreleasepool {
+      [controller_ checkForUpdates:nil];
+    }
+  }
+
+  void checkForUpdateInformation() override {
+    @autoreleasepool {
+      [controller_.updater checkForUpdateInformation];
+    }
+  }
 
  private:
   KVUpdaterBridge* bridge_;

@@ -12,11 +12,18 @@ TEST(Strings, TextGoesThereAndBack) {
   EXPECT_EQ(utf8(nsString(std::string_view("a\0b", 3))), std::string("a\0b", 3));
 }
 
-TEST(Strings, IllFormedTextIsRepairedAndNeverNil) {
-  ASSERT_NE(nsString("a\xff"
-                     "b"),
-            nil);
+TEST(Strings, TextThatIsNotUtf8IsReadAsLatin1AndNeverNil) {
+  EXPECT_EQ(utf8(nsString("caf\xe9")), "café");
+  EXPECT_EQ(utf8(nsString("\xff")), "ÿ");
+  EXPECT_NE(nsString(std::string_view()), nil);
   EXPECT_EQ(utf8(nil), "");
+}
+
+TEST(Strings, AnUnpairedSurrogateDoesNotLoseTheRest) {
+  const unichar units[] = {'a', 0xD800, 'b'};
+  const std::string text = utf8([NSString stringWithCharacters:units length:3]);
+  EXPECT_TRUE(text.starts_with("a"));
+  EXPECT_TRUE(text.ends_with("b"));
 }
 
 TEST(Strings, PathsGoThereAndBack) {
