@@ -11,7 +11,9 @@ FetchContent_Declare(utf8proc
 # Headers only: a build file of its own would add its tests and documents.
 FetchContent_Declare(rapidjson
   GIT_REPOSITORY https://github.com/Tencent/rapidjson.git GIT_TAG ${rapidjson_commit} SOURCE_SUBDIR include)
+set(CMAKE_POLICY_VERSION_MINIMUM 3.5)  # utf8proc asks for an older CMake than a new CMake still imitates
 FetchContent_MakeAvailable(utf8proc rapidjson)
+unset(CMAKE_POLICY_VERSION_MINIMUM)
 add_library(keyvora_utf8proc ALIAS utf8proc)
 add_library(keyvora_rapidjson INTERFACE)
 target_include_directories(keyvora_rapidjson SYSTEM INTERFACE ${rapidjson_SOURCE_DIR}/include)
@@ -31,7 +33,11 @@ if(NOT KEYVORA_SPARKLE_DIR)
     URL_HASH SHA256=3a5d7fd698acc39c122e75764ed3614b472b284cc483f32ae7006d86c513370c)
   FetchContent_MakeAvailable(sparkle)
   file(GLOB sparkle_frameworks LIST_DIRECTORIES true
-    "${sparkle_SOURCE_DIR}/Sparkle.xcframework/macos-*/Sparkle.framework")
+    "${sparkle_SOURCE_DIR}/Sparkle.xcframework/macos-*/Sparkle.framework"
+    "${sparkle_SOURCE_DIR}/macos-*/Sparkle.framework")  # where unpacking took off the one folder at the top
+  if(NOT sparkle_frameworks)
+    message(FATAL_ERROR "Sparkle's archive holds no framework for macOS in ${sparkle_SOURCE_DIR}")
+  endif()
   list(GET sparkle_frameworks 0 sparkle_framework)
   cmake_path(GET sparkle_framework PARENT_PATH KEYVORA_SPARKLE_DIR)
 endif()

@@ -1,7 +1,11 @@
 # keyvora.app: the program, its information dictionary, its resources and Sparkle, in the places that macOS looks in.
-# Included where the target is made.
-# Signing comes after the build (sign-development, sign-release): it must be the last thing that touches the bundle.
-set(contents $<TARGET_BUNDLE_CONTENT_DIR:keyvora>)
+# Included where the target is made. Signing comes after the build (sign-development, sign-release): it must be the last
+# thing that touches the bundle.
+set(document ${PROJECT_SOURCE_DIR}/resources/mappings.json)
+set(icon ${CMAKE_CURRENT_LIST_DIR}/keyvora.icns)
+target_sources(keyvora PRIVATE ${document} ${icon})
+set_source_files_properties(${document} PROPERTIES MACOSX_PACKAGE_LOCATION Resources/keyvora_keyvora.bundle)
+set_source_files_properties(${icon} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
 set_target_properties(keyvora PROPERTIES
   MACOSX_BUNDLE TRUE
   MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_BINARY_DIR}/Info.plist
@@ -9,13 +13,11 @@ set_target_properties(keyvora PROPERTIES
   BUILD_WITH_INSTALL_RPATH TRUE
   INSTALL_RPATH "@executable_path/../Frameworks")
 
+set(frameworks $<TARGET_BUNDLE_CONTENT_DIR:keyvora>/Frameworks)
 add_custom_command(TARGET keyvora POST_BUILD
-  COMMAND ${CMAKE_COMMAND} -E make_directory ${contents}/Resources ${contents}/Frameworks
-  COMMAND ${CMAKE_COMMAND} -E copy_directory
-    ${CMAKE_CURRENT_BINARY_DIR}/keyvora_keyvora.bundle ${contents}/Resources/keyvora_keyvora.bundle
-  COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_CURRENT_LIST_DIR}/keyvora.icns ${contents}/Resources/keyvora.icns
-  # A framework is full of links, which must stay links.
-  COMMAND ${CMAKE_COMMAND} -E rm -rf ${contents}/Frameworks/Sparkle.framework
-  COMMAND cp -R -P ${KEYVORA_SPARKLE_DIR}/Sparkle.framework ${contents}/Frameworks/Sparkle.framework
-  COMMENT "Assembling keyvora.app"
+  # A framework is full of links, which must stay links, and must lose what an older release had.
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${frameworks}/Sparkle.framework
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${frameworks}
+  COMMAND cp -R -P ${KEYVORA_SPARKLE_DIR}/Sparkle.framework ${frameworks}/Sparkle.framework
+  COMMENT "Embedding Sparkle"
   VERBATIM)

@@ -17,5 +17,8 @@ need() {
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 entitlements=$here/keyvora.entitlements
 
+# has_identity NAME: whether the keychain has a valid certificate of that name for signing code.
+has_identity() { [[ $(security find-identity -v -p codesigning) == *"\"$1\""* ]]; }
+
 # app_version APP KEY: a value of the bundle's information dictionary.
 app_version() { /usr/libexec/PlistBuddy -c "Print :$2" "$1/Contents/Info.plist"; }
