@@ -129,16 +129,17 @@ def main() -> int:
         player = Player(desktop, sheet, typist, keyvora, arguments.pictures)
         player.show_cells("The cells before:")
         print("\nkeyvora starts")
-        keyvora.start(extra_path=HERE)
-        player.show_log()
         try:
+            keyvora.start(extra_path=HERE)
+            player.show_log()
             for line in (HERE / "scenario.txt").read_text().splitlines():
                 if line and not line.startswith("#"):
                     player.play(line)
         except (Timeout, AssertionError) as failure:
             player.show_log()
             picture = desktop.screenshot(arguments.pictures / "failure.png")
-            print(f"\nThis did not happen: {failure}\nThe screen then: {picture}")
+            print(f"\nThis did not happen: {failure}\nThe screen then: {picture}\n"
+                  f"keyvora's standard error:\n{keyvora.console.read_text(errors='replace')}")
             return 1
         player.show_cells("The cells after:")
         print("\nWhat the stand-in for osascript was given:")
