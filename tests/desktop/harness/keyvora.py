@@ -50,6 +50,7 @@ class Keyvora:
               or process.poll() is not None, "the tap to be installed", 20, seen=self.log.messages)
         if process.poll() is not None:
             raise AssertionError(f"keyvora ended with {process.returncode}:\n{self.console.read_text()}")
+        until(lambda: self.status() == "⌥", "the status item in the tray", 10, seen=self.status)
 
     def stop(self) -> int:
         """Ends the program as a user's session does. Returns its exit status."""
