@@ -1,6 +1,7 @@
 #include "platform/appcast/address.h"
 
 #include <curl/curl.h>
+#include <utf8proc.h>
 
 #include <memory>
 
@@ -8,6 +9,20 @@ namespace keyvora::appcast {
 namespace {
 
 using CurlText = std::unique_ptr<char, decltype(&curl_free)>;
+
+/// Whether this is UTF-8 without control characters: paths are escaped, but a host is taken as it is written.
+bool isText(const std::string& text) {
+  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  while (left > 0) {
+    utf8proc_int32_t codePoint = 0;
+    const auto length = utf8proc_iterate(at, left, &codePoint);
+    if (length <= 0 || utf8proc_category(codePoint) == UTF8PROC_CATEGORY_CC) return false;
+    at += length;
+    left -= length;
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -25,7 +40,9 @@ std::optional<std::string> webAddress(const std::string& reference, const std::s
   };
   const std::string scheme = part(CURLUPART_SCHEME);
   if (scheme != "http" && scheme != "https") return std::nullopt;
-  return part(CURLUPART_URL);
+  auto address = part(CURLUPART_URL);
+  if (!isText(address)) return std::nullopt;
+  return address;
 }
 
 }  // namespace keyvora::appcast

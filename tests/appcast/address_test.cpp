@@ -26,6 +26,12 @@ TEST(AddressTest, IsOnlyEverOfTheWeb) {
   EXPECT_EQ(webAddress("file:///etc/passwd", base), std::nullopt);
 }
 
+TEST(AddressTest, HasAHostThatIsText) {
+  EXPECT_EQ(webAddress("https://bücher.example/x", ""), "https://bücher.example/x");
+  EXPECT_EQ(webAddress("https://exampl\xFF\xF6g/2.0", ""), std::nullopt);
+  EXPECT_EQ(webAddress("https://exampl\xC2\x85g/2.0", ""), std::nullopt);
+}
+
 TEST(AddressTest, WithoutABaseItMustBeWhole) {
   EXPECT_EQ(webAddress("https://example.org/x", ""), "https://example.org/x");
   EXPECT_EQ(webAddress("", ""), std::nullopt);
