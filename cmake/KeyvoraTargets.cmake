@@ -12,12 +12,18 @@ add_library(keyvora_options INTERFACE)
 target_include_directories(keyvora_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(keyvora_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
-  -Wformat=2 -fstack-protector-strong)
+  -Wformat=2)
 if(KEYVORA_SANITIZE)
   target_compile_options(keyvora_options INTERFACE
     -fsanitize=${KEYVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(keyvora_options INTERFACE -fsanitize=${KEYVORA_SANITIZE})
 endif()
+if(KEYVORA_FUZZ)
+  # Everything reports its coverage to the fuzzers.
+  target_compile_options(keyvora_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(keyvora_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+include(KeyvoraHardening)
 
 # keyvora_library(NAME SOURCES... LINK targets...): a static library keyvora_NAME of this folder's sources.
 function(keyvora_library name)
