@@ -11,12 +11,9 @@ if check "Building (clang)" scripts/build clang && check "Checking with clang-ti
   passed=$((passed + 1))
 fi
 
-# The fuzzers, a minute each, from their seeds: fuzz/NAME_fuzzer.cpp and fuzz/corpus/NAME.
-if [[ -d $project/fuzz ]] && check "Building (fuzz)" scripts/build fuzz; then
-  for fuzzer in fuzz/*_fuzzer.cpp; do
-    name=$(basename "$fuzzer" _fuzzer.cpp)
-    if check "Fuzzing $name" "build/fuzz/fuzz/${name}_fuzzer" -max_total_time=60 "fuzz/corpus/$name"; then
-      passed=$((passed + 1))
-    fi
-  done
-fi
+# The fuzzers, a minute each.
+for name in fuzz/*/; do
+  if check "Fuzzing ($(basename "$name"))" scripts/fuzz 60 "$(basename "$name")"; then
+    passed=$((passed + 1))
+  fi
+done

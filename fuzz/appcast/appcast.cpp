@@ -1,0 +1,53 @@
+// Any bytes as a feed: it is read whole or refused with a reason, and what it offers is fit to be shown.
+
+#include "platform/appcast/feed.h"
+
+#include <algorithm>
+
+#include "fuzz/input.h"
+#include "platform/appcast/address.h"
+#include "platform/appcast/notes_text.h"
+#include "platform/appcast/version_order.h"
+
+namespace keyvora::fuzz {
+namespace {
+
+bool isOneLine(const std::string& text) {
+  return isWellFormed(text) &&
+         std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+}
+
+void checkItem(const appcast::FeedItem& item) {
+  require(!item.version.empty() && isOneLine(item.version), "a version is a line");
+  require(!item.displayVersion.empty() && isOneLine(item.displayVersion), "a version for people is a line");
+  require(isWellFormed(item.description), "notes are text");
+  for (const auto* address : {&item.notesAddress, &item.pageAddress, &item.downloadAddress}) {
+    require(address->empty() || appcast::isWebAddress(*address), "addresses are those of the web");
+    require(isOneLine(*address), "an address is a line");
+  }
+  if (item.descriptionIsHtml)
+    require(isWellFormed(appcast::plainNotes(item.description)), "plain notes are text");
+}
+
+void check(std::string_view bytes) {
+  const std::string languages[] = {"de_AT", "en"};
+  const auto feed = appcast::readFeed(bytes, "https://example.org/feeds/appcast.xml", languages);
+  if (feed.error) {
+    require(!feed.error->empty() && feed.items.empty(), "a feed that fails offers nothing and says why");
+    require(isOneLine(*feed.error), "the reason is a line");
+  }
+  std::ranges::for_each(feed.items, checkItem);
+  const auto* newest = appcast::newestUpdate(feed, "1.0");
+  if (newest != nullptr) require(appcast::compareVersions(newest->version, "1.0") > 0, "an update is newer");
+  // The bytes as notes by themselves, which a feed may point to; who shows them makes text of what is none.
+  const auto notes = appcast::plainNotes(bytes);
+  require(!isWellFormed(bytes) || isWellFormed(notes), "plain notes of text are text");
+}
+
+}  // namespace
+}  // namespace keyvora::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  keyvora::fuzz::check({reinterpret_cast<const char*>(data), size});
+  return 0;
+}

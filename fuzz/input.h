@@ -1,0 +1,54 @@
+#pragma once
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "text/utf8.h"
+
+/// What every fuzzer is written with. A fuzzer turns bytes into an input, runs the code, and calls `require`
+/// for what must hold; sanitizers watch the rest.
+namespace keyvora::fuzz {
+
+/// Ends the run, with the input kept, when something that must hold does not.
+inline void require(bool holds, std::string_view what) {
+  if (holds) return;
+  std::cerr << "violated: " << what << '\n';
+  std::abort();
+}
+
+/// Whether the text is UTF-8 without a fault.
+inline bool isWellFormed(std::string_view text) {
+  return text::wellFormedPrefix(text) == text.size();
+}
+
+/// Well-formed text out of the input: mostly what keyboards type, and now and then any character there is.
+inline std::string someText(FuzzedDataProvider& input, std::size_t longest) {
+  static constexpr std::string_view common = "abcfhHFX19 .,-/\t\n\"\\";
+  static constexpr std::string_view special[] = {"é",      "e\u0301", "ß",   "ﬁ", "İ",
+                                                 "ǆ",      "\u0301",  "…",   "⌥", "👩‍👩‍👧",
+                                                 "\u2028", "\u00A0",  "\r\n"};
+  std::string result;
+  for (auto left = input.ConsumeIntegralInRange<std::size_t>(0, longest); left > 0; --left) {
+    const auto choice = input.ConsumeIntegral<std::uint8_t>();
+    if (choice < 0xC0) {
+      result += common[choice % common.size()];
+    } else if (choice < 0xF0) {
+      result += special[choice % std::size(special)];
+    } else {
+      const auto any = input.ConsumeIntegralInRange<std::uint32_t>(0, 0x10FFFF);
+      const bool surrogate = any >= 0xD800 && any <= 0xDFFF;
+      text::append(result, surrogate ? text::replacementCharacter : static_cast<char32_t>(any));
+    }
+  }
+  return result;
+}
+
+}  // namespace keyvora::fuzz
+
+/// The fuzzers' entry; libFuzzer calls it with one input after another.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
