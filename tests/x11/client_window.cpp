@@ -92,6 +92,10 @@ struct ClientWindow::State {
   }
 
   void record(XKeyEvent& event) {
+    if (keys.keyCode(event.keycode) == sentinelKey) {
+      if (event.type == KeyRelease) ++sentinels;
+      return;
+    }
     KeySym symbol = NoSymbol;
     XLookupString(&event, nullptr, 0, &symbol, nullptr);
     const ReceivedKey key{.keyCode = keys.keyCode(event.keycode),
@@ -111,6 +115,7 @@ struct ClientWindow::State {
   std::mutex mutex;
   std::vector<ReceivedKey> received;
   Wakeup wakeup;
+  std::atomic<int> sentinels = 0;
   std::atomic<bool> ending = false;
   std::atomic<bool> grabWanted = false;
   std::atomic<bool> grabbed = false;
@@ -135,9 +140,8 @@ std::vector<ReceivedKey> ClientWindow::received() const {
   return state_->received;
 }
 
-void ClientWindow::forget() {
-  const std::scoped_lock lock(state_->mutex);
-  state_->received.clear();
+int ClientWindow::sentinels() const {
+  return state_->sentinels;
 }
 
 std::vector<std::uint16_t> ClientWindow::pressed() const {

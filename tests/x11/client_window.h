@@ -10,6 +10,9 @@
 
 namespace keyvora::x11 {
 
+/// F19: a key that says to a window that all typed before has arrived. It is counted and not recorded.
+inline constexpr std::uint16_t sentinelKey = 80;
+
 /// A key event as a window got it.
 struct ReceivedKey {
   std::uint16_t keyCode = 0;
@@ -46,8 +49,8 @@ class ClientWindow {
   /// What arrived so far. Any thread.
   [[nodiscard]] std::vector<ReceivedKey> received() const;
 
-  /// Forgets what arrived so far.
-  void forget();
+  /// How many sentinel keys were released so far.
+  [[nodiscard]] int sentinels() const;
 
   /// The key codes that went down so far, in order, without repetitions being told apart.
   [[nodiscard]] std::vector<std::uint16_t> pressed() const;

@@ -40,12 +40,17 @@ Verdict Catcher::operator()(const KeyEvent& event) {
 }
 
 EventTapTest::EventTapTest() {
+  sentinelSource->setUserData(sentinelMark);
   EXPECT_TRUE(target.awaitFocus());
   EXPECT_TRUE(runUntil([&] { return applications.frontmostBundleIdentifier().has_value(); }));
 }
 
 void EventTapTest::tapWith(platform::TapHandler handler) {
-  tap = keyboard.createTap(keyEvents, std::move(handler));
+  tap = keyboard.createTap(keyEvents, [this, handler = std::move(handler)](const KeyEvent& event) {
+    if (event.userData != sentinelMark) return handler(event);
+    ++sentinelsSeen;
+    return Verdict::pass;
+  });
   ASSERT_NE(tap, nullptr);
   tap->enable();
   ASSERT_TRUE(awaitTap());
@@ -70,20 +75,14 @@ void EventTapTest::settle() {
 }
 
 bool EventTapTest::awaitTap() {
-  // The tap injects it after having done what it was told before.
-  for (const bool down : {true, false}) keyboard.createEvent(nullptr, key::sentinel, down)->postToHardware();
-  return awaitSentinel();
-}
-
-bool EventTapTest::awaitSentinel() {
-  const bool came = runUntil([&] {
-    const auto received = target.received();
-    return !received.empty() && received.back().keyCode == key::sentinel && !received.back().down;
-  });
-  settle();
-  target.forget();
-  catcher.shown.clear();
-  return came;
+  // The tap injects it after having done what it was told before, and reads of it after having read what the
+  // server said before.
+  const auto seen = sentinelsSeen;
+  for (const bool down : {true, false}) {
+    const auto sentinel = keyboard.createEvent(sentinelSource.get(), sentinelKey, down);
+    if (sentinel) sentinel->postToHardware();
+  }
+  return runUntil([&] { return sentinelsSeen > seen + 1; });
 }
 
 bool EventTapTest::awaitTapPossible() {

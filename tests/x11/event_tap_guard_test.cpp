@@ -48,14 +48,16 @@ TEST_F(EventTapGuardTest, AStalledVerdictHoldsTheKeyboardForASecondAndThenAllWor
 
   catcher = Catcher(applications);
   user.tap({key::option, key::h, key::f, key::a});
-  expectPressed({key::option, key::a});
+  expectPressed({key::option, key::h, key::a, key::b, key::option, key::a});
   EXPECT_EQ(catcher.caught, (Keys{key::h, key::f})) << "enabling grabs again";
   EXPECT_EQ(disabled, 1);
 }
 
 TEST_F(EventTapGuardTest, ATapThatWaitsForLettersStillDoesAfterATimeOut) {
+  int disabled = 0;
   tapWith([&](const KeyEvent& event) {
     if (event.type == platform::event_type::tapDisabledByTimeout) {
+      ++disabled;
       tap->enable();
       return Verdict::pass;
     }
@@ -65,7 +67,8 @@ TEST_F(EventTapGuardTest, ATapThatWaitsForLettersStillDoesAfterATimeOut) {
   ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
   user.tap({key::h});
   std::this_thread::sleep_for(milliseconds(1300));  // the main loop does not run: that is the stall
-  settle();
+  ASSERT_TRUE(runUntil([&] { return disabled == 1; }));
+  ASSERT_TRUE(awaitTap());
   EXPECT_EQ(target.pressed(), (Keys{key::option, key::h})) << "the late key went through";
   EXPECT_TRUE(catcher.caught.empty()) << "and was never shown late";
   user.tap({key::f});
@@ -83,7 +86,7 @@ TEST_F(EventTapGuardTest, AnActionInsideTheHandlerHoldsNothingBack) {
     return verdict;
   });
   user.tap({key::option, key::h});
-  settle();
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 1; }));
   user.press(key::f);
   const auto pressed = Clock::now();
   ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 2; }));
@@ -143,7 +146,7 @@ TEST_F(EventTapGuardTest, ATapThatIsGoneOrNeverEnabledLeavesTheKeyboardAlone) {
 
 TEST_F(EventTapGuardTest, KillingAnArmedProgramLeavesAWorkingKeyboard) {
   Child program({KEYVORA_TAP_PROCESS, display.name()}, {});
-  ASSERT_TRUE(awaitSentinel());
+  ASSERT_TRUE(runUntil([&] { return target.sentinels() > 0; }));
   user.tap({key::option, key::a});
   expectPressed({key::option});
   program.kill();

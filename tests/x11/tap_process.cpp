@@ -6,6 +6,7 @@
 
 #include "platform/x11/display.h"
 #include "platform/x11/keyboard.h"
+#include "tests/x11/client_window.h"
 #include "tests/x11/private_display.h"
 
 int main(int argc, char** argv) {
@@ -21,7 +22,10 @@ int main(int argc, char** argv) {
   if (!x11::runUntil([&] { return (tap = keyboard.createTap(0x1C00, swallow)) != nullptr; })) return 3;
   tap->enable();
   // Says to whoever listens that the tap is at work.
-  for (const bool down : {true, false}) keyboard.createEvent(nullptr, 80, down)->postToHardware();
+  for (const bool down : {true, false}) {
+    if (const auto sentinel = keyboard.createEvent(nullptr, x11::sentinelKey, down))
+      sentinel->postToHardware();
+  }
   x11::runUntil([] { return false; }, std::chrono::minutes(2));
   return 4;
 }
