@@ -80,6 +80,9 @@ foreach(language C CXX OBJC OBJCXX)
     "\"${libtool}\" -static -no_warning_for_no_symbols -o <TARGET> <OBJECTS>")
   set(CMAKE_${language}_ARCHIVE_FINISH "")
 endforeach()
+foreach(language C CXX OBJC OBJCXX)  # CMake knows this flag only on a Mac, and leaves rpaths out without it
+  set(CMAKE_EXECUTABLE_RUNTIME_${language}_FLAG "-Wl,-rpath,")
+endforeach()
 foreach(kind EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT
     "-fuse-ld=lld -B${MACOS_TOOLS} -stdlib=libc++ -Wno-unused-command-line-argument ${MACOS_RT}")
