@@ -53,6 +53,7 @@ TEST_F(PosixFileOperationsTest, ReadsAFileWhole) {
 }
 
 TEST_F(PosixFileOperationsTest, ReadsAFileWhoseSizeIsNotKnownBefore) {
+  if (!fs::exists("/proc/self/status")) GTEST_SKIP() << "no such files on this system";
   const auto read = files.read("/proc/self/status");
   EXPECT_EQ(read.error, std::nullopt);
   EXPECT_THAT(read.bytes, testing::HasSubstr("Pid:"));
