@@ -19,6 +19,7 @@ class Children:
     def __init__(self, logs: Path) -> None:
         self._logs = logs
         self._running: list[subprocess.Popen[bytes]] = []
+        self._named: dict[str, subprocess.Popen[bytes]] = {}
         # What children start and leave behind becomes ours too, to be stopped with the rest.
         _libc.prctl(_PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
 
@@ -26,14 +27,20 @@ class Children:
               environment: Mapping[str, str] | None = None, keep_open: Sequence[int] = (),
               interactive: bool = False) -> subprocess.Popen[bytes]:
         """Starts `command`; its standard error, and its output unless `interactive`, go to `name`.log."""
-        log = self.log(name or Path(command[0]).name)
+        name = name or Path(command[0]).name
+        log = self.log(name)
         with log.open("ab") as output:
             child = subprocess.Popen(
                 list(command), env=environment, pass_fds=tuple(keep_open), preexec_fn=_die_with_parent,
                 stdin=subprocess.PIPE if interactive else subprocess.DEVNULL,
                 stdout=subprocess.PIPE if interactive else output, stderr=output)
         self._running.append(child)
+        self._named[name] = child
         return child
+
+    def named(self, name: str) -> subprocess.Popen[bytes]:
+        """The program that was last started under this name."""
+        return self._named[name]
 
     def log(self, name: str) -> Path:
         """Where the output of the program started under `name` goes."""

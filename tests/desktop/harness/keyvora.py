@@ -71,6 +71,11 @@ class Keyvora:
         """Whether the process is alive."""
         return self._process is not None and self._process.poll() is None
 
+    def process_id(self) -> int:
+        """The process's number."""
+        assert self._process
+        return self._process.pid
+
     def status(self) -> str:
         """The text of its status item as shown in the tray; empty when there is none."""
         for window in x11.windows_of_class("keyvora"):

@@ -99,9 +99,9 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
             self._start_accessibility_bus()
         else:
             os.environ["NO_AT_BRIDGE"] = "1"
-        self._start_window_manager()
+        self.start_window_manager()
         if self._tray:
-            self._start_tray()
+            self.start_tray()
 
     def _tear_down(self) -> None:
         self.children.stop_all()
@@ -139,13 +139,15 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
             ["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
              "--method", "org.a11y.Bus.GetAddress"], check=True, stdout=subprocess.DEVNULL)
 
-    def _start_window_manager(self) -> None:
+    def start_window_manager(self) -> None:
+        """Starts the window manager, "openbox" among the children."""
         configuration = self.folder / "openbox.xml"
         configuration.write_text(_OPENBOX)
         self.children.start(["openbox", "--config-file", str(configuration)])
         until(lambda: x11.root_property("_NET_SUPPORTING_WM_CHECK"), "a window manager")
 
-    def _start_tray(self) -> None:
+    def start_tray(self) -> None:
+        """Starts the tray, "trayer" among the children."""
         self.children.start(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
                              "--height", "26", "--SetDockType", "true", "--SetPartialStrut", "true"])
         until(lambda: x11.windows_of_class("trayer"), "the tray")

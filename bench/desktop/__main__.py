@@ -1,0 +1,39 @@
+"""Measures the real program on a private desktop: `python3 bench/desktop FIGURE --programs FOLDER`
+
+FIGURE is one of: startup, reload, delivery, idle, soak.
+"""
+
+import argparse
+import os
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tests" / "desktop"))
+
+from harness.private_desktop import PrivateDesktop  # noqa: E402
+
+FIGURES = ("startup", "reload", "delivery", "idle", "soak")
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(prog="bench/desktop", description="Measures the real program.")
+    parser.add_argument("figure", choices=FIGURES)
+    parser.add_argument("--programs", type=Path, required=True, help="the build folder")
+    parser.add_argument("--times", type=int, default=10_000, help="keys of each run (delivery)")
+    parser.add_argument("--minutes", type=float, default=10, help="how long (soak)")
+    arguments = parser.parse_args()
+    print(f"{os.cpu_count()} processors, load {os.getloadavg()[0]:.1f} before the run", flush=True)
+    with PrivateDesktop() as desktop:
+        # Not before the desktop stands: what reads it joins the desktop that it finds.
+        import delivery
+        import idle
+        import latency
+        import soak
+        run = {"startup": latency.startup, "reload": latency.reload, "delivery": delivery.measure,
+               "idle": idle.measure, "soak": soak.run}
+        run[arguments.figure](desktop, arguments)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

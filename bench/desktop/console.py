@@ -1,0 +1,52 @@
+"""keyvora started so that each of its lines is seen at once: on the console copy, through a pipe."""
+
+import os
+import subprocess
+import time
+from pathlib import Path
+
+DOCUMENT = """{"version": 1, "timeoutMilliseconds": 800, "tabs": {}, "sequences": [
+    {"keys": "HF", "name": "Type x", "action": {"kind": "keystroke", "key": "x"}},
+    {"keys": "M", "name": "Type m", "action": {"kind": "keystroke", "key": "m"}},
+    {"keys": "MM", "name": "Type n", "action": {"kind": "keystroke", "key": "n"}}]}
+"""
+
+
+def mappings(home: Path) -> Path:
+    """Where the document of this home is; its folder is made."""
+    path = home / "Library" / "Application Support" / "keyvora" / "mappings.json"
+    path.parent.mkdir(parents=True, exist_ok=True)
+    return path
+
+
+class Console:
+    """A running keyvora; `with` ends it."""
+
+    def __init__(self, program: Path, home: Path) -> None:
+        self.started = time.monotonic()
+        self.process = subprocess.Popen([str(program)], stderr=subprocess.PIPE, stdin=subprocess.DEVNULL,
+                                        env=dict(os.environ, HOME=str(home)))
+
+    def __enter__(self) -> "Console":
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        self.process.terminate()
+        self.process.communicate()
+
+    def wait(self, text: str) -> float:
+        """Reads on to the line that holds `text`; returns when it came."""
+        stderr = self.process.stderr
+        assert stderr
+        for line in stderr:
+            if text in line.decode(errors="replace"):
+                return time.monotonic()
+        raise RuntimeError(f"keyvora ended before it said {text!r}")
+
+
+def percentiles(values: list[float]) -> str:
+    """Median, 95th and 99th percentile, in milliseconds."""
+    ordered = sorted(values)
+    p50, p95, p99 = (ordered[min(len(ordered) - 1, len(ordered) * hundredths // 100)] * 1000
+                     for hundredths in (50, 95, 99))
+    return f"p50 {p50:.1f} ms, p95 {p95:.1f} ms, p99 {p99:.1f} ms, {len(ordered)} times"

@@ -1,0 +1,39 @@
+"""How long the user waits: for the tap after a start, for a saved document to be in force."""
+
+import argparse
+import time
+
+from console import DOCUMENT, Console, mappings, percentiles
+from harness.private_desktop import PrivateDesktop
+
+STARTS = 30
+SAVES = 100
+# From a change to its reload, by design: editors write in several steps.
+DELAY = 0.2
+
+
+def startup(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
+    """From the start of the process to the line that says that the tap is installed."""
+    mappings(desktop.home).write_text(DOCUMENT)
+    times = []
+    for _ in range(STARTS):
+        with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
+            times.append(keyvora.wait("tap installed, ") - keyvora.started)
+    print(f"start to tap installed: {percentiles(times)}")
+
+
+def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
+    """From a document renamed into place to the line that says that it is in force, less the fixed delay."""
+    path = mappings(desktop.home)
+    path.write_text(DOCUMENT)
+    times = []
+    with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
+        keyvora.wait("tap installed, ")
+        for _ in range(SAVES):
+            beside = path.with_suffix(".new")
+            beside.write_text(DOCUMENT)
+            start = time.monotonic()
+            beside.rename(path)
+            times.append(keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY)
+            time.sleep(0.05)  # the file is watched anew after the line
+    print(f"change on disk to document in force, beyond the fixed {DELAY} s: {percentiles(times)}")

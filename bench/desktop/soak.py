@@ -1,0 +1,77 @@
+"""The real program with a spreadsheet and a simulated typist, for as long as asked: every outcome is checked."""
+
+import argparse
+import json
+import random
+import time
+
+from console import DOCUMENT
+from harness.keyvora import Keyvora
+from harness.private_desktop import PrivateDesktop
+from harness.spreadsheet import Gnumeric
+from harness.typist import Typist
+from harness.waiting import equal
+from process import counts
+
+SAMPLE = 60.0
+
+
+def run(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
+    """Fills a cell again and again with plain letters and sequences; it must hold the outcome of every key."""
+    document = json.loads(DOCUMENT)
+    keyvora = Keyvora(desktop, arguments.programs / "app/keyvora")
+    keyvora.write(document)
+    sheet = Gnumeric(desktop)
+    typist = Typist(desktop.children, arguments.programs / "tests/desktop/typist/keyvora-typist")
+    keyvora.start()
+    choose = random.Random(1)
+    begin = time.monotonic()
+    rounds, keys, fired, reloads = 0, 0, 0, 0
+
+    def sample() -> float:
+        now = time.monotonic()
+        used = counts(keyvora.process_id())
+        print(f"{(now - begin) / 60:8.1f}{rounds:8}{keys:8}{fired:8}{reloads:8}{used.resident:8}{used.files:6}"
+              f"{used.processor:8.2f}", flush=True)
+        return now
+
+    print(f"{'minutes':>8}{'rounds':>8}{'keys':>8}{'fired':>8}{'reloads':>8}{'KiB':>8}{'files':>6}{'CPU s':>8}")
+    sampled = sample()
+    while time.monotonic() - begin < arguments.minutes * 60:
+        if time.monotonic() - sampled >= SAMPLE:
+            sampled = sample()
+        sheet.select(typist, "A1")
+        typed, expected = one_round(choose)
+        typist.tap(*typed)
+        equal(sheet.input, expected, "the cell's text", 30)
+        typist.tap("Escape")
+        rounds += 1
+        keys += len(typed)
+        fired += sum(map(expected.count, "xn"))
+        if rounds % 10 == 0:
+            reloads += 1
+            document["timeoutMilliseconds"] = 800 + reloads % 2
+            keyvora.write(document)
+    sample()
+    counted = keyvora.log.count("HF  Type x (keystroke)") + keyvora.log.count("MM  Type n (keystroke)")
+    if counted != fired:
+        raise AssertionError(f"{fired} sequences fired into the cells, {counted} by the log")
+    print(f"{keys} keys, {fired} sequences fired, no key lost; keyvora ended with status {keyvora.stop()}")
+
+
+def one_round(choose: random.Random) -> tuple[list[str], str]:
+    """Keys to tap, and what the cell holds then."""
+    typed, expected = ["k"], "k"
+    for _ in range(choose.randrange(3, 12)):
+        letter = choose.choice("abcdefgh")
+        keys, text = choose.choice([
+            ([letter], letter),
+            (["Option", "h", "f"], "x"),
+            (["Option", "m", "m"], "n"),
+            (["Option", "h", "Escape", letter], letter),  # a change of mind
+            (["Option", "q", letter], letter),  # no such sequence
+            (["Option", "Option", letter], letter),
+        ])
+        typed += keys
+        expected += text
+    return typed, expected

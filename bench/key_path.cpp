@@ -1,0 +1,101 @@
+// What one event costs in the program: idle, and as a letter of an armed sequence. The system around it is
+// simulated, so this is our part alone.
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+
+#include "bench/documents.h"
+#include "platform/platform.h"
+#include "platform/simulated/simulated_host.h"
+#include "runner/runner.h"
+#include "tap/key_sequence_tap.h"
+
+namespace keyvora::bench {
+namespace {
+
+using platform::KeyEvent;
+using namespace platform::event_flag;
+using namespace platform::event_type;
+
+constexpr std::uint16_t keyH = 4, escape = 53, option = 58;
+
+/// A tap on a simulated system that remembers nothing.
+class Rig {
+ public:
+  explicit Rig(std::size_t sequences, const char* front) : mapping_(document(sequences)) {
+    host_.applications.front = front;
+    host_.trace.stop();
+  }
+
+  void handle(const KeyEvent& event) { benchmark::DoNotOptimize(tap_.handle(event.type, event)); }
+
+  void arm() {
+    handle({flagsChanged, option, platform::event_flag::option, 0});
+    handle({flagsChanged, option, 0, 0});
+  }
+
+  /// Forgets what piled up in the simulation.
+  void tidy() { host_.files.remove("/Users/me/Library/Logs/keyvora.log"); }
+
+  [[nodiscard]] const Mapping& mapping() const { return mapping_; }
+
+ private:
+  simulated::Host host_;
+  platform::Scope scope_{host_.platform()};
+  Mapping mapping_;
+  Runner runner_;
+  KeySequenceTap tap_{[this]() -> const Mapping& { return mapping_; }, runner_};
+};
+
+void idleEvents(benchmark::State& state, const char* front) {
+  Rig rig(200, front);
+  const KeyEvent down{keyDown, keyH, 0, 0};
+  const KeyEvent up{keyUp, keyH, 0, 0};
+  for (auto _ : state) {
+    rig.handle(down);
+    rig.handle(up);
+  }
+  state.SetItemsProcessed(2 * state.iterations());
+  state.SetLabel("time is for two events, a key pressed and released");
+}
+
+void idleEventInTheTarget(benchmark::State& state) {
+  idleEvents(state, "com.microsoft.Excel");
+}
+BENCHMARK(idleEventInTheTarget);
+
+void idleEventElsewhere(benchmark::State& state) {
+  idleEvents(state, "com.apple.finder");
+}
+BENCHMARK(idleEventElsewhere);
+
+/// The first letter after a tap of Option: matched against every sequence, shown, and its timeout scheduled.
+void armedLetter(benchmark::State& state) {
+  Rig rig(static_cast<std::size_t>(state.range(0)), "com.microsoft.Excel");
+  const KeyEvent letter{keyDown, keyH, 0, 0};
+  int rounds = 0;
+  for (auto _ : state) {
+    rig.arm();
+    const auto start = std::chrono::steady_clock::now();
+    rig.handle(letter);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    state.SetIterationTime(taken.count());
+    rig.handle({keyDown, escape, 0, 0});
+    if (++rounds % 1000 == 0) rig.tidy();
+  }
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(armedLetter)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000)->UseManualTime()->Complexity();
+
+/// The matching of a letter by itself.
+void lookup(benchmark::State& state) {
+  const auto mapping = document(static_cast<std::size_t>(state.range(0)));
+  const std::vector<std::string> typed{"H"};
+  for (auto _ : state) benchmark::DoNotOptimize(mapping.lookup(typed));
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(lookup)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000)->Complexity();
+
+}  // namespace
+}  // namespace keyvora::bench

@@ -1,0 +1,47 @@
+"""The accessibility bus is killed. Spreadsheets do not come back to a new one, so this ends its desktop."""
+
+import os
+import signal
+
+import gi
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
+
+from .test_faults import MENU, WITH_MENU, DesktopTest  # noqa: E402
+
+
+class AccessibilityBus(DesktopTest):
+    document = WITH_MENU
+
+    def test_without_it_menus_fail_and_everything_else_works(self) -> None:
+        self.typist.tap("Option", "e")
+        self.keyvora.log.wait(f"{MENU} (menu)")
+        self.dismiss()
+        self.kill_bus()
+        self.typist.tap("Option", "e")
+        self.keyvora.log.wait(f"{MENU} FAILED: no menu bar", seconds=30)
+        self.fire()
+        self.keyvora.log.wait("HF  Type x (keystroke)")
+        # A bus that comes back is nobody's loss either.
+        self.session("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")
+        self.fire()
+        self.keyvora.log.wait("HF  Type x (keystroke)", 2)
+        self.assertEqual(0, self.keyvora.stop())
+
+    def kill_bus(self) -> None:
+        launcher = self.session("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                "GetConnectionUnixProcessID", GLib.Variant("(s)", ("org.a11y.Bus",)))
+        for task in [launcher, *self.children_of(launcher)]:
+            os.kill(task, signal.SIGKILL)
+
+    @staticmethod
+    def children_of(process: int) -> list[int]:
+        with open(f"/proc/{process}/task/{process}/children", encoding="ascii") as listed:
+            return [int(child) for child in listed.read().split()]
+
+    @staticmethod
+    def session(name: str, path: str, interface: str, method: str, arguments: GLib.Variant | None = None) -> int | str:
+        bus = Gio.bus_get_sync(Gio.BusType.SESSION, None)
+        answer = bus.call_sync(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, 5000, None)
+        return answer.unpack()[0]
