@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <spdlog/async.h>
 #include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
 #include <unistd.h>
 
 #include <algorithm>
