@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <future>
 #include <utility>
 
 #include "platform/x11/key_codes.h"
@@ -26,6 +27,9 @@ Existing& theExisting() {
   static auto& kept = *new Existing;  // other threads may ask while the process ends
   return kept;
 }
+
+/// For a few round trips to the server: who asks for the tap may take it that keys are caught from then on.
+constexpr std::chrono::milliseconds grabbingLimit{250};
 
 /// Well before a key begins to repeat, which takes 200 ms at the very least, and long for a verdict.
 constexpr std::chrono::milliseconds longestRepeating{100};
@@ -78,12 +82,17 @@ TapThread::~TapThread() {
 }
 
 void TapThread::enable() {
-  send([this] {
-    if (enabled_) return;
-    enabled_ = true;
-    reader_.resynchronise();
-    follow(mayBeArmed_ ? KeyGrabs::Extent::everyKey : KeyGrabs::Extent::option);
+  const auto grabbed = std::make_shared<std::promise<void>>();
+  const auto done = grabbed->get_future();
+  send([this, grabbed] {
+    if (!enabled_) {
+      enabled_ = true;
+      reader_.resynchronise();
+      follow(mayBeArmed_ ? KeyGrabs::Extent::everyKey : KeyGrabs::Extent::option);
+    }
+    grabbed->set_value();
   });
+  done.wait_for(grabbingLimit);
 }
 
 void TapThread::inject(KeyCode key, bool down, OwnMark mark) {

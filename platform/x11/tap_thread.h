@@ -43,7 +43,7 @@ class TapThread : private KeyListener {
   TapThread(const TapThread&) = delete;
   TapThread& operator=(const TapThread&) = delete;
 
-  /// Grabs. Any thread.
+  /// Grabs, and waits until that is done, for a moment at the most. Any thread but the tap's own.
   void enable();
 
   /// Injects a key with XTEST from the tap's connection, which is how the tap knows it again. Any thread.
