@@ -35,7 +35,18 @@ Relation relateAscii(std::span<const std::string> typed, std::string_view keys) 
   return matched == typed.size() ? Relation::same : Relation::none;
 }
 
+/// Whether the first characters alone tell that the letters differ, as most do: an ASCII letter is
+/// canonically equivalent to nothing that starts with another.
+bool startsOtherwise(std::span<const std::string> typed, std::string_view keys) {
+  if (typed.empty() || typed.front().size() != 1 || keys.empty()) return false;
+  const char first = keys.front();
+  const bool isLetterOrDigit =
+      (first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z') || (first >= '0' && first <= '9');
+  return isLetterOrDigit && asciiUpper(first) != typed.front().front();
+}
+
 Relation relate(std::span<const std::string> typed, const Sequence& sequence) {
+  if (startsOtherwise(typed, sequence.keys)) return Relation::none;
   if (text::isAscii(sequence.keys)) return relateAscii(typed, sequence.keys);
   const auto letters = sequence.letters();
   if (letters.size() < typed.size()) return Relation::none;
