@@ -1,6 +1,7 @@
 """From a key's injection to its delivery in a window: by itself, with keyvora, with other key programs."""
 
 import argparse
+import os
 import subprocess
 import time
 from collections.abc import Callable
@@ -25,8 +26,8 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
         def start(stack: ExitStack) -> None:
             path = desktop.folder / file
             path.write_text(text)
-            process = subprocess.Popen([*command, str(path)], stdout=subprocess.DEVNULL,
-                                       stderr=subprocess.DEVNULL)
+            process = subprocess.Popen([*command, str(path)], env=dict(os.environ, SHELL="/bin/sh"),
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             stack.callback(process.wait)
             stack.callback(process.terminate)
             time.sleep(1)

@@ -1,6 +1,7 @@
 """What it costs to do nothing for a minute, beside sxhkd in the same minute."""
 
 import argparse
+import os
 import subprocess
 import time
 
@@ -21,7 +22,7 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     configuration.write_text(SXHKD)
     with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
         keyvora.wait("tap installed, ")
-        sxhkd = subprocess.Popen(["sxhkd", "-c", str(configuration)])
+        sxhkd = subprocess.Popen(["sxhkd", "-c", str(configuration)], env=dict(os.environ, SHELL="/bin/sh"))
         try:
             time.sleep(SETTLE)
             processes = {"keyvora": keyvora.process.pid, "sxhkd": sxhkd.pid}

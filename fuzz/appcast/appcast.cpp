@@ -22,7 +22,7 @@ void checkItem(const appcast::FeedItem& item) {
   require(!item.displayVersion.empty() && isOneLine(item.displayVersion), "a version for people is a line");
   require(isWellFormed(item.description), "notes are text");
   for (const auto* address : {&item.notesAddress, &item.pageAddress, &item.downloadAddress}) {
-    require(address->empty() || appcast::isWebAddress(*address), "addresses are those of the web");
+    require(address->empty() || appcast::webAddress(*address, ""), "addresses are those of the web");
     require(isOneLine(*address), "an address is a line");
   }
   if (item.descriptionIsHtml)
