@@ -10,6 +10,8 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
+from .x11 import Area  # noqa: E402
+
 Element = Atspi.Accessible
 
 
@@ -71,6 +73,27 @@ def is_active(element: Element) -> bool:
 def is_selected(element: Element) -> bool:
     """Whether a menu of a menu bar is the one that is open."""
     return _has_state(element, Atspi.StateType.SELECTED)
+
+
+def is_showing(element: Element) -> bool:
+    """Whether it can be seen."""
+    return _has_state(element, Atspi.StateType.SHOWING)
+
+
+def is_enabled(element: Element) -> bool:
+    """Whether it can be chosen; what is disabled is shown grey."""
+    return _has_state(element, Atspi.StateType.SENSITIVE)
+
+
+def is_checked(element: Element) -> bool:
+    """Whether it has a check mark."""
+    return _has_state(element, Atspi.StateType.CHECKED)
+
+
+def area(element: Element) -> Area:
+    """Where it is on the screen."""
+    extents = element.get_component_iface().get_extents(Atspi.CoordType.SCREEN)
+    return Area(extents.x, extents.y, extents.width, extents.height)
 
 
 def text(element: Element) -> str:

@@ -78,10 +78,17 @@ class Keyvora:
 
     def status(self) -> str:
         """The text of its status item as shown in the tray; empty when there is none."""
+        return self._status_item()[1]
+
+    def status_window(self) -> str:
+        """The id of its status item's window; empty when there is none."""
+        return self._status_item()[0]
+
+    def _status_item(self) -> tuple[str, str]:
         for window in x11.windows_of_class("keyvora"):
             if (title := x11.window_title(window)).startswith("⌥"):
-                return title
-        return ""
+                return window, title
+        return "", ""
 
 
 class Log:

@@ -1,7 +1,17 @@
-"""What the display tells about its windows, by the display's own small tools."""
+"""What the display tells about its windows, and the mouse, by the display's own small tools."""
 
 import re
 import subprocess
+from typing import NamedTuple
+
+
+class Area(NamedTuple):
+    """A rectangle of the screen, in pixels from its upper left."""
+
+    x: int
+    y: int
+    width: int
+    height: int
 
 
 def root_property(name: str) -> str:
@@ -43,6 +53,21 @@ def window_title(window: str) -> str:
         if match := re.search(r'= "(.*)"', answer, re.DOTALL):
             return match[1]
     return ""
+
+
+def window_area(window: str) -> Area | None:
+    """Where a window is on the screen; None when it is gone."""
+    answer = _output(["xwininfo", "-id", window])
+    numbers = [re.search(rf"{label}: +(-?\d+)", answer) for label in
+               ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")]
+    found = [int(number[1]) for number in numbers if number]
+    return Area(*found) if len(found) == 4 else None
+
+
+def click(area: Area) -> None:
+    """Clicks the middle of an area, as a user does with the mouse."""
+    x, y = area.x + area.width // 2, area.y + area.height // 2
+    subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True)
 
 
 def _output(command: list[str]) -> str:
