@@ -16,8 +16,13 @@ sys.path.insert(0, str(HERE.parent / "tests" / "desktop"))
 from harness.keyvora import Keyvora  # noqa: E402
 from harness.private_desktop import PrivateDesktop  # noqa: E402
 from harness.spreadsheet import Gnumeric  # noqa: E402
+from harness.status_menu import SEPARATOR, StatusMenu  # noqa: E402
 from harness.typist import Typist  # noqa: E402
 from harness.waiting import Timeout, equal, stays, until  # noqa: E402
+from harness.x11 import Area  # noqa: E402
+
+# How much is seen around the menu in its picture, in pixels.
+AROUND_MENU = 24
 
 # What is shown before and after.
 CELLS = [[f"{column}{row}" for column in "ABC"] for row in range(1, 7)]
@@ -41,7 +46,7 @@ class Player:
         """One line. Raises AssertionError for what was to be seen and was not."""
         verb, _, rest = line.partition(" ")
         {"step": self._step, "cell": self._cell, "keys": self._keys, "save": self._save, "see": self._see,
-         "picture": self._picture}[verb](rest)
+         "menu": self._menu, "picture": self._picture}[verb](rest)
         self.show_log()
 
     def show_log(self) -> None:
@@ -104,6 +109,16 @@ class Player:
                 self._seen = number + 1
                 return True
         return False
+
+    def _menu(self, name: str) -> None:
+        menu = StatusMenu(self._keyvora)
+        for row in menu.open():
+            print(f"      menu    {'' if row == SEPARATOR else row}")
+        x, y, width, height = menu.area()
+        seen = Area(max(0, x - AROUND_MENU), 0, width + 2 * AROUND_MENU, y + height + AROUND_MENU)
+        print(f"      picture {self._desktop.screenshot(self._pictures / f'{name}.png', seen)}")
+        self._typist.tap("Escape")
+        menu.wait_until_closed()
 
     def _picture(self, name: str) -> None:
         print(f"      picture {self._desktop.screenshot(self._pictures / f'{name}.png')}")

@@ -72,10 +72,11 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
                  trace: TracebackType | None) -> None:
         self._tear_down()
 
-    def screenshot(self, path: Path) -> Path:
-        """Writes a picture of the whole screen; returns `path`."""
+    def screenshot(self, path: Path, area: x11.Area | None = None) -> Path:
+        """Writes a picture of the whole screen or of a part of it; returns `path`."""
         path.parent.mkdir(parents=True, exist_ok=True)
-        subprocess.run(["import", "-silent", "-window", "root", str(path)], check=True)
+        crop = ["-crop", f"{area.width}x{area.height}+{area.x}+{area.y}", "+repage"] if area else []
+        subprocess.run(["import", "-silent", "-window", "root", *crop, str(path)], check=True)
         return path
 
     def set_layout(self, layout: str, variant: str = "") -> None:
