@@ -29,7 +29,12 @@ class Source {
   /// The next character, a zero byte at the end.
   [[nodiscard]] char Peek() const {
     if (at_ == numberBegin_) return '0';
-    return at_ < text_.size() ? text_[at_] : '\0';
+    if (at_ >= text_.size()) return '\0';
+    // The number is whole: what would go on with a nought must not ("1.5.5" as "0.5").
+    constexpr std::string_view goesOn = ".eE";
+    constexpr char nothing = '\x01';
+    if (at_ == numberEnd_ && goesOn.find(text_[at_]) != goesOn.npos) return nothing;
+    return text_[at_];
   }
 
   char Take() {
