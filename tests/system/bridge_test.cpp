@@ -96,11 +96,11 @@ class BridgeDeathTest : public testing::TestWithParam<std::pair<const char*, voi
 TEST_P(BridgeDeathTest, IsFatalOffTheMainThread) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto [name, call] = GetParam();
-  const auto callElsewhere = [call = call] {
+  const auto callElsewhere = [operation = call] {
     simulated::Host host;
     const platform::Scope scope(host.platform());
     Bridge bridge;
-    std::thread([&] { call(bridge); }).join();
+    std::thread([&] { operation(bridge); }).join();
   };
   EXPECT_DEATH(callElsewhere(), std::string("Fatal error: Bridge::") + name + " must run on the main thread");
 }
