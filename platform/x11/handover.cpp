@@ -77,6 +77,8 @@ void Handover::settle() {
   std::unique_lock lock(mutex_);
   if (asked_ == Asked::nothing) return;
   if (std::this_thread::get_id() == mainThread_) {
+    // A key typed since the one being decided waits for its turn: it may begin the next sequence.
+    if (asked_ == Asked::waiting && shown_) return;
     if (asked_ == Asked::shown) decide(Verdict::swallow);
     if (asked_ == Asked::waiting) passUnseen();
   }

@@ -7,7 +7,8 @@ namespace keyvora::x11 {
 /// take it. Whoever posts, presses or runs anything calls this first.
 ///
 /// - On the main thread, inside the tap's handler: the key being decided is swallowed now, whatever the
-///   handler returns later, since an action only ever follows a swallowed key.
+///   handler returns later, since an action only ever follows a swallowed key. A key typed after that one
+///   waits for its turn, unless the action takes longer than a verdict may.
 /// - On the main thread, outside it: a key that waits to be shown to the handler goes to its window instead.
 /// - On any other thread: waits until the main thread has decided, one second at the most.
 ///

@@ -125,7 +125,7 @@ TEST(Handover, SettlingOutsideTheHandlerPassesTheKeyAndTellsOfItWithoutItsCode) 
   EXPECT_EQ(handover.verdict(), std::nullopt);
 }
 
-TEST(Handover, AKeyTypedWhileTheHandlerActsIsNotSwallowedWithTheOneThatItActsOn) {
+TEST(Handover, AKeyTypedWhileTheHandlerActsWaitsForItsTurn) {
   Handover handover;
   auto answer = Verdict::pass;
   handover.ask(letter, start);
@@ -134,10 +134,13 @@ TEST(Handover, AKeyTypedWhileTheHandlerActsIsNotSwallowedWithTheOneThatItActsOn)
   handover.settle();
   tap.join();
   handover.ask(other, start);
-  auto second = answering(handover, answer);
   handover.settle();
-  second.join();
-  EXPECT_EQ(answer, Verdict::pass);
+  EXPECT_EQ(handover.verdict(), std::nullopt) << "it is neither passed nor swallowed with the one acted on";
+  handover.handled(Verdict::swallow);
+  EXPECT_EQ(handover.verdict(), std::nullopt);
+  EXPECT_EQ(handover.next(), other) << "with its own code: it may begin the next sequence";
+  handover.handled(Verdict::pass);
+  EXPECT_EQ(handover.verdict(), Verdict::pass);
 }
 
 TEST(Handover, SettlingOnAnotherThreadLeavesTheVerdictToTheMainThread) {

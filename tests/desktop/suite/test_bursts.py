@@ -31,6 +31,16 @@ class Bursts(DesktopTest):
         self.keyvora.log.wait("HF  Type x (keystroke)", TIMES)
         self.assertEqual(TIMES, self.keyvora.log.count(ARMED))
 
+    def test_sequences_right_behind_each_other_all_fire(self) -> None:
+        expected = self.text_without_keyvora("x", "x", "a", times=TIMES // 2)
+        self.start()
+        self.typist.tap("k")
+        # The next Option comes while the key of the sequence before is still being posted.
+        self.typist.burst(TIMES // 2, "Option", "h", "f", "Option", "h", "Escape", "Option", "h", "f", "a")
+        self.expect_input(expected, 60)
+        self.keyvora.log.wait("HF  Type x (keystroke)", TIMES)
+        self.assertEqual(TIMES // 2 * 3, self.keyvora.log.count(ARMED))
+
     def test_dead_ends_swallow_their_letters_and_nothing_else(self) -> None:
         expected = self.text_without_keyvora("a", "b")
         self.start()
