@@ -1,7 +1,7 @@
 #include "platform/x11/host.h"
 
-#include "platform/x11/directories.h"
 #include "platform/x11/display.h"
+#include "platform/x11/files/directories.h"
 #include "platform/x11/toolkit.h"
 
 namespace keyvora::x11 {

@@ -5,7 +5,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/x11/directories.h"
+#include "platform/x11/files/directories.h"
 #include "platform/x11/gobject.h"
 
 namespace keyvora::x11 {

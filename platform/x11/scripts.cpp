@@ -13,7 +13,7 @@
 
 #include "platform/posix/posix_file_descriptor.h"
 #include "platform/x11/gobject.h"
-#include "platform/x11/pending_verdict.h"
+#include "platform/x11/keyboard/pending_verdict.h"
 
 namespace keyvora::x11 {
 namespace {

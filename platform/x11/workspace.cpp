@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/x11/accessibility_settings.h"
+#include "platform/x11/accessibility/accessibility_settings.h"
 #include "platform/x11/gobject.h"
 #include "platform/x11/toolkit.h"
 

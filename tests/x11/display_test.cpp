@@ -9,7 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/x11/keyboard.h"
+#include "platform/x11/keyboard/keyboard.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

@@ -6,7 +6,7 @@
 
 #include <chrono>
 
-#include "platform/x11/window_property.h"
+#include "platform/x11/applications/window_property.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/x11/accessibility_settings.h"
+#include "platform/x11/accessibility/accessibility_settings.h"
 #include "tests/x11/private_display.h"
 #include "tests/x11/recording_console.h"
 #include "tests/x11/scratch.h"

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/x11/bundle.h"
+#include "platform/x11/applications/bundle.h"
 
 namespace keyvora::x11 {
 namespace {

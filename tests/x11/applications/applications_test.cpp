@@ -1,0 +1,119 @@
+#include "platform/x11/applications/applications.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/x11/keyboard/client_window.h"
+#include "tests/x11/private_display.h"
+
+namespace keyvora::x11 {
+namespace {
+
+constexpr std::string_view excel = "com.microsoft.Excel";
+using Processes = std::vector<platform::ProcessIdentifier>;
+
+class ApplicationsTest : public testing::Test {
+ protected:
+  bool comesToFront(bool target) {
+    return runUntil([&] { return (applications.frontmostBundleIdentifier() == excel) == target; });
+  }
+  bool runs(const Processes& processes) {
+    return runUntil([&] { return applications.running(excel) == processes; });
+  }
+
+  PrivateDisplay display;
+  Applications applications{display.name()};
+};
+
+TEST_F(ApplicationsTest, NothingRunsOnAnEmptyDesktop) {
+  EXPECT_TRUE(applications.running(excel).empty());
+  EXPECT_EQ(applications.frontmostBundleIdentifier(), std::nullopt);
+}
+
+TEST_F(ApplicationsTest, WindowsComeAndGo) {
+  {
+    const ClientWindow window(display.name(), {});
+    ASSERT_TRUE(window.awaitFocus());
+    EXPECT_TRUE(comesToFront(true));
+    EXPECT_TRUE(runs({4711}));
+    EXPECT_TRUE(applications.running("com.microsoft.excel").empty()) << "identifiers are compared exactly";
+    EXPECT_TRUE(applications.running("").empty());
+  }
+  EXPECT_TRUE(runs({}));
+  EXPECT_TRUE(comesToFront(false));
+}
+
+TEST_F(ApplicationsTest, ProcessesAreListedOnceAndTheOldestFirst) {
+  const ClientWindow first(display.name(), {.process = 20});
+  ASSERT_TRUE(first.awaitFocus());
+  const ClientWindow second(display.name(),
+                            {.instanceName = "libreoffice", .className = "libreoffice-calc", .process = 10});
+  ASSERT_TRUE(second.awaitFocus());
+  const ClientWindow third(display.name(), {.process = 20});
+  ASSERT_TRUE(third.awaitFocus());
+  EXPECT_TRUE(runs({20, 10}));
+}
+
+TEST_F(ApplicationsTest, AnotherApplicationInFrontIsNotTheTarget) {
+  const ClientWindow target(display.name(), {});
+  ASSERT_TRUE(target.awaitFocus());
+  ASSERT_TRUE(comesToFront(true));
+  const ClientWindow other(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
+  ASSERT_TRUE(other.awaitFocus());
+  EXPECT_TRUE(comesToFront(false));
+  EXPECT_TRUE(runs({4711}));
+}
+
+TEST_F(ApplicationsTest, ADialogCountsWithTheWindowThatItWasOpenedFrom) {
+  const ClientWindow calc(display.name(), {.instanceName = "libreoffice", .className = "libreoffice-calc"});
+  ASSERT_TRUE(calc.awaitFocus());
+  const ClientWindow writer(display.name(),
+                            {.instanceName = "libreoffice", .className = "libreoffice-writer"});
+  ASSERT_TRUE(writer.awaitFocus());
+  ASSERT_TRUE(comesToFront(false));
+
+  const auto dialogOf = [&](unsigned long owner, platform::ProcessIdentifier process) {
+    return ClientWindow::Options{
+        .instanceName = "soffice", .className = "Soffice", .process = process, .transientFor = owner};
+  };
+  ClientWindow dialog(display.name(), dialogOf(calc.window(), 4711));
+  ASSERT_TRUE(dialog.activate());
+  EXPECT_TRUE(comesToFront(true));
+  ClientWindow ofTheDialog(display.name(), dialogOf(dialog.window(), 4711));
+  ASSERT_TRUE(ofTheDialog.activate());
+  EXPECT_TRUE(comesToFront(true));
+  ClientWindow ofWriter(display.name(), dialogOf(writer.window(), 4711));
+  ASSERT_TRUE(ofWriter.activate());
+  EXPECT_TRUE(comesToFront(false));
+  ClientWindow ofAnotherProcess(display.name(), dialogOf(calc.window(), 4712));
+  ASSERT_TRUE(ofAnotherProcess.activate());
+  EXPECT_TRUE(comesToFront(false));
+}
+
+TEST_F(ApplicationsTest, AWindowMayChangeWhatItIs) {
+  ClientWindow window(display.name(),
+                      {.instanceName = "libreoffice", .className = "libreoffice-startcenter"});
+  ASSERT_TRUE(window.awaitFocus());
+  ASSERT_TRUE(comesToFront(false));
+  window.setClass("libreoffice", "libreoffice-calc");
+  EXPECT_TRUE(comesToFront(true));
+}
+
+TEST_F(ApplicationsTest, ARestartOfTheWindowManagerLosesNothing) {
+  ClientWindow target(display.name(), {});
+  ASSERT_TRUE(target.awaitFocus());
+  display.endWindowManager();
+  EXPECT_TRUE(runs({4711}));
+  display.startWindowManager();
+  ASSERT_TRUE(target.activate());
+  EXPECT_TRUE(comesToFront(true));
+  EXPECT_TRUE(runs({4711}));
+}
+
+TEST(Applications, WithoutADisplayNothingRuns) {
+  Applications applications(":4711");
+  EXPECT_TRUE(applications.running(excel).empty());
+  EXPECT_EQ(applications.frontmostBundleIdentifier(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace keyvora::x11

@@ -1,0 +1,113 @@
+#include "platform/x11/applications/bundles.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/x11/scratch.h"
+
+namespace keyvora::x11 {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto plist = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+<dict>
+  <!-- a comment -->
+  <key>CFBundleIdentifier</key> <string>org.keyvora.keyvora</string>
+  <key>CFBundleShortVersionString</key> <string>1.2 &amp; &#x2325;</string>
+  <key>Number</key> <integer>7</integer>
+  <key>Flag</key> <true/>
+  <key>List</key> <array><string>inside</string></array>
+  <key>Nested</key> <dict><key>Inner</key><string>inside</string></dict>
+  <key>Empty</key> <string></string>
+  <key>Sections</key> <string>a<![CDATA[<b>]]> c</string>
+</dict>
+</plist>
+)";
+
+class BundlesTest : public testing::Test {
+ protected:
+  /// The dictionary of a bundle whose Info.plist holds this.
+  std::unique_ptr<platform::Bundle> bundleWith(const std::string& text) {
+    writeFile(scratch.path() / "some.bundle" / "Info.plist", text);
+    return Bundles(scratch.path() / "bin" / "program").open(scratch.path() / "some.bundle");
+  }
+
+  ScratchDirectory scratch;
+};
+
+TEST_F(BundlesTest, AnInstalledProgramHasItsResourcesUnderThePrefix) {
+  const auto resources = scratch.path() / "share" / "keyvora";
+  writeFile(resources / "Info.plist", plist);
+  Bundles bundles(scratch.path() / "bin" / "keyvora");
+  EXPECT_EQ(bundles.main().directory(), scratch.path());
+  EXPECT_EQ(bundles.main().resourceDirectory(), resources);
+  EXPECT_EQ(bundles.main().identifier(), "org.keyvora.keyvora");
+  EXPECT_EQ(&bundles.containing(), &bundles.main());
+}
+
+TEST_F(BundlesTest, AProgramThatIsNotInstalledHasItsResourcesBesideIt) {
+  const auto folder = scratch.path() / "build";
+  writeFile(folder / "Info.plist", plist);
+  Bundles bundles(folder / "keyvora");
+  EXPECT_EQ(bundles.main().directory(), folder);
+  EXPECT_EQ(bundles.main().resourceDirectory(), folder);
+  EXPECT_EQ(bundles.main().identifier(), "org.keyvora.keyvora");
+}
+
+TEST_F(BundlesTest, ADirectoryOpensAsABundleAndNothingElseDoes) {
+  Bundles bundles(scratch.path() / "bin" / "keyvora");
+  const auto directory = scratch.path() / "keyvora_keyvora.bundle";
+  EXPECT_EQ(bundles.open(directory), nullptr);
+  writeFile(scratch.path() / "file", "");
+  EXPECT_EQ(bundles.open(scratch.path() / "file"), nullptr);
+  fs::create_directory(directory);
+  const auto bundle = bundles.open(directory);
+  ASSERT_NE(bundle, nullptr);
+  EXPECT_EQ(bundle->directory(), directory);
+  EXPECT_EQ(bundle->resourceDirectory(), directory);
+  EXPECT_EQ(bundle->identifier(), std::nullopt);
+}
+
+TEST_F(BundlesTest, AResourceIsFoundByNameAndExtension) {
+  const auto bundle = bundleWith(plist);
+  const auto directory = scratch.path() / "some.bundle";
+  writeFile(directory / "mappings.json", "{}");
+  writeFile(directory / "plain", "");
+  EXPECT_EQ(bundle->resource("mappings", "json"), directory / "mappings.json");
+  EXPECT_EQ(bundle->resource("plain", ""), directory / "plain");
+  EXPECT_EQ(bundle->resource("mappings", "yaml"), std::nullopt);
+  EXPECT_EQ(bundle->resource("mapping", "json"), std::nullopt);
+}
+
+TEST_F(BundlesTest, TheInformationDictionaryGivesItsTexts) {
+  const auto bundle = bundleWith(plist);
+  EXPECT_EQ(bundle->information("CFBundleIdentifier"), "org.keyvora.keyvora");
+  EXPECT_EQ(bundle->information("CFBundleShortVersionString"), "1.2 & ⌥");
+  EXPECT_EQ(bundle->information("Empty"), "");
+  EXPECT_EQ(bundle->information("Sections"), "a<b> c");
+  for (const auto* key : {"Number", "Flag", "List", "Nested", "Inner", "inside", "Absent", ""}) {
+    EXPECT_EQ(bundle->information(key), std::nullopt) << key;
+  }
+}
+
+TEST_F(BundlesTest, AMalformedDictionaryIsNone) {
+  for (const auto* text : {
+           "",
+           "bplist00\xd1\x01\x02",
+           "{\"CFBundleIdentifier\": \"a\"}",
+           "<plist><dict><key>CFBundleIdentifier</key><string>a</string></dict>",
+           "<plist><array><key>CFBundleIdentifier</key><string>a</string></array></plist>",
+           "<list><dict><key>CFBundleIdentifier</key><string>a</string></dict></list>",
+           "<plist><dict><key>CFBundleIdentifier</key><string>a</string><key>b</key></dict></plist>",
+           "<plist><dict><string>a</string><key>CFBundleIdentifier</key></dict></plist>",
+           "<plist><dict><key>CFBundleIdentifier</key><string>a<b/></string></dict></plist>",
+           "<plist></plist>",
+       }) {
+    EXPECT_EQ(bundleWith(text)->identifier(), std::nullopt) << text;
+  }
+}
+
+}  // namespace
+}  // namespace keyvora::x11

@@ -1,0 +1,254 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/posix/posix_file_descriptor.h"
+#include "platform/x11/files/file_system.h"
+#include "platform/x11/main_loop.h"
+#include "tests/x11/private_display.h"
+#include "tests/x11/scratch.h"
+
+namespace keyvora::x11 {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileWatchTest : public testing::Test {
+ protected:
+  FileWatchTest() { writeFile(file, "first"); }
+
+  void watch() {
+    source = files.watch(file, [this] { ++notified; });
+  }
+
+  /// Runs the loop until everything that is under way has been delivered: a second watch, on a file of its
+  /// own, hears of a later change.
+  void settle() {
+    const auto marker = scratch.path() / "marker";
+    writeFile(marker, "");
+    bool heard = false;
+    const auto other = files.watch(marker, [&heard] { heard = true; });
+    writeFile(marker, "changed");
+    ASSERT_TRUE(runUntil([&heard] { return heard; }));
+    bool passed = false;
+    loop.after({}, [&passed] { passed = true; });
+    ASSERT_TRUE(runUntil([&passed] { return passed; }));
+  }
+
+  bool awaitNotification() {
+    return runUntil([this] { return notified > 0; });
+  }
+
+  void replaceByRename(const std::string& text) const {
+    writeFile(scratch.path() / "new", text);
+    fs::rename(scratch.path() / "new", file);
+  }
+
+  ScratchDirectory scratch;
+  fs::path file = scratch.path() / "mappings.json";
+  MainLoop loop;
+  FileSystem files{loop};
+  int notified = 0;
+  std::unique_ptr<platform::FileWatch> source;
+};
+
+TEST_F(FileWatchTest, AMissingFileCannotBeWatched) {
+  file = scratch.path() / "missing";
+  watch();
+  EXPECT_EQ(source, nullptr);
+}
+
+TEST_F(FileWatchTest, SavingInPlaceIsHeardAgainAndAgain) {
+  watch();
+  for (int time = 0; time < 3; ++time) {
+    notified = 0;
+    writeFile(file, "save " + std::to_string(time));
+    ASSERT_TRUE(awaitNotification());
+    settle();
+  }
+}
+
+TEST_F(FileWatchTest, ABurstThatIsReadAtOnceIsOneNotification) {
+  watch();
+  for (int time = 0; time < 50; ++time) writeFile(file, "save " + std::to_string(time));
+  ASSERT_TRUE(awaitNotification());
+  settle();
+  EXPECT_EQ(notified, 1);
+}
+
+TEST_F(FileWatchTest, TruncationIsAWrite) {
+  watch();
+  fs::resize_file(file, 0);
+  EXPECT_TRUE(awaitNotification());
+}
+
+struct Departure {
+  const char* name;
+  void (*happen)(const fs::path& file);
+};
+
+void PrintTo(const Departure& departure, std::ostream* stream) {
+  *stream << departure.name;
+}
+
+/// The ways in which a path loses its file.
+class DepartureTest : public FileWatchTest, public testing::WithParamInterface<Departure> {
+ protected:
+  void expectOneNotificationAndThenNone() {
+    watch();
+    GetParam().happen(file);
+    ASSERT_TRUE(awaitNotification());
+    settle();
+    EXPECT_EQ(notified, 1);
+
+    writeFile(file, "whatever has its name now");
+    fs::remove(file);
+    settle();
+    EXPECT_EQ(notified, 1) << "the watch stays with the file that is gone";
+  }
+};
+
+TEST_P(DepartureTest, IsHeardOnce) {
+  expectOneNotificationAndThenNone();
+}
+
+TEST_P(DepartureTest, IsHeardOnceWhileAProcessHasTheFileOpen) {
+  const posix::FileDescriptor held(open(file.c_str(), O_RDWR | O_CLOEXEC));
+  expectOneNotificationAndThenNone();
+  EXPECT_EQ(write(held.number(), "x", 1), 1);
+  settle();
+  EXPECT_EQ(notified, 1);
+}
+
+TEST_P(DepartureTest, IsHeardOnceOfAFileWithAnotherHardLink) {
+  fs::create_hard_link(file, scratch.path() / "link");
+  expectOneNotificationAndThenNone();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    FileWatch, DepartureTest,
+    testing::Values(Departure{"Deletion", [](const fs::path& file) { fs::remove(file); }},
+                    Departure{"Renaming",
+                              [](const fs::path& file) { fs::rename(file, file.string() + "~"); }},
+                    Departure{"Replacement",
+                              [](const fs::path& file) {
+                                writeFile(file.string() + ".new", "second");
+                                fs::rename(file.string() + ".new", file);
+                              }}),
+    [](const auto& tested) { return tested.param.name; });
+
+TEST_F(FileWatchTest, ChangedAttributesAreNoNews) {
+  watch();
+  fs::permissions(file, fs::perms::owner_all);
+  timespec times[2] = {{1, 0}, {1, 0}};
+  utimensat(AT_FDCWD, file.c_str(), times, 0);
+  fs::create_hard_link(file, scratch.path() / "link");
+  readFile(file);
+  settle();
+  EXPECT_EQ(notified, 0);
+  fs::remove(scratch.path() / "link");
+  EXPECT_TRUE(awaitNotification()) << "a deletion of the file by another of its names";
+}
+
+TEST_F(FileWatchTest, ASymbolicLinkIsFollowed) {
+  const auto target = scratch.path() / "dotfiles" / "mappings.json";
+  writeFile(target, "first");
+  fs::remove(file);
+  fs::create_symlink(target, file);
+  watch();
+  writeFile(target, "second");
+  ASSERT_TRUE(awaitNotification());
+  settle();
+  notified = 0;
+  fs::permissions(target, fs::perms::owner_all);
+  settle();
+  EXPECT_EQ(notified, 0);
+  writeFile(target.string() + ".new", "third");
+  fs::rename(target.string() + ".new", target);
+  EXPECT_TRUE(awaitNotification());
+}
+
+TEST_F(FileWatchTest, NothingIsHeardAfterItIsCancelled) {
+  watch();
+  writeFile(file, "second");
+  source->cancel();
+  source->cancel();
+  settle();
+  watch();
+  writeFile(file, "third");
+  source.reset();
+  settle();
+  EXPECT_EQ(notified, 0);
+}
+
+TEST_F(FileWatchTest, AHandlerMayCancelAndDestroyItsWatch) {
+  source = files.watch(file, [this] {
+    ++notified;
+    source->cancel();
+    source.reset();
+    ++notified;
+  });
+  writeFile(file, "second");
+  ASSERT_TRUE(awaitNotification());
+  settle();
+  EXPECT_EQ(notified, 2);
+}
+
+TEST_F(FileWatchTest, AnUnchangedFileIsNoNewsForANewWatch) {
+  files.read(file);
+  watch();
+  settle();
+  EXPECT_EQ(notified, 0);
+}
+
+TEST_F(FileWatchTest, AReplacementBetweenReadingAndWatchingIsHeard) {
+  files.read(file);
+  replaceByRename("2nd..");
+  watch();
+  EXPECT_EQ(notified, 0) << "not from within the call";
+  ASSERT_TRUE(awaitNotification());
+  files.read(file);
+  watch();
+  settle();
+  EXPECT_EQ(notified, 1);
+}
+
+TEST_F(FileWatchTest, AWriteThatACancelledWatchWasAboutToReportIsHeard) {
+  watch();
+  files.read(file);
+  writeFile(file, "2nd..");  // perhaps too soon for the file system's clock to tell
+  source->cancel();
+  watch();
+  EXPECT_TRUE(awaitNotification());
+}
+
+TEST_F(FileWatchTest, WatchesLeaveNoFilesOpen) {
+  watch();  // the loop opens a file of its own for its first source
+  source.reset();
+  const auto before = openFiles();
+  for (int time = 0; time < 10; ++time) watch();
+  source.reset();
+  EXPECT_EQ(openFiles(), before);
+}
+
+TEST_F(FileWatchTest, TheUsersDirectoriesAreUnderHome) {
+  const Variable home("HOME", "/home/somebody");
+  EXPECT_EQ(files.libraryDirectory(), "/home/somebody/Library");
+  EXPECT_EQ(files.applicationSupportDirectory(), "/home/somebody/Library/Application Support");
+}
+
+TEST_F(FileWatchTest, WithoutHomeTheUsersPasswordEntrySaysWhereTheyAre) {
+  std::optional<fs::path> expected;
+  {
+    const Variable home("HOME", std::nullopt);
+    expected = files.libraryDirectory();
+  }
+  ASSERT_TRUE(expected);
+  EXPECT_TRUE(expected->is_absolute());
+  EXPECT_EQ(expected->filename(), "Library");
+  const Variable relative("HOME", "not/absolute");
+  EXPECT_EQ(files.libraryDirectory(), expected);
+}
+
+}  // namespace
+}  // namespace keyvora::x11

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/keyboard.h"
+#include "platform/x11/applications/applications.h"
+#include "platform/x11/keyboard/keyboard.h"
+#include "tests/x11/keyboard/client_window.h"
+#include "tests/x11/keyboard/typist.h"
+#include "tests/x11/private_display.h"
+
+namespace keyvora::x11 {
+
+/// The keys that the tests type, by their place on the ANSI keyboard.
+namespace key {
+inline constexpr std::uint16_t a = 0, s = 1, d = 2, f = 3, h = 4, b = 11, q = 12, w = 13, escape = 53,
+                               command = 55, shift = 56, option = 58, rightOption = 61, tab = 48, one = 18;
+}
+
+inline constexpr std::uint64_t keyEvents = 0x1C00;
+
+/// A handler in the manner of the one that the tap is made for: a lone Option tap in the target arms it, then
+/// it swallows `lettersWanted` key presses (or Escape, which ends it), then it lets all pass again.
+class Catcher {
+ public:
+  explicit Catcher(Applications& applications, std::size_t lettersWanted = 2)
+      : applications_(&applications), lettersWanted_(lettersWanted) {}
+
+  platform::Verdict operator()(const platform::KeyEvent& event);
+
+  bool armed = false;
+  /// How often it was armed.
+  int armings = 0;
+  /// All that was shown.
+  std::vector<platform::KeyEvent> shown;
+  /// The keys that were swallowed.
+  std::vector<std::uint16_t> caught;
+
+ private:
+  Applications* applications_;
+  std::size_t lettersWanted_;
+  std::size_t lettersCaught_ = 0;
+  bool optionAlone_ = false;
+};
+
+/// A desktop with one window of the target in front, a tap on it and a user at the keyboard.
+class EventTapTest : public testing::Test {
+ protected:
+  EventTapTest();
+
+  /// Makes a tap with this handler, and enables it.
+  void tapWith(platform::TapHandler handler);
+  void tapWithCatcher() {
+    tapWith([this](const platform::KeyEvent& event) { return catcher(event); });
+  }
+
+  /// Runs the main loop until the target got as many key presses as these, and compares them.
+  void expectPressed(const std::vector<std::uint16_t>& expected, const ClientWindow& window);
+  void expectPressed(const std::vector<std::uint16_t>& expected) { expectPressed(expected, target); }
+
+  /// Runs the main loop until nothing has arrived for a moment: what a test says did not come had its time.
+  void settle();
+
+  /// Waits until the tap that `tapWith` made has done what it was told, and knows of all that happened so
+  /// far.
+  bool awaitTap();
+
+  /// Waits until nothing stands in the way of a new tap.
+  bool awaitTapPossible();
+
+  PrivateDisplay display;
+  Applications applications{display.name()};
+  Keyboard keyboard{display.name()};
+  ClientWindow target{display.name(), {}};
+  Typist user{display.name(), Typist::Device::hardware};
+  Catcher catcher{applications};
+  std::unique_ptr<platform::EventTap> tap;
+
+ private:
+  /// The user data of keys that no test is about.
+  static constexpr std::int64_t sentinelMark = 77;
+  std::unique_ptr<platform::EventSource> sentinelSource = keyboard.createSource();
+  int sentinelsSeen = 0;
+};
+
+}  // namespace keyvora::x11

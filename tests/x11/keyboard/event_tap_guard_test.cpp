@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <utility>
+
+#include "platform/x11/display.h"
+#include "platform/x11/keyboard/key_devices.h"
+#include "platform/x11/keyboard/key_grabs.h"
+#include "platform/x11/keyboard/key_map.h"
+#include "platform/x11/keyboard/pending_verdict.h"
+#include "tests/x11/keyboard/event_tap_fixture.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using platform::KeyEvent;
+using platform::Verdict;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using Clock = std::chrono::steady_clock;
+using Keys = std::vector<std::uint16_t>;
+
+using EventTapGuardTest = EventTapTest;
+
+TEST_F(EventTapGuardTest, AStalledVerdictHoldsTheKeyboardForASecondAndThenAllWorksAgain) {
+  bool stall = true;
+  int disabled = 0;
+  tapWith([&](const KeyEvent& event) {
+    if (event.type == platform::event_type::tapDisabledByTimeout) {
+      ++disabled;
+      tap->enable();
+      return Verdict::pass;
+    }
+    if (event.keyCode == key::h && std::exchange(stall, false)) std::this_thread::sleep_for(seconds(3));
+    return catcher(event);
+  });
+  const auto typed = Clock::now();
+  user.tap({key::option, key::h, key::a, key::b});
+  expectPressed({key::option, key::h, key::a, key::b});
+  for (const auto& key : target.received()) {
+    EXPECT_LT(key.at - typed, milliseconds(1500)) << key.keyCode;
+    if (key.keyCode == key::h && key.down) {
+      EXPECT_GT(key.at - typed, milliseconds(900));
+    }
+  }
+  EXPECT_EQ(disabled, 1);
+  ASSERT_TRUE(awaitTap());
+
+  catcher = Catcher(applications);
+  user.tap({key::option, key::h, key::f, key::a});
+  expectPressed({key::option, key::h, key::a, key::b, key::option, key::a});
+  EXPECT_EQ(catcher.caught, (Keys{key::h, key::f})) << "enabling grabs again";
+  EXPECT_EQ(disabled, 1);
+}
+
+TEST_F(EventTapGuardTest, ATapThatWaitsForLettersStillDoesAfterATimeOut) {
+  int disabled = 0;
+  tapWith([&](const KeyEvent& event) {
+    if (event.type == platform::event_type::tapDisabledByTimeout) {
+      ++disabled;
+      tap->enable();
+      return Verdict::pass;
+    }
+    return catcher(event);
+  });
+  user.tap({key::option});
+  ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
+  user.tap({key::h});
+  std::this_thread::sleep_for(milliseconds(1300));  // the main loop does not run: that is the stall
+  ASSERT_TRUE(runUntil([&] { return disabled == 1; }));
+  ASSERT_TRUE(awaitTap());
+  EXPECT_EQ(target.pressed(), (Keys{key::option, key::h})) << "the late key went through";
+  EXPECT_TRUE(catcher.caught.empty()) << "and was never shown late";
+  user.tap({key::f});
+  ASSERT_TRUE(runUntil([&] { return !catcher.caught.empty(); }));
+  EXPECT_EQ(catcher.caught, Keys{key::f});
+}
+
+TEST_F(EventTapGuardTest, AnActionInsideTheHandlerHoldsNothingBack) {
+  tapWith([&](const KeyEvent& event) {
+    const auto verdict = catcher(event);
+    if (verdict == Verdict::swallow && event.keyCode == key::f) {
+      settlePendingVerdict();
+      std::this_thread::sleep_for(milliseconds(600));
+    }
+    return verdict;
+  });
+  user.tap({key::option, key::h});
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 1; }));
+  user.press(key::f);
+  const auto pressed = Clock::now();
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 2; }));
+  user.release(key::f);
+  EXPECT_GT(Clock::now() - pressed, milliseconds(600)) << "the handler did act";
+  expectPressed({key::option});
+}
+
+TEST_F(EventTapGuardTest, TheKeyboardIsFreeWhileAnActionRuns) {
+  bool free = false;
+  tapWith([&](const KeyEvent& event) {
+    const auto verdict = catcher(event);
+    if (verdict == Verdict::swallow) {
+      settlePendingVerdict();
+      free = target.grabKeyboard();  // fails while the keyboard is frozen by someone else
+      target.ungrabKeyboard();
+    }
+    return verdict;
+  });
+  user.tap({key::option, key::h});
+  ASSERT_TRUE(runUntil([&] { return !catcher.caught.empty(); }));
+  EXPECT_TRUE(free);
+}
+
+TEST_F(EventTapGuardTest, ASecondTapIsRefusedUntilTheFirstIsGone) {
+  tapWithCatcher();
+  Keyboard other(display.name());
+  const auto pass = [](const KeyEvent&) { return Verdict::pass; };
+  EXPECT_EQ(other.createTap(keyEvents, pass), nullptr);
+  EXPECT_EQ(keyboard.createTap(keyEvents, pass), nullptr);
+  tap.reset();
+  EXPECT_NE(other.createTap(keyEvents, pass), nullptr);
+}
+
+TEST_F(EventTapGuardTest, ATapIsRefusedWhileAnotherProgramHasTheKeys) {
+  const auto pass = [](const KeyEvent&) { return Verdict::pass; };
+  {
+    const auto connection = Connection::open(display.name());
+    const KeyMap keys(connection->get());
+    KeyGrabs rival(connection->get(), findKeyDevices(connection->get())->master);
+    ASSERT_TRUE(rival.apply(KeyGrabs::Extent::everyKey, {target.window()}, keys));
+    EXPECT_EQ(keyboard.createTap(keyEvents, pass), nullptr);
+  }
+  EXPECT_TRUE(awaitTapPossible());
+}
+
+TEST_F(EventTapGuardTest, ATapThatIsGoneOrNeverEnabledLeavesTheKeyboardAlone) {
+  tap = keyboard.createTap(keyEvents, [](const KeyEvent&) { return Verdict::swallow; });
+  ASSERT_NE(tap, nullptr);
+  user.tap({key::option, key::a});
+  expectPressed({key::option, key::a});
+  tap->enable();
+  tap.reset();
+  user.tap({key::option, key::a});
+  expectPressed({key::option, key::a, key::option, key::a});
+}
+
+TEST_F(EventTapGuardTest, KillingAnArmedProgramLeavesAWorkingKeyboard) {
+  Child program({KEYVORA_TAP_PROCESS, display.name()}, {});
+  ASSERT_TRUE(runUntil([&] { return target.sentinels() > 0; }));
+  user.tap({key::option, key::a});
+  expectPressed({key::option});
+  program.kill();
+  EXPECT_TRUE(awaitTapPossible());
+  user.tap({key::a, key::option, key::b});
+  expectPressed({key::option, key::a, key::option, key::b});
+}
+
+}  // namespace
+}  // namespace keyvora::x11

@@ -1,0 +1,296 @@
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "platform/x11/keyboard/key_codes.h"
+#include "tests/x11/keyboard/event_tap_fixture.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using platform::KeyEvent;
+using platform::Verdict;
+using std::vector;
+using Keys = vector<std::uint16_t>;
+
+TEST_F(EventTapTest, LettersAfterALoneOptionTapAreSwallowedAndTheRestArrives) {
+  tapWithCatcher();
+  user.tap({key::option, key::h, key::f, key::a, key::b});
+  expectPressed({key::option, key::a, key::b});
+  EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
+}
+
+TEST_F(EventTapTest, EventsAreInTheTermsOfMacOS) {
+  tapWithCatcher();
+  user.tap({key::option, key::h});
+  user.chord({key::shift}, key::f);
+  runUntil([&] { return catcher.shown.size() == 8; });
+  using namespace platform::event_type;
+  using namespace platform::event_flag;
+  EXPECT_EQ(catcher.shown, (vector<KeyEvent>{{flagsChanged, key::option, option, 0},
+                                             {flagsChanged, key::option, 0, 0},
+                                             {keyDown, key::h, 0, 0},
+                                             {keyUp, key::h, 0, 0},
+                                             {flagsChanged, key::shift, shift, 0},
+                                             {keyDown, key::f, shift, 0},
+                                             {keyUp, key::f, shift, 0},
+                                             {flagsChanged, key::shift, 0, 0}}));
+}
+
+TEST_F(EventTapTest, OnlyEventsOfTheMaskAreShown) {
+  vector<KeyEvent> shown;
+  tap = keyboard.createTap(1U << platform::event_type::keyDown, [&](const KeyEvent& event) {
+    shown.push_back(event);
+    return Verdict::pass;
+  });
+  ASSERT_NE(tap, nullptr);
+  tap->enable();
+  // A key goes through the tap's thread behind the enabling; its press is of the wanted type.
+  keyboard.createEvent(nullptr, sentinelKey, true)->postToHardware();
+  keyboard.createEvent(nullptr, sentinelKey, false)->postToHardware();
+  ASSERT_TRUE(runUntil([&] { return shown.size() == 1; }));
+  shown.clear();
+  user.tap({key::option, key::h});
+  expectPressed({key::option, key::h});
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_EQ(shown.front().keyCode, key::h);
+}
+
+TEST_F(EventTapTest, ReleasesOfSwallowedKeysArrive) {
+  tapWithCatcher();
+  user.tap({key::option, key::h});
+  ASSERT_TRUE(runUntil([&] { return target.received().size() == 3; }));
+  EXPECT_EQ(target.received().back().keyCode, key::h);
+  EXPECT_FALSE(target.received().back().down);
+}
+
+TEST_F(EventTapTest, OrdinaryTypingIsNotHeldBack) {
+  tapWithCatcher();
+  user.tap({key::a, key::b});
+  expectPressed({key::a, key::b});
+  for (const auto& event : catcher.shown)
+    EXPECT_EQ(event.keyCode, unknownKey) << "only told of, without its code";
+  EXPECT_EQ(catcher.shown.size(), 4U);
+}
+
+TEST_F(EventTapTest, BurstsLoseAndLeakNothing) {
+  constexpr int bursts = 300;
+  tapWithCatcher();
+  Keys expected;
+  Keys caught;
+  for (int i = 0; i < bursts; ++i) {
+    user.tap({key::option, key::h, key::f, key::a, key::b});
+    expected.insert(expected.end(), {key::option, key::a, key::b});
+    caught.insert(caught.end(), {key::h, key::f});
+  }
+  expectPressed(expected);
+  EXPECT_EQ(catcher.caught, caught);
+  EXPECT_EQ(catcher.armings, bursts);
+}
+
+TEST_F(EventTapTest, BurstsSurviveASlowHandler) {
+  constexpr int bursts = 40;
+  tapWith([this](const KeyEvent& event) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    return catcher(event);
+  });
+  Keys expected;
+  for (int i = 0; i < bursts; ++i) {
+    user.tap({key::option, key::h, key::f, key::a, key::b});
+    expected.insert(expected.end(), {key::option, key::a, key::b});
+  }
+  expectPressed(expected);
+  EXPECT_EQ(catcher.armings, bursts);
+}
+
+TEST_F(EventTapTest, ASecondTypistLosesNothing) {
+  constexpr int rounds = 100;
+  tapWithCatcher();
+  Typist other(display.name(), Typist::Device::xtest);
+  std::thread typing([&] {
+    for (int i = 0; i < rounds; ++i) other.tap({key::d, key::s});
+  });
+  for (int i = 0; i < rounds; ++i) user.tap({key::option, key::h, key::f, key::a});
+  typing.join();
+  // Whose letters are swallowed depends on how the two mix; that none is lost or doubled does not.
+  const auto total = [&] { return target.pressed().size() + catcher.caught.size(); };
+  EXPECT_TRUE(runUntil([&] { return total() == std::size_t(6 * rounds); })) << total();
+  settle();
+  EXPECT_EQ(total(), std::size_t(6 * rounds));
+  auto all = target.pressed();
+  all.insert(all.end(), catcher.caught.begin(), catcher.caught.end());
+  for (const auto key : {key::option, key::h, key::f, key::a, key::d, key::s}) {
+    EXPECT_EQ(std::ranges::count(all, key), rounds) << key;
+  }
+}
+
+TEST_F(EventTapTest, RolledOverKeysKeepTheirOrder) {
+  tapWithCatcher();
+  user.press(key::option);
+  user.release(key::option);
+  user.press(key::h);
+  user.press(key::f);
+  user.release(key::h);
+  user.press(key::a);
+  user.release(key::f);
+  user.press(key::b);
+  user.release(key::a);
+  user.release(key::b);
+  expectPressed({key::option, key::a, key::b});
+  EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
+}
+
+TEST_F(EventTapTest, RepeatedKeysAreSwallowedLikeTheFirst) {
+  Catcher three(applications, 3);
+  tapWith([&](const KeyEvent& event) { return three(event); });
+  user.tap({key::option});
+  user.press(key::h);
+  ASSERT_TRUE(runUntil([&] { return three.caught.size() == 3; }));
+  ASSERT_TRUE(runUntil([&] { return target.pressed().size() > 1; }))
+      << "the next repetition is not held back";
+  user.release(key::h);
+  settle();
+  EXPECT_EQ(three.caught, (Keys{key::h, key::h, key::h}));
+  const auto pressed = target.pressed();
+  EXPECT_TRUE(std::all_of(pressed.begin() + 1, pressed.end(), [](auto code) { return code == key::h; }));
+}
+
+TEST_F(EventTapTest, OptionWithALetterIsTheApplications) {
+  tapWithCatcher();
+  user.chord({key::option}, key::h);
+  user.tap({key::f});
+  expectPressed({key::option, key::h, key::f});
+  EXPECT_EQ(catcher.armings, 0);
+}
+
+TEST_F(EventTapTest, OptionWithShiftDoesNotArm) {
+  tapWithCatcher();
+  user.chord({key::option}, key::shift);
+  user.tap({key::h});
+  expectPressed({key::option, key::shift, key::h});
+  EXPECT_EQ(catcher.armings, 0);
+}
+
+TEST_F(EventTapTest, EitherOptionKeyArms) {
+  tapWithCatcher();
+  user.tap({key::rightOption, key::h, key::f, key::a});
+  expectPressed({key::rightOption, key::a});
+  EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
+}
+
+TEST_F(EventTapTest, ThirdLevelCharactersAreNeverSwallowed) {
+  display.setLayout("de");
+  tapWithCatcher();
+  user.tap({key::option});
+  user.chord({key::rightOption}, key::q);
+  user.tap({key::h});
+  expectPressed({key::option, key::rightOption, key::q});
+  const auto received = target.received();
+  const auto at = std::ranges::find(received, key::q, &ReceivedKey::keyCode);
+  ASSERT_NE(at, received.end());
+  EXPECT_EQ(at->symbol, unsigned(XK_at));
+  EXPECT_EQ(catcher.caught, Keys{key::h}) << "it stays armed";
+}
+
+TEST_F(EventTapTest, KeysAreTakenByTheirPlaceUnderAnyLayout) {
+  tapWithCatcher();
+  Keys expected;
+  for (const auto& [layout, variant] :
+       std::initializer_list<std::pair<const char*, const char*>>{{"fr", ""}, {"de", ""}, {"us", "dvorak"}}) {
+    display.setLayout(layout, variant);
+    Typist typist(display.name(), Typist::Device::hardware);
+    catcher.caught.clear();
+    typist.tap({key::option, key::h, key::q, key::a});
+    expected.insert(expected.end(), {key::option, key::a});
+    expectPressed(expected);
+    EXPECT_EQ(catcher.caught, (Keys{key::h, key::q})) << layout << variant;
+  }
+}
+
+TEST_F(EventTapTest, AReleaseWithoutAPressIsNone) {
+  tapWithCatcher();
+  user.press(key::option);
+  user.release(key::option);
+  user.release(key::option);
+  ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
+  ASSERT_TRUE(awaitTap());
+  EXPECT_EQ(catcher.shown.size(), 2U);
+  EXPECT_TRUE(catcher.armed);
+}
+
+TEST_F(EventTapTest, WhileTheApplicationHasTheKeyboardNothingArmsOrIsSwallowed) {
+  tapWithCatcher();
+  ASSERT_TRUE(target.grabKeyboard());
+  user.tap({key::option, key::h});
+  expectPressed({key::option, key::h});
+  EXPECT_EQ(catcher.armings, 0);
+
+  target.ungrabKeyboard();
+  user.tap({key::option});
+  ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
+  ASSERT_TRUE(target.grabKeyboard());
+  user.tap({key::h});
+  expectPressed({key::option, key::h, key::option, key::h});
+  EXPECT_FALSE(catcher.armed);
+  EXPECT_TRUE(catcher.caught.empty());
+}
+
+TEST_F(EventTapTest, TypingElsewhereIsToldAndDisarms) {
+  tapWithCatcher();
+  ClientWindow elsewhere(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
+  ASSERT_TRUE(elsewhere.awaitFocus());
+  ASSERT_TRUE(target.activate());
+  user.tap({key::option});
+  ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
+  ASSERT_TRUE(elsewhere.activate());
+  user.tap({key::h});
+  expectPressed({key::h}, elsewhere);
+  EXPECT_FALSE(catcher.armed);
+  EXPECT_EQ(catcher.shown.back().keyCode, unknownKey) << "what is typed elsewhere is nobody's business";
+}
+
+TEST_F(EventTapTest, WindowsAndDialogsAreTappedAsTheyComeAndGo) {
+  tapWithCatcher();
+  {
+    ClientWindow dialog(display.name(), {.transientFor = target.window()});
+    ASSERT_TRUE(dialog.awaitFocus());
+    ASSERT_TRUE(awaitTap());
+    user.tap({key::option, key::h, key::f, key::a});
+    expectPressed({key::option, key::a}, dialog);
+  }
+  ASSERT_TRUE(target.awaitFocus());
+  ASSERT_TRUE(awaitTap());
+  user.tap({key::option, key::h, key::f, key::b});
+  expectPressed({key::option, key::b});
+  EXPECT_EQ(catcher.caught, (Keys{key::h, key::f, key::h, key::f}));
+}
+
+TEST_F(EventTapTest, TheWindowManagersShortcutsWork) {
+  tapWithCatcher();
+  ClientWindow other(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
+  ASSERT_TRUE(other.awaitFocus());
+  ASSERT_TRUE(target.activate());
+  user.press(key::option);
+  user.tap({key::tab});
+  settle();  // the window manager follows the keys with a grab of its own, which takes a moment
+  user.release(key::option);
+  EXPECT_TRUE(other.awaitFocus());
+  EXPECT_EQ(catcher.armings, 0);
+}
+
+TEST_F(EventTapTest, ARestartOfTheWindowManagerIsSurvived) {
+  tapWithCatcher();
+  display.endWindowManager();
+  display.startWindowManager();
+  ASSERT_TRUE(target.activate());
+  ASSERT_TRUE(awaitTap());
+  user.tap({key::option, key::h, key::f, key::a});
+  expectPressed({key::option, key::a});
+  EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
+}
+
+}  // namespace
+}  // namespace keyvora::x11

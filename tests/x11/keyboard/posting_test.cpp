@@ -1,0 +1,208 @@
+#include <gtest/gtest.h>
+
+#include <X11/X.h>
+
+#include <algorithm>
+#include <thread>
+#include <tuple>
+
+#include "platform/x11/keyboard/key_codes.h"
+#include "tests/x11/keyboard/event_tap_fixture.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using platform::KeyEvent;
+using platform::Verdict;
+using namespace platform::event_flag;
+namespace event_type = platform::event_type;
+using Keys = std::vector<std::uint16_t>;
+
+constexpr std::int64_t marker = 0x5E7A91C3;
+constexpr platform::ProcessIdentifier targetProcess = 4711;
+
+class PostingTest : public EventTapTest {
+ protected:
+  PostingTest() { source->setUserData(marker); }
+
+  std::unique_ptr<platform::SyntheticEvent> event(std::uint16_t keyCode, bool down, std::uint64_t flags = 0) {
+    auto made = keyboard.createEvent(source.get(), keyCode, down);
+    EXPECT_NE(made, nullptr);
+    made->setFlags(flags);
+    return made;
+  }
+
+  /// What a window got, without when.
+  static std::vector<std::tuple<std::uint16_t, bool, unsigned>> strokes(const ClientWindow& window) {
+    std::vector<std::tuple<std::uint16_t, bool, unsigned>> all;
+    for (const auto& key : window.received()) all.emplace_back(key.keyCode, key.down, key.state);
+    return all;
+  }
+
+  std::unique_ptr<platform::EventSource> source = keyboard.createSource();
+};
+
+TEST_F(PostingTest, AKeyReachesTheProcessWithItsModifiers) {
+  event(key::one, true, command | shift)->postTo(targetProcess);
+  event(key::one, false, command | shift)->postTo(targetProcess);
+  ASSERT_TRUE(runUntil([&] { return target.received().size() == 2; }));
+  const unsigned state = ControlMask | ShiftMask;
+  EXPECT_EQ(strokes(target), (decltype(strokes(target)){{key::one, true, state}, {key::one, false, state}}));
+  EXPECT_TRUE(target.received().front().wasSent);
+}
+
+TEST_F(PostingTest, ModifierChangesCarryTheStateBeforeThem) {
+  struct Step {
+    std::uint16_t keyCode;
+    bool down;
+    std::uint64_t flags;
+  };
+  for (const auto& step : std::initializer_list<Step>{{key::shift, true, shift},
+                                                      {key::option, true, shift | option},
+                                                      {key::option, false, shift},
+                                                      {key::shift, false, 0}}) {
+    const auto made = event(step.keyCode, step.down);
+    made->setType(event_type::flagsChanged);
+    made->setFlags(step.flags);
+    made->postTo(targetProcess);
+  }
+  ASSERT_TRUE(runUntil([&] { return target.received().size() == 4; }));
+  EXPECT_EQ(strokes(target), (decltype(strokes(target)){{key::shift, true, 0},
+                                                        {key::option, true, ShiftMask},
+                                                        {key::option, false, ShiftMask | Mod1Mask},
+                                                        {key::shift, false, ShiftMask}}));
+}
+
+TEST_F(PostingTest, KeysSentToAProcessAreInvisibleToTheTap) {
+  tapWithCatcher();
+  event(key::option, true)->postTo(targetProcess);
+  event(key::option, false)->postTo(targetProcess);
+  event(key::h, true)->postTo(targetProcess);
+  expectPressed({key::option, key::h});
+  EXPECT_TRUE(catcher.shown.empty());
+}
+
+TEST_F(PostingTest, EachKeyGoesToTheWindowThatIsActiveByThen) {
+  event(key::a, true)->postTo(targetProcess);
+  ClientWindow dialog(display.name(), {.transientFor = target.window()});
+  ASSERT_TRUE(dialog.awaitFocus());
+  event(key::b, true)->postTo(targetProcess);
+  expectPressed({key::b}, dialog);
+  EXPECT_EQ(target.pressed(), Keys{key::a});
+}
+
+TEST_F(PostingTest, AProcessInTheBackgroundGetsItsKeysInItsTopmostWindow) {
+  ClientWindow second(display.name(), {});
+  ASSERT_TRUE(second.awaitFocus());
+  ClientWindow elsewhere(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
+  ASSERT_TRUE(elsewhere.awaitFocus());
+  event(key::a, true)->postTo(targetProcess);
+  expectPressed({key::a}, second);
+  EXPECT_TRUE(target.pressed().empty());
+  EXPECT_TRUE(elsewhere.pressed().empty());
+}
+
+TEST_F(PostingTest, AWindowOfAnotherApplicationInTheSameProcessIsNotMeant) {
+  ClientWindow writer(display.name(), {.instanceName = "libreoffice", .className = "libreoffice-writer"});
+  ASSERT_TRUE(writer.awaitFocus());
+  event(key::a, true)->postTo(targetProcess);
+  expectPressed({key::a});
+  EXPECT_TRUE(writer.pressed().empty());
+}
+
+TEST_F(PostingTest, AProcessWithoutAWindowGetsNothing) {
+  event(key::a, true)->postTo(12345);
+  event(key::b, true)->postTo(targetProcess);
+  expectPressed({key::b});
+}
+
+TEST_F(PostingTest, AKeyThatTheKeyboardLacksCannotBeMade) {
+  EXPECT_EQ(keyboard.createEvent(source.get(), 0xFFFF, true), nullptr);
+  EXPECT_EQ(keyboard.createEvent(source.get(), 127, true), nullptr);
+  EXPECT_EQ(keyboard.createEvent(nullptr, 0x1000, false), nullptr);
+}
+
+TEST_F(PostingTest, KeysAtTheHardwareLevelReachTheFocusAndCarryTheMarker) {
+  std::vector<KeyEvent> all;
+  tapWith([&](const KeyEvent& shown) {
+    all.push_back(shown);
+    return Verdict::pass;
+  });
+  all.clear();
+  user.tap({key::option});
+  ASSERT_TRUE(runUntil([&] { return all.size() == 2; }));
+  event(key::b, true, shift)->postToHardware();
+  event(key::b, false, shift)->postToHardware();
+  expectPressed({key::option, key::shift, key::b});
+  EXPECT_EQ(all, (std::vector<KeyEvent>{{event_type::flagsChanged, key::option, option, 0},
+                                        {event_type::flagsChanged, key::option, 0, 0},
+                                        {event_type::flagsChanged, key::shift, shift, marker},
+                                        {event_type::keyDown, key::b, shift, marker},
+                                        {event_type::flagsChanged, key::shift, shift, marker},
+                                        {event_type::keyUp, key::b, shift, marker}}));
+}
+
+TEST_F(PostingTest, OwnKeysAreToldFromThoseOfOtherProgramsAndOfTheUser) {
+  constexpr int rounds = 60;
+  int own = 0;
+  int foreign = 0;
+  tapWith([&](const KeyEvent& event) {
+    if (event.type == event_type::keyDown) ++(event.userData == marker ? own : foreign);
+    return Verdict::pass;
+  });
+  own = foreign = 0;
+  Typist other(display.name(), Typist::Device::xtest);
+  std::thread typing([&] {
+    for (int i = 0; i < rounds; ++i) other.tap({key::d});
+  });
+  std::thread posting([&] {
+    for (int i = 0; i < rounds; ++i) {
+      event(key::s, true)->postToHardware();
+      event(key::s, false)->postToHardware();
+    }
+  });
+  for (int i = 0; i < rounds; ++i) user.tap({key::option, key::a});
+  EXPECT_TRUE(runUntil([&] { return target.pressed().size() == std::size_t(4 * rounds); }));
+  typing.join();
+  posting.join();
+  settle();
+  const auto pressed = target.pressed();
+  EXPECT_EQ(std::ranges::count(pressed, key::s), rounds);
+  EXPECT_EQ(std::ranges::count(pressed, key::d), rounds);
+  EXPECT_EQ(std::ranges::count(pressed, key::a), rounds);
+  EXPECT_EQ(own, rounds);
+  EXPECT_EQ(foreign, 2 * rounds);
+}
+
+TEST_F(PostingTest, WithoutATapKeysAtTheHardwareLevelStillArrive) {
+  event(key::a, true, command)->postToHardware();
+  event(key::a, false, command)->postToHardware();
+  ASSERT_TRUE(runUntil([&] { return target.received().size() == 4; }));
+  EXPECT_EQ(target.pressed(), (Keys{key::command, key::a}));
+  EXPECT_EQ(target.received()[1].state, unsigned(ControlMask));
+}
+
+TEST_F(PostingTest, PostingInsideTheHandlerComesAfterTheSwallowedKeyAndDoesNotWait) {
+  tapWith([&](const KeyEvent& shown) {
+    const auto verdict = catcher(shown);
+    if (verdict == Verdict::swallow) {
+      const auto start = std::chrono::steady_clock::now();
+      event(key::one, true, command)->postTo(targetProcess);
+      event(key::one, false, command)->postTo(targetProcess);
+      EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+    }
+    return verdict;
+  });
+  user.tap({key::option, key::h});
+  expectPressed({key::option, key::one});
+}
+
+TEST(Posting, WithoutADisplayNothingCanBeMade) {
+  Keyboard keyboard(":4711");
+  EXPECT_EQ(keyboard.createSource(), nullptr);
+  EXPECT_EQ(keyboard.createEvent(nullptr, 0, true), nullptr);
+  EXPECT_EQ(keyboard.createTap(keyEvents, [](const KeyEvent&) { return Verdict::pass; }), nullptr);
+}
+
+}  // namespace
+}  // namespace keyvora::x11

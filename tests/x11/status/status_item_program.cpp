@@ -1,0 +1,129 @@
+// Shows a status item on the display that DISPLAY names, as standard input tells it to, line by line:
+//
+//   title TEXT   sets the title
+//   menu NAME    sets one of the menus below
+//   click        clicks the item as an assistive tool does
+//   draws        prints how often the item was drawn since this was first asked
+//   timer        starts a timer in the default mode, which prints "tick"
+//   destroy      takes the item away
+//
+// Prints "ready" at its start and after each line, and what its menus' commands are when they are chosen.
+
+#include <gtk/gtk.h>
+#include <gtk/gtkx.h>
+#include <unistd.h>
+
+#include <iostream>
+#include <map>
+
+#include "platform/posix/posix_console.h"
+#include "platform/x11/glib_source.h"
+#include "platform/x11/status/status_bar.h"
+#include "platform/x11/toolkit.h"
+
+namespace {
+
+using namespace keyvora;
+
+void say(const std::string& line) {
+  std::cout << line << std::endl;
+}
+
+platform::MenuRow row(const std::string& title, char key, bool enabled, bool checked = false) {
+  platform::MenuRow made;
+  made.title = title;
+  made.keyEquivalent = key;
+  made.checked = checked;
+  if (enabled) made.action = [title] { say("chose " + title); };
+  return made;
+}
+
+const std::map<std::string, platform::Menu>& menus() {
+  static const std::map<std::string, platform::Menu> made{
+      {"first",
+       {{row("12 sequences, ready", 0, false), platform::MenuRow::separator(),
+         row("Edit mappings.json", 'e', true), row("Reload_mappings", 'r', true),
+         row("Launch at Login", 0, true, true), platform::MenuRow::separator(),
+         row("Quit keyvora", 'q', true)}}},
+      {"second", {{row("13 sequences, ready", 0, false), row("Edit mappings.json", 'e', true)}}},
+      {"long",
+       {{row("mappings.json: " + std::string(40, 'x') + " " + std::string(500, 'y') + " end \xFF", 0, false),
+         row("Edit mappings.json", 'e', true)}}},
+  };
+  return made;
+}
+
+/// The item's window in the tray.
+GtkWidget* plug() {
+  GtkWidget* found = nullptr;
+  GList* windows = gtk_window_list_toplevels();
+  for (GList* at = windows; at != nullptr; at = at->next) {
+    if (GTK_IS_PLUG(at->data)) found = GTK_WIDGET(at->data);
+  }
+  g_list_free(windows);
+  return found;
+}
+
+/// How often the item was drawn since this was first asked.
+int draws() {
+  static int count = -1;
+  const auto drawn = +[]() -> gboolean {
+    ++count;
+    return FALSE;
+  };
+  if (count < 0) {
+    count = 0;
+    g_signal_connect(plug(), "draw", G_CALLBACK(drawn), nullptr);
+  }
+  return count;
+}
+
+class Program {
+ public:
+  void obey(const std::string& line) {
+    const auto space = line.find(' ');
+    const auto verb = line.substr(0, space);
+    const auto rest = space == std::string::npos ? "" : line.substr(space + 1);
+    if (verb == "title") {
+      item_->setTitle(rest);
+    } else if (verb == "menu") {
+      item_->setMenu(menus().at(rest));
+    } else if (verb == "draws") {
+      say(std::to_string(draws()));
+    } else if (verb == "click") {
+      gtk_button_clicked(GTK_BUTTON(gtk_bin_get_child(GTK_BIN(plug()))));
+    } else if (verb == "timer") {
+      timer_ = loop_.schedule({}, false, platform::TimerMode::defaultMode, [] { say("tick"); });
+    } else if (verb == "destroy") {
+      item_.reset();
+    }
+    say("ready");
+  }
+
+ private:
+  posix::Console console_;
+  x11::Notices notices_{console_};
+  x11::MainLoop loop_;
+  x11::StatusBar bar_{loop_, notices_};
+  std::unique_ptr<platform::StatusItem> item_ = bar_.createItem();
+  std::unique_ptr<platform::Timer> timer_;
+};
+
+}  // namespace
+
+int main() {
+  if (!x11::startToolkit()) return 1;
+  Program program;
+  std::string pending;
+  const x11::ReadableSource input(STDIN_FILENO, G_PRIORITY_DEFAULT, [&] {
+    char bytes[4096];
+    const auto size = read(STDIN_FILENO, bytes, sizeof bytes);
+    if (size <= 0) gtk_main_quit();
+    pending.append(bytes, size > 0 ? static_cast<std::size_t>(size) : 0);
+    for (std::size_t end = 0; (end = pending.find('\n')) != std::string::npos; pending.erase(0, end + 1)) {
+      program.obey(pending.substr(0, end));
+    }
+  });
+  say("ready");
+  gtk_main();
+}
