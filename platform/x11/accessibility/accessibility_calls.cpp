@@ -1,10 +1,16 @@
 #include "platform/x11/accessibility/accessibility_calls.h"
 
+#include <chrono>
+
+#include "platform/x11/keyboard/verdict_limit.h"
+
 namespace keyvora::x11 {
 namespace {
 
-/// How long an application may take for one answer. One that is at work answers within milliseconds.
-constexpr int limitMilliseconds = 1000;
+/// How long an application may take for one answer. One that is at work answers within milliseconds. Less
+/// than a verdict may take: a target that hangs shall not cost the tap, too.
+constexpr int limitMilliseconds = 800;
+static_assert(std::chrono::milliseconds(limitMilliseconds) < verdictLimit);
 
 /// Joins the accessibility bus; false where there is none. It is looked for again each time.
 bool connect() {

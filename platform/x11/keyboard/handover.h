@@ -9,12 +9,10 @@
 #include <thread>
 
 #include "platform/keyboard.h"
+#include "platform/x11/keyboard/verdict_limit.h"
 #include "platform/x11/keyboard/wakeup.h"
 
 namespace keyvora::x11 {
-
-/// How long the main thread may take with an event before the keyboard goes on without it.
-inline constexpr std::chrono::milliseconds verdictLimit{1000};
 
 /// Takes keyboard events from the tap's thread to the main thread, in order, and verdicts back. At most one
 /// event at a time waits for a verdict: the server holds the keyboard until that is there. An event that the
