@@ -1,20 +1,51 @@
 #include "platform/x11/keyboard/key_reader.h"
 
+#include <X11/extensions/XTest.h>
+
 #include <array>
 
 #include "platform/x11/keyboard/key_codes.h"
 #include "platform/x11/keyboard/key_map.h"
 
 namespace keyvora::x11 {
+namespace {
 
-KeyReader::KeyReader(Display* display, KeyDevices devices, const KeyMap& keys, KeyListener& listener)
-    : display_(display), devices_(devices), keys_(keys), listener_(listener) {
+RawKey rawKey(const XIRawEvent& raw) {
+  return {.keycode = unsigned(raw.detail) & 0xFF, .down = raw.evtype == XI_RawKeyPress, .time = raw.time};
+}
+
+}  // namespace
+
+void KeyReader::attend() {
+  if (attentive_) return;
+  attentive_ = true;
+  select(true);
+  resynchronise();
+}
+
+void KeyReader::rest() {
+  // What is down now would not be known to have been released, and a modifier is a flag of all that follows.
+  if (!attentive_ || undecided_ || isModifierDown() || own_.areOutstanding()) return;
+  attentive_ = false;
+  select(false);
+  own_.clear();
+}
+
+void KeyReader::select(bool raw) {
   std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> bits{};
-  XISetMask(bits.data(), XI_RawKeyPress);
-  XISetMask(bits.data(), XI_RawKeyRelease);
+  if (raw) {
+    XISetMask(bits.data(), XI_RawKeyPress);
+    XISetMask(bits.data(), XI_RawKeyRelease);
+  }
   XIEventMask mask{.deviceid = XIAllDevices, .mask_len = int(bits.size()), .mask = bits.data()};
   XISelectEvents(display_, DefaultRootWindow(display_), &mask, 1);
-  resynchronise();
+}
+
+bool KeyReader::isModifierDown() const {
+  for (unsigned keycode = 0; keycode < down_.size(); ++keycode) {
+    if (down_[keycode] && isModifier(keys_.keyCode(keycode))) return true;
+  }
+  return false;
 }
 
 void KeyReader::resynchronise() {
@@ -36,8 +67,10 @@ void KeyReader::notice(const XGenericEventCookie& cookie) {
     return;
   }
   if (cookie.evtype != XI_RawKeyPress && cookie.evtype != XI_RawKeyRelease) return;
+  if (!attentive_) return;  // on its way since before
   const auto& raw = *static_cast<const XIRawEvent*>(cookie.data);
-  if (raw.deviceid == devices_.xtest) own_.onDevice(cookie.serial);
+  own_.reached(cookie.serial);
+  if (raw.deviceid == devices_.xtest) own_.onDevice(cookie.serial, rawKey(raw));
   if (raw.deviceid != devices_.master) return;
   decide();
   if (cookie.evtype == XI_RawKeyPress) {
@@ -45,6 +78,12 @@ void KeyReader::notice(const XGenericEventCookie& cookie) {
   } else {
     released(raw);
   }
+}
+
+void KeyReader::inject(KeyCode key, bool down, OwnMark mark) {
+  attend();
+  own_.expect(NextRequest(display_), mark);
+  XTestFakeKeyEvent(display_, key, down ? True : False, CurrentTime);
 }
 
 void KeyReader::decide() {
@@ -74,20 +113,20 @@ void KeyReader::released(const XIRawEvent& raw) {
 
 void KeyReader::held(const XIDeviceEvent& press) {
   const auto keycode = unsigned(press.detail) & 0xFF;
-  ReadKey key{.event = event(keycode, true),
-              .heldSince = press.time,
-              .keycode = keycode,
-              .repeated = (press.flags & XIKeyRepeat) != 0};
+  attend();
+  ReadKey key{.heldSince = press.time, .keycode = keycode, .repeated = (press.flags & XIKeyRepeat) != 0};
   if (undecided_ && undecided_->keycode == keycode) {
     key.event = undecided_->event;
     undecided_.reset();
+  } else {
+    key.event = changed(keycode, true, OwnMark{});
   }
   wasHeld_[keycode] = true;
   listener_.keyRead(key);
 }
 
 OwnMark KeyReader::markOf(const XIRawEvent& raw) {
-  return raw.sourceid == devices_.xtest ? own_.onMaster() : OwnMark{};
+  return raw.sourceid == devices_.xtest ? own_.onMaster(rawKey(raw)) : OwnMark{};
 }
 
 platform::KeyEvent KeyReader::changed(unsigned keycode, bool down, OwnMark mark) {

@@ -87,7 +87,7 @@ void TapThread::enable() {
   send([this, grabbed] {
     if (!enabled_) {
       enabled_ = true;
-      reader_.resynchronise();
+      reader_.resynchronise();  // what was read while the tap was off was not followed
       follow(mayBeArmed_ ? KeyGrabs::Extent::everyKey : KeyGrabs::Extent::option);
     }
     grabbed->set_value();
@@ -96,11 +96,7 @@ void TapThread::enable() {
 }
 
 void TapThread::inject(KeyCode key, bool down, OwnMark mark) {
-  send([this, key, down, mark] {
-    Display* display = connection_->get();
-    reader_.ownEvents().expect(NextRequest(display), mark);
-    XTestFakeKeyEvent(display, key, down ? True : False, CurrentTime);
-  });
+  send([this, key, down, mark] { reader_.inject(key, down, mark); });
 }
 
 /// Makes this the session's only tap, with what X has that only one client can hold and that ends with its
@@ -193,6 +189,7 @@ void TapThread::keyRead(const ReadKey& key) {
     handover_.ask(key.event, now);
   } else {
     handover_.tell(key.event, Handover::Clock::now());
+    passed(key.event);
   }
 }
 
@@ -210,18 +207,26 @@ void TapThread::letGo(Verdict verdict) {
   if (verdict == Verdict::swallow) {
     grabs_.swallow(*key.heldSince);
   } else {
-    const bool withOption = (key.event.flags & platform::event_flag::option) != 0;
-    const bool isOwn = key.event.userData != 0;
-    if (enabled_ && isOption(key.event.keyCode) && !isOwn) {
+    if (enabled_ && isOption(key.event.keyCode) && key.event.userData == 0) {
       mayBeArmed_ = true;
       follow(KeyGrabs::Extent::everyKey);
-    } else if (enabled_ && key.event.type == event_type::keyDown && !withOption && !isOwn) {
-      mayBeArmed_ = false;
-      follow(KeyGrabs::Extent::option);
+    } else if (enabled_) {
+      passed(key.event);
     }
     grabs_.replay(*key.heldSince);
   }
   XSync(connection_->get(), False);
+}
+
+/// Listens less where the handler lets this event pass, or could not do otherwise.
+void TapThread::passed(const platform::KeyEvent& event) {
+  const bool withOption = (event.flags & platform::event_flag::option) != 0;
+  const bool isOwn = event.userData != 0;
+  if (event.type == event_type::keyDown && !withOption && !isOwn && mayBeArmed_) {
+    mayBeArmed_ = false;
+    follow(KeyGrabs::Extent::option);
+  }
+  if (!mayBeArmed_) reader_.rest();
 }
 
 void TapThread::stopRepeating() {
@@ -240,7 +245,9 @@ void TapThread::giveUpOnMain() {
 }
 
 void TapThread::follow(KeyGrabs::Extent extent) {
-  if (enabled_) grabs_.apply(extent, targetWindows(), keys_);
+  if (!enabled_) return;
+  if (extent == KeyGrabs::Extent::everyKey) reader_.attend();
+  grabs_.apply(extent, targetWindows(), keys_);
 }
 
 std::vector<Window> TapThread::targetWindows() const {

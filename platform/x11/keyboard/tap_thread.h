@@ -27,8 +27,13 @@ namespace keyvora::x11 {
 /// and need not: a letter typed after an Option tap is swallowed as long as the handler waits for one, so the
 /// first key press that it lets pass with no Option key down, not counting the program's own, proves that it
 /// waits no more. That press is then still held back, which makes the change seamless. A handler that ends
-/// otherwise (a sequence fires, time runs out) costs one more key that is looked at. After a time-out the
+/// otherwise (a sequence fires, time runs out) costs one more key that is looked at. A press that no grab
+/// could hold proves the same: it has no code, and nothing goes on with such a key. After a time-out the
 /// handler may be in any state, and every key is grabbed.
+///
+/// While only the Option keys are grabbed the reader rests, as soon as no modifier key is down: nothing of
+/// what is typed then reaches this process, in the target or elsewhere, until the next Option press in the
+/// target.
 class TapThread : private KeyListener {
  public:
   /// Starts the thread, with the tap switched off; null when the display lacks something, another tap is
@@ -69,6 +74,7 @@ class TapThread : private KeyListener {
   void letGo(platform::Verdict verdict);
   void stopRepeating();
   void giveUpOnMain();
+  void passed(const platform::KeyEvent& event);
   void follow(KeyGrabs::Extent extent);
   [[nodiscard]] std::vector<Window> targetWindows() const;
   void wait();

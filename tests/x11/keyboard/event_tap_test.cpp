@@ -67,13 +67,40 @@ TEST_F(EventTapTest, ReleasesOfSwallowedKeysArrive) {
   EXPECT_FALSE(target.received().back().down);
 }
 
-TEST_F(EventTapTest, OrdinaryTypingIsNotHeldBack) {
+TEST_F(EventTapTest, OrdinaryTypingIsNotEvenSeen) {
   tapWithCatcher();
   user.tap({key::a, key::b});
-  expectPressed({key::a, key::b});
-  for (const auto& event : catcher.shown)
-    EXPECT_EQ(event.keyCode, unknownKey) << "only told of, without its code";
-  EXPECT_EQ(catcher.shown.size(), 4U);
+  user.chord({key::shift}, key::d);
+  expectPressed({key::a, key::b, key::shift, key::d});
+  EXPECT_EQ(catcher.shown, vector<KeyEvent>{});
+}
+
+TEST_F(EventTapTest, AfterASequenceTypingIsUnseenAgainFromTheSecondKeyOn) {
+  tapWithCatcher();
+  user.tap({key::option, key::h, key::f, key::a});
+  expectPressed({key::option, key::a});
+  catcher.shown.clear();
+  user.tap({key::b, key::d});
+  expectPressed({key::option, key::a, key::b, key::d});
+  EXPECT_EQ(catcher.shown, vector<KeyEvent>{});
+  user.tap({key::option, key::h, key::f});
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 4; }));
+}
+
+TEST_F(EventTapTest, AModifierThatWasHeldBeforeIsAFlagOfTheOptionTap) {
+  tapWithCatcher();
+  user.press(key::shift);
+  expectPressed({key::shift});
+  EXPECT_EQ(catcher.shown, vector<KeyEvent>{});
+  user.tap({key::option});
+  user.release(key::shift);
+  runUntil([&] { return catcher.shown.size() == 3; });
+  using namespace platform::event_type;
+  using namespace platform::event_flag;
+  // Its release is told of without its code: its press was not held back.
+  EXPECT_EQ(catcher.shown, (vector<KeyEvent>{{flagsChanged, key::option, option | shift, 0},
+                                             {flagsChanged, key::option, shift, 0},
+                                             {flagsChanged, unknownKey, 0, 0}}));
 }
 
 TEST_F(EventTapTest, BurstsLoseAndLeakNothing) {
@@ -250,6 +277,13 @@ TEST_F(EventTapTest, TypingElsewhereIsToldAndDisarms) {
   expectPressed({key::h}, elsewhere);
   EXPECT_FALSE(catcher.armed);
   EXPECT_EQ(catcher.shown.back().keyCode, unknownKey) << "what is typed elsewhere is nobody's business";
+
+  settle();
+  catcher.shown.clear();
+  user.tap({key::f, key::a});
+  user.tap({key::option});
+  expectPressed({key::h, key::f, key::a, key::option}, elsewhere);
+  EXPECT_EQ(catcher.shown, vector<KeyEvent>{}) << "and all that follows is not even seen";
 }
 
 TEST_F(EventTapTest, WindowsAndDialogsAreTappedAsTheyComeAndGo) {

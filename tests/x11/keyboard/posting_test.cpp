@@ -171,7 +171,34 @@ TEST_F(PostingTest, OwnKeysAreToldFromThoseOfOtherProgramsAndOfTheUser) {
   EXPECT_EQ(std::ranges::count(pressed, key::d), rounds);
   EXPECT_EQ(std::ranges::count(pressed, key::a), rounds);
   EXPECT_EQ(own, rounds);
-  EXPECT_EQ(foreign, 2 * rounds);
+  EXPECT_GE(foreign, rounds) << "the letters behind an Option tap are all seen";
+  EXPECT_LE(foreign, 2 * rounds);
+}
+
+TEST_F(PostingTest, KeysThatAnotherProgramTypedBeforeAreNotTakenForOwn) {
+  std::vector<KeyEvent> all;
+  tapWith([&](const KeyEvent& shown) {
+    all.push_back(shown);
+    const auto verdict = catcher(shown);
+    if (shown.keyCode == key::h && shown.type == event_type::keyDown) {
+      event(key::s, true)->postToHardware();
+      event(key::s, false)->postToHardware();
+    }
+    return verdict;
+  });
+  catcher = Catcher(applications, 1);
+  all.clear();
+  Typist other(display.name(), Typist::Device::xtest);
+  // All are on their way before the tap sees the first.
+  other.tap({key::option, key::h, key::a});
+  ASSERT_TRUE(runUntil([&] { return target.pressed().size() == 3; }));
+  settle();
+  EXPECT_EQ(catcher.caught, Keys{key::h});
+  EXPECT_EQ(target.pressed(), (Keys{key::option, key::a, key::s}));
+  const auto isA = [](const KeyEvent& each) { return each.keyCode == key::a && each.userData == 0; };
+  EXPECT_TRUE(std::ranges::any_of(all, isA));
+  const auto isOwn = [](const KeyEvent& each) { return each.userData == marker; };
+  EXPECT_EQ(std::ranges::count_if(all, isOwn), 2);
 }
 
 TEST_F(PostingTest, WithoutATapKeysAtTheHardwareLevelStillArrive) {
