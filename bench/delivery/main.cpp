@@ -1,10 +1,9 @@
 // usage: bench_delivery DEVICE KEY TIMES [armed]
 // Presses KEY so many times on a keyboard of the display, each when the one before has arrived, and prints
-// how long it took from injection to delivery in a window: p50, p95, p99 in microseconds. With `armed`,
+// how long each took from injection to delivery in a window, in microseconds, a line each. With `armed`,
 // Option is tapped first and the sequence must still be open at the end: KEY has to be one that leaves it so
 // (Shift).
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -87,9 +86,7 @@ void run(const char* device, const char* key, std::size_t times, bool armed) {
   // Escape belongs to a sequence that is open, else to the window.
   if (bench.arrives("Escape") == armed)
     throw std::runtime_error(armed ? "the sequence ended early" : "Escape was lost");
-  std::ranges::sort(taken);
-  const auto percentile = [&taken](std::size_t hundredths) { return taken[taken.size() * hundredths / 100]; };
-  std::printf("%.0f %.0f %.0f\n", percentile(50), percentile(95), percentile(99));
+  for (const double each : taken) std::printf("%.1f\n", each);
 }
 
 }  // namespace

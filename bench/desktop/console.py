@@ -44,9 +44,14 @@ class Console:
         raise RuntimeError(f"keyvora ended before it said {text!r}")
 
 
-def percentiles(values: list[float]) -> str:
-    """Median, 95th and 99th percentile, in milliseconds."""
+def percentiles(values: list[float]) -> tuple[float, float, float]:
+    """Median, 95th and 99th percentile."""
     ordered = sorted(values)
-    p50, p95, p99 = (ordered[min(len(ordered) - 1, len(ordered) * hundredths // 100)] * 1000
-                     for hundredths in (50, 95, 99))
-    return f"p50 {p50:.1f} ms, p95 {p95:.1f} ms, p99 {p99:.1f} ms, {len(ordered)} times"
+    p50, p95, p99 = (ordered[len(ordered) * hundredths // 100] for hundredths in (50, 95, 99))
+    return p50, p95, p99
+
+
+def in_milliseconds(seconds: list[float]) -> str:
+    """The percentiles of what was taken in seconds, for a person."""
+    p50, p95, p99 = (value * 1000 for value in percentiles(seconds))
+    return f"p50 {p50:.1f} ms, p95 {p95:.1f} ms, p99 {p99:.1f} ms, {len(seconds)} times"

@@ -3,7 +3,7 @@
 import argparse
 import time
 
-from console import DOCUMENT, Console, mappings, percentiles
+from console import DOCUMENT, Console, mappings, in_milliseconds
 from harness.private_desktop import PrivateDesktop
 
 STARTS = 30
@@ -19,7 +19,7 @@ def startup(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     for _ in range(STARTS):
         with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
             times.append(keyvora.wait("tap installed, ") - keyvora.started)
-    print(f"start to tap installed: {percentiles(times)}")
+    print(f"start to tap installed: {in_milliseconds(times)}")
 
 
 def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
@@ -36,4 +36,4 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
             beside.rename(path)
             times.append(keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY)
             time.sleep(0.05)  # the file is watched anew after the line
-    print(f"change on disk to document in force, beyond the fixed {DELAY} s: {percentiles(times)}")
+    print(f"change on disk to document in force, beyond the fixed {DELAY} s: {in_milliseconds(times)}")
