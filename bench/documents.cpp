@@ -1,26 +1,29 @@
 #include "bench/documents.h"
 
+#include <cstdint>
+#include <random>
 #include <string>
+#include <string_view>
 
 namespace keyvora::bench {
 namespace {
 
-constexpr std::size_t letters = 26;
+/// A third of the sequences start with H, the others with any letter, in no order: what a letter costs shall
+/// depend on how many sequences there are, and not on where those that start with it are.
+char firstLetter(std::uint32_t number) {
+  constexpr std::string_view letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  std::minstd_rand random(number + 1);
+  return random() % 3 == 0 ? 'H' : letters[random() % letters.size()];
+}
 
-/// "AA", "AB", ...: the shortest first, H foremost, as most sequences start with it.
+/// The first letter, and the number in letters: each sequence has keys of its own.
 std::string keysOf(std::size_t number) {
-  std::size_t length = 2;
-  std::size_t count = letters * letters;
-  while (number >= count) {
-    number -= count;
-    ++length;
-    count *= letters;
-  }
-  std::string keys(length, 'A');
-  for (std::size_t i = length; i > 0; --i) {
-    keys[i - 1] = static_cast<char>('A' + (number + (i == 1 ? 7 : 0)) % letters);
+  constexpr std::size_t letters = 26;
+  std::string keys(1, firstLetter(static_cast<std::uint32_t>(number)));
+  do {
+    keys += static_cast<char>('A' + number % letters);
     number /= letters;
-  }
+  } while (number > 0);
   return keys;
 }
 

@@ -97,5 +97,15 @@ void lookup(benchmark::State& state) {
 }
 BENCHMARK(lookup)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000)->Complexity();
 
+/// What it takes to look at the first letter of each sequence and do nothing with it.
+void walk(benchmark::State& state) {
+  const auto mapping = document(static_cast<std::size_t>(state.range(0)));
+  for (auto _ : state) {
+    for (const auto& sequence : mapping.sequences) benchmark::DoNotOptimize(sequence.keys.front());
+  }
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(walk)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000)->Complexity();
+
 }  // namespace
 }  // namespace keyvora::bench
