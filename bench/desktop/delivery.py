@@ -10,7 +10,7 @@ from contextlib import ExitStack
 from awake import Awake
 from console import DOCUMENT, Console, mappings, percentiles
 from harness.private_desktop import KEYBOARD, PrivateDesktop
-from process import counts
+from harness.process import counts
 
 SXHKD = "super + F9\n\ttrue\nsuper + F10\n\ttrue\nctrl + alt + F11\n\ttrue\n"
 XBINDKEYS = '"true"\n  Mod4 + F9\n"true"\n  Mod4 + F10\n"true"\n  Control + Mod1 + F11\n'

@@ -8,7 +8,7 @@ import time
 from console import DOCUMENT, Console, mappings
 from delivery import SXHKD
 from harness.private_desktop import PrivateDesktop
-from process import counts
+from harness.process import counts
 
 SECONDS = 60
 # What is left of starting shall not be counted.

@@ -8,10 +8,10 @@ import time
 from console import DOCUMENT
 from harness.keyvora import Keyvora
 from harness.private_desktop import PrivateDesktop
+from harness.process import counts
 from harness.spreadsheet import Gnumeric
 from harness.typist import Typist
 from harness.waiting import Timeout, equal
-from process import counts
 
 SAMPLE = 60.0
 # Milliseconds after each key: twice as fast as the fastest hands.

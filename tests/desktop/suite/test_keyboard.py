@@ -1,5 +1,6 @@
 """What hands do on a keyboard besides one key after the other."""
 
+from harness.process import counts
 from harness.typist import XTEST_KEYBOARD
 from harness.waiting import equal, stays, until
 
@@ -7,6 +8,20 @@ from .desktop_test import ARMED, DesktopTest
 
 
 class KeyboardTest(DesktopTest):
+    def test_ordinary_typing_does_not_wake_the_program(self) -> None:
+        self.typist.tap("k")
+        self.fire()
+        self.typist.tap("a")
+        self.expect_input("kxa")
+        woken = counts(self.keyvora.process_id()).switches
+        text = "bdb" * 20
+        self.typist.tap(*text)
+        self.expect_input("kxa" + text)
+        # Not never: a window or two may have come and gone. Each press and release would be one.
+        self.assertLess(counts(self.keyvora.process_id()).switches - woken, len(text) // 4)
+        self.dismiss()
+        self.expect_everything_works()
+
     def test_keys_that_overlap(self) -> None:
         self.typist.tap("k", "Option")
         self.typist.down("h", "f")
