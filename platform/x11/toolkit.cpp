@@ -14,23 +14,29 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Takes a variable out of the environment and puts it back: the programs that the user opens from here are
-/// to find it as it was.
-class WithoutVariable {
+/// Sets a variable of the environment, or takes it out, and puts it back: the programs that the user opens
+/// from here are to find it as it was.
+class TemporaryVariable {
  public:
-  explicit WithoutVariable(const char* name) : name_(name) {
-    if (const char* value = std::getenv(name)) value_ = value;
-    unsetenv(name);
+  TemporaryVariable(const char* name, const char* value) : name_(name) {
+    if (const char* before = std::getenv(name)) before_ = before;
+    set(value);
   }
-  ~WithoutVariable() {
-    if (value_) setenv(name_, value_->c_str(), 1);
-  }
-  WithoutVariable(const WithoutVariable&) = delete;
-  WithoutVariable& operator=(const WithoutVariable&) = delete;
+  ~TemporaryVariable() { set(before_ ? before_->c_str() : nullptr); }
+  TemporaryVariable(const TemporaryVariable&) = delete;
+  TemporaryVariable& operator=(const TemporaryVariable&) = delete;
 
  private:
+  void set(const char* value) const {
+    if (value != nullptr) {
+      setenv(name_, value, 1);
+    } else {
+      unsetenv(name_);
+    }
+  }
+
   const char* name_;
-  std::optional<std::string> value_;
+  std::optional<std::string> before_;
 };
 
 bool isSet(const char* name) {
@@ -46,7 +52,10 @@ bool startToolkit() {
   g_set_prgname("keyvora");
   g_set_application_name("keyvora");
   gdk_set_allowed_backends("x11");
-  const WithoutVariable userChoice("GDK_BACKEND");
+  const TemporaryVariable noOtherBackend("GDK_BACKEND", nullptr);
+  // Nothing here is drawn with OpenGL. Left alone, the first GTK program of a display loads its driver to
+  // choose a visual: on a machine without a graphics card a whole compiler, for the life of the program.
+  const TemporaryVariable noOpenGl("GDK_GL", "disable");
   const bool started = gtk_init_check(nullptr, nullptr);
   std::setlocale(LC_NUMERIC, "C");  // texts are in the user's language, but numbers are read and written here
   installErrorHandlers();

@@ -55,6 +55,16 @@ TEST_F(ProgramTest, ArgumentsOfTheToolkitMeanNothing) {
   EXPECT_EQ(endStatus(), 0);
 }
 
+TEST_F(ProgramTest, NoOpenGlDriverIsLoadedEvenAsTheFirstToolkitProgramOfTheDisplay) {
+  start();
+  ASSERT_TRUE(awaitLog("tap installed"));
+  const auto mapped = readFile("/proc/" + std::to_string(program.pid()) + "/maps");
+  ASSERT_NE(mapped.find("/libgtk-3.so"), std::string::npos);
+  EXPECT_EQ(mapped.find("/libGL"), std::string::npos);
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(endStatus(), 0);
+}
+
 TEST_F(ProgramTest, SignalsEndItNormallyWithTheLogWritten) {
   for (const int signal : {SIGTERM, SIGINT}) {
     std::filesystem::remove_all(session.home() / "Library");
