@@ -17,8 +17,8 @@ class KeyboardTest(DesktopTest):
         text = "bdb" * 20
         self.typist.tap(*text)
         self.expect_input("kxa" + text)
-        # Not never: a window or two may have come and gone. Each press and release would be one.
-        self.assertLess(counts(self.keyvora.process_id()).switches - woken, len(text) // 4)
+        # Not never: the status item may still be drawn. Each press and each release would be more than one.
+        self.assertLess(counts(self.keyvora.process_id()).switches - woken, len(text))
         self.dismiss()
         self.expect_everything_works()
 
