@@ -62,7 +62,10 @@ bool FileSystem::append(const std::filesystem::path& path, std::string_view byte
     NSFileHandle* file = [NSFileHandle fileHandleForWritingToURL:fileURL(path) error:nil];
     if (file == nil) return false;
     NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
-    if ([file seekToEndReturningOffset:nil error:nil]) [file writeData:data error:nil];
+    unsigned long long end = 0;
+    if ([file seekToEndReturningOffset:&end error:nil] && ![file writeData:data error:nil]) {
+      [file truncateAtOffset:end error:nil];  // what comes next must not begin in the midst of this
+    }
     [file closeAndReturnError:nil];
     return true;
   }

@@ -43,6 +43,12 @@ bool writeAll(const FileDescriptor& file, std::string_view bytes) {
   return true;
 }
 
+/// Whether all of it was written and has reached the disk: some file systems find out only then that they are
+/// full, and a name must not come to last before what it names.
+bool writeToDisk(const FileDescriptor& file, std::string_view bytes) {
+  return writeAll(file, bytes) && ::fsync(file.number()) == 0;
+}
+
 /// Reads to the end of the file; 0, or the number of the error.
 int readAll(const FileDescriptor& file, std::size_t expected, std::string& bytes) {
   constexpr std::size_t chunk = 64u << 10;
@@ -72,14 +78,14 @@ std::string reasonFor(int error) {
 }
 
 /// A new file with a name of its own beside `path`; the name is put into `name`.
-FileDescriptor createBeside(const fs::path& path, fs::path& name) {
+FileDescriptor createBeside(const fs::path& path, mode_t mode, fs::path& name) {
   std::random_device random;
   constexpr int attempts = 8;
   for (int attempt = 0; attempt < attempts; ++attempt) {
     std::array<char, 32> unique{};
     std::snprintf(unique.data(), unique.size(), ".keyvora-%08x%08x", random(), random());
     name = path.parent_path() / unique.data();
-    auto file = open(name, O_WRONLY | O_CREAT | O_EXCL, 0666);
+    auto file = open(name, O_WRONLY | O_CREAT | O_EXCL, mode);
     if (file.isOpen() || errno != EEXIST) return file;
   }
   return {};
@@ -87,16 +93,25 @@ FileDescriptor createBeside(const fs::path& path, fs::path& name) {
 
 bool replaceFile(const fs::path& path, std::string_view bytes) {
   fs::path temporary;
-  auto file = createBeside(path, temporary);
+  auto file = createBeside(path, 0666, temporary);
   if (!file.isOpen()) return false;
   struct stat present {};
   const bool keepsMode = ::lstat(path.c_str(), &present) == 0 && S_ISREG(present.st_mode);
   const auto mode = static_cast<mode_t>((present.st_mode & permissionBits) | ownerReadsAndWrites);
-  const bool written = writeAll(file, bytes) && (!keepsMode || ::fchmod(file.number(), mode) == 0);
+  const bool written = (!keepsMode || ::fchmod(file.number(), mode) == 0) && writeToDisk(file, bytes);
   file.close();
   if (written && ::rename(temporary.c_str(), path.c_str()) == 0) return true;
   ::unlink(temporary.c_str());
   return false;
+}
+
+/// Lets the file appear at `path` too, unless something is there. Unlike a rename, a link is refused then;
+/// where the file system has no links (FAT), a look beforehand has to do.
+bool placeWhereNothingIs(const fs::path& file, const fs::path& path) {
+  if (::link(file.c_str(), path.c_str()) == 0) return true;
+  struct stat present {};
+  if (errno == EEXIST || ::lstat(path.c_str(), &present) == 0) return false;
+  return ::rename(file.c_str(), path.c_str()) == 0;
 }
 
 bool copyFile(const fs::path& from, const fs::path& to) {
@@ -105,11 +120,14 @@ bool copyFile(const fs::path& from, const fs::path& to) {
   if (!source.isOpen() || ::fstat(source.number(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
   std::string bytes;
   if (readAll(source, static_cast<std::size_t>(info.st_size), bytes) != 0) return false;
-  auto target = open(to, O_WRONLY | O_CREAT | O_EXCL, (info.st_mode & permissionBits) | ownerReadsAndWrites);
+  fs::path temporary;
+  auto target = createBeside(to, (info.st_mode & permissionBits) | ownerReadsAndWrites, temporary);
   if (!target.isOpen()) return false;
-  if (writeAll(target, bytes)) return true;
-  ::unlink(to.c_str());
-  return false;
+  const bool written = writeToDisk(target, bytes);
+  target.close();
+  const bool copied = written && placeWhereNothingIs(temporary, to);
+  ::unlink(temporary.c_str());
+  return copied;
 }
 
 platform::FileContents readFile(const fs::path& path) {
@@ -159,7 +177,10 @@ bool FileOperations::append(const fs::path& path, std::string_view bytes) {
   const auto file = open(path, O_WRONLY | O_APPEND);
   if (!file.isOpen()) return false;
   struct stat info {};
-  if (::fstat(file.number(), &info) == 0 && S_ISREG(info.st_mode)) writeAll(file, bytes);
+  if (::fstat(file.number(), &info) != 0 || !S_ISREG(info.st_mode)) return true;
+  if (writeAll(file, bytes)) return true;
+  // What comes next must not begin in the midst of this.
+  [[maybe_unused]] const int result = ::ftruncate(file.number(), info.st_size);
   return true;
 }
 

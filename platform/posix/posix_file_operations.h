@@ -17,15 +17,16 @@ class FileOperations : public platform::FileSystem {
   bool exists(const std::filesystem::path& path) override;
 
   /// Links at `from` are followed; anything at all at `to`, be it a dangling link, is a failure. The copy has
-  /// the permissions of the original, and its owner can always change it. What could not be copied whole is
-  /// removed.
+  /// the permissions of the original, and its owner can always change it. It appears under its name when it is
+  /// whole, or not at all.
   bool copy(const std::filesystem::path& from, const std::filesystem::path& to) override;
 
   /// Errors read like: The file “mappings.json” could not be opened: Permission denied.
   platform::FileContents read(const std::filesystem::path& path) override;
 
   /// Follows links. Only regular files are written to; into anything else that can be opened (a log that
-  /// leads to /dev/null, a pipe with a reader) the bytes are lost, and it stays as it is.
+  /// leads to /dev/null, a pipe with a reader) the bytes are lost, and it stays as it is. So it does when the
+  /// disk has no room for all of them.
   bool append(const std::filesystem::path& path, std::string_view bytes) override;
 
   /// A link is not followed: the new file takes its name, as it would any other file's. A regular file's

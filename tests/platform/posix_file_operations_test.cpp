@@ -229,7 +229,7 @@ TEST_F(PosixFileOperationsTest, AFullDiskCostsNeitherTheOldFileNorLeavesHalfOfTh
   EXPECT_THAT(scratch.names(), ElementsAre("file"));
 }
 
-TEST_F(PosixFileOperationsTest, OnAFullDiskARecordIsCutOffWithoutAWord) {
+TEST_F(PosixFileOperationsTest, OnAFullDiskARecordIsLostWholeAndWithoutAWord) {
   test::write(scratch / "file", "one\n");
   EXPECT_EXIT(
       {
@@ -237,7 +237,7 @@ TEST_F(PosixFileOperationsTest, OnAFullDiskARecordIsCutOffWithoutAWord) {
         std::_Exit(files.append(scratch / "file", "two\n") ? EXIT_SUCCESS : EXIT_FAILURE);
       },
       ExitedWithCode(EXIT_SUCCESS), "");
-  EXPECT_EQ(test::content(scratch / "file"), "one\ntw");
+  EXPECT_EQ(test::content(scratch / "file"), "one\n");
 }
 
 // --- copy
@@ -284,6 +284,18 @@ TEST_F(PosixFileOperationsTest, CopiesOnlyRegularFiles) {
   for (const char* name : {"missing", "directory", "pipe"}) {
     EXPECT_FALSE(files.copy(scratch / name, scratch / "to")) << name;
   }
+  EXPECT_FALSE(fs::exists(scratch / "to"));
+}
+
+TEST_F(PosixFileOperationsTest, NothingHasTheNameOfTheCopyBeforeTheCopyIsWhole) {
+  test::write(scratch / "from", "a longer text");
+  EXPECT_EXIT(
+      {
+        limitFileSize(5);
+        std::signal(SIGXFSZ, SIG_DFL);  // ends the process while it writes
+        files.copy(scratch / "from", scratch / "to");
+      },
+      ::testing::KilledBySignal(SIGXFSZ), "");
   EXPECT_FALSE(fs::exists(scratch / "to"));
 }
 
