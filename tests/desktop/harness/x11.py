@@ -56,7 +56,9 @@ def window_title(window: str) -> str:
 
 
 def window_area(window: str) -> Area | None:
-    """Where a window is on the screen; None when it is gone."""
+    """Where a window is on the screen; None when it is gone, or the id empty."""
+    if not window:
+        return None  # xwininfo would wait for somebody to click on one
     answer = _output(["xwininfo", "-id", window])
     numbers = [re.search(rf"{label}: +(-?\d+)", answer) for label in
                ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")]
