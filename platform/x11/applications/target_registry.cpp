@@ -19,12 +19,19 @@ constexpr auto standIns = std::to_array<StandIn>({
     {"excel.exe", "com.microsoft.Excel"},
 });
 
+/// How the classes of LibreOffice's windows begin.
+constexpr auto changing = std::to_array<std::string_view>({"libreoffice", "soffice", "vclsalframe"});
+
 constexpr char lower(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 bool matches(std::string_view name, std::string_view lowerCase) {
   return std::ranges::equal(name, lowerCase, {}, lower);
+}
+
+bool startsWith(std::string_view name, std::string_view lowerCase) {
+  return matches(name.substr(0, lowerCase.size()), lowerCase);
 }
 
 }  // namespace
@@ -37,6 +44,13 @@ std::string_view bundleIdentifierOf(std::string_view instanceName, std::string_v
     }
   }
   return {};
+}
+
+bool mayBecomeAnother(std::string_view instanceName, std::string_view className) {
+  if (className.empty()) return true;
+  return std::ranges::any_of(changing, [&](std::string_view beginning) {
+    return startsWith(className, beginning) || startsWith(instanceName, beginning);
+  });
 }
 
 }  // namespace keyvora::x11

@@ -1,40 +1,12 @@
 #include "platform/x11/applications/window_list.h"
 
-#include <X11/Xatom.h>
-#include <X11/Xutil.h>
-
 #include <algorithm>
 
-#include "platform/x11/applications/target_registry.h"
-#include "platform/x11/applications/window_property.h"
+#include "platform/x11/applications/desktop_windows.h"
 
 namespace keyvora::x11 {
-namespace {
 
-/// How many windows a dialog may be away from the window that it belongs to; ends a circle of dialogs.
-constexpr int deepestDialog = 8;
-
-constexpr long windowEvents = PropertyChangeMask | StructureNotifyMask;
-
-std::string_view bundleIdentifierByClass(Display* display, Window window) {
-  XClassHint hint{};
-  if (XGetClassHint(display, window, &hint) == 0) return {};
-  const auto identifier = bundleIdentifierOf(hint.res_name == nullptr ? "" : hint.res_name,
-                                             hint.res_class == nullptr ? "" : hint.res_class);
-  XFree(hint.res_name);
-  XFree(hint.res_class);
-  return identifier;
-}
-
-}  // namespace
-
-WindowList::WindowList(Display* display)
-    : display_(display),
-      root_(DefaultRootWindow(display)),
-      clientListAtom_(XInternAtom(display, "_NET_CLIENT_LIST", False)),
-      stackingAtom_(XInternAtom(display, "_NET_CLIENT_LIST_STACKING", False)),
-      activeAtom_(XInternAtom(display, "_NET_ACTIVE_WINDOW", False)),
-      processAtom_(XInternAtom(display, "_NET_WM_PID", False)) {
+WindowList::WindowList(Display* display) : display_(display), root_(DefaultRootWindow(display)) {
   XSelectInput(display_, root_, PropertyChangeMask);
   readClients();
   readActive();
@@ -47,84 +19,75 @@ bool WindowList::notice(const XEvent& event) {
     const auto erased = std::erase_if(descriptions_, [gone](const auto& it) { return it.window == gone; });
     if (erased == 0) return false;
     if (activeWindow_ == gone) activeWindow_ = None;  // not every window manager says so when it was the last
-  } else if (event.type == PropertyNotify && event.xproperty.window == root_) {
-    if (event.xproperty.atom == clientListAtom_) {
-      readClients();
-    } else if (event.xproperty.atom == activeAtom_) {
-      readActive();
-    } else {
-      return false;
-    }
-  } else if (event.type == PropertyNotify) {
-    const auto atom = event.xproperty.atom;
-    if (atom != XA_WM_CLASS && atom != XA_WM_TRANSIENT_FOR && atom != processAtom_) return false;
-    // Some toolkits say what a window is only after showing it, and some change their minds.
-    const auto found = std::ranges::find(descriptions_, event.xproperty.window, &Description::window);
-    if (found == descriptions_.end()) return false;
-    *found = describe(found->window);
-  } else {
+  } else if (event.type != PropertyNotify) {
     return false;
+  } else if (event.xproperty.window == root_) {
+    if (!rootChanged(event.xproperty.atom)) return false;
+  } else {
+    // Some toolkits say what a window is only after showing it, and some change their minds.
+    if (!isDescribing(display_, event.xproperty.atom)) return false;
+    if (!describeAgain(event.xproperty.window)) return false;
   }
   update();
   return true;
 }
 
-std::vector<Window> WindowList::stacking() const {
-  return numbersOf(display_, root_, stackingAtom_, XA_WINDOW).value_or(std::vector<Window>{});
+bool WindowList::rootChanged(Atom property) {
+  if (property == listProperty(display_)) {
+    readClients();
+  } else if (property == activeProperty(display_)) {
+    readActive();
+  } else {
+    return false;
+  }
+  return true;
 }
 
 void WindowList::readClients() {
-  const auto listed = numbersOf(display_, root_, clientListAtom_, XA_WINDOW);
+  const auto listed = listedWindows(display_);
   if (!listed) return;
-  std::vector<Description> read;
+  std::vector<WindowDescription> read;
   for (const Window window : *listed) {
-    if (const auto* known = described(window)) {
-      read.push_back(*known);
-    } else {
-      XSelectInput(display_, window, windowEvents);
-      read.push_back(describe(window));
-    }
+    const auto known = described(window);
+    read.push_back(known ? *known : describe(window));
   }
   descriptions_ = std::move(read);
 }
 
 void WindowList::readActive() {
-  const auto active = numbersOf(display_, root_, activeAtom_, XA_WINDOW);
-  activeWindow_ = active && !active->empty() ? active->front() : None;
+  activeWindow_ = activeWindow(display_);
+  if (activeWindow_ != None) describeAgain(activeWindow_);
 }
 
-WindowList::Description WindowList::describe(Window window) const {
-  Description description;
-  description.window = window;
-  description.bundleIdentifier = bundleIdentifierByClass(display_, window);
-  XGetTransientForHint(display_, window, &description.transientFor);
-  const auto process = numbersOf(display_, window, processAtom_, XA_CARDINAL);
-  if (process && !process->empty()) description.process = platform::ProcessIdentifier(process->front());
+WindowDescription WindowList::describe(Window window) const {
+  // First to listen, then to ask: nothing is missed in between.
+  XSelectInput(display_, window, StructureNotifyMask | PropertyChangeMask);
+  const auto description = describeWindow(display_, window);
+  if (description.isFinal) XSelectInput(display_, window, StructureNotifyMask);
   return description;
 }
 
-const WindowList::Description* WindowList::described(Window window) const {
-  const auto found = std::ranges::find(descriptions_, window, &Description::window);
-  return found == descriptions_.end() ? nullptr : &*found;
+/// Does not for a window that is not listed.
+bool WindowList::describeAgain(Window window) {
+  const auto found = std::ranges::find(descriptions_, window, &WindowDescription::window);
+  if (found == descriptions_.end()) return false;
+  *found = describe(window);
+  return true;
 }
 
-std::string_view WindowList::identify(const Description& description) const {
-  // A dialog need not carry its application's class, and a process may show windows of several applications:
-  // a dialog counts with the window that it was opened from.
-  const auto* window = &description;
-  for (int depth = 0; depth < deepestDialog; ++depth) {
-    if (!window->bundleIdentifier.empty()) return window->bundleIdentifier;
-    window = described(window->transientFor);
-    if (window == nullptr || window->process != description.process) return {};
-  }
-  return {};
+std::optional<WindowDescription> WindowList::described(Window window) const {
+  const auto found = std::ranges::find(descriptions_, window, &WindowDescription::window);
+  return found == descriptions_.end() ? std::nullopt : std::optional(*found);
+}
+
+ManagedWindow WindowList::managed(const WindowDescription& description) const {
+  return {description.window, description.process,
+          identify(description, [this](Window window) { return described(window); })};
 }
 
 void WindowList::update() {
   managed_.clear();
-  for (const auto& description : descriptions_) {
-    managed_.push_back({description.window, description.process, identify(description)});
-  }
+  for (const auto& description : descriptions_) managed_.push_back(managed(description));
   const auto found = std::ranges::find(managed_, activeWindow_, &ManagedWindow::window);
   if (found != managed_.end()) {
     active_ = *found;
@@ -132,8 +95,7 @@ void WindowList::update() {
     active_ = {};
   } else if (active_.window != activeWindow_) {
     // Window managers announce a new window's activation and its existence in either order.
-    const auto description = describe(activeWindow_);
-    active_ = {description.window, description.process, identify(description)};
+    active_ = managed(describeWindow(display_, activeWindow_));
   }
 }
 

@@ -2,10 +2,12 @@
 
 #include <X11/Xlib.h>
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "platform/applications.h"
+#include "platform/x11/applications/window_description.h"
 
 namespace keyvora::x11 {
 
@@ -22,6 +24,9 @@ struct ManagedWindow {
 /// The windows of the desktop and the active one, as the window manager announces them on the root window.
 /// Read again when they change, never asked for. While no window manager runs, what the last one said about
 /// the windows stands. Used by the thread that has the connection.
+///
+/// A window that has said what it is is asked again when it becomes the active one, and not listened to in
+/// between: toolkits set a property of the window at every key that is typed into it.
 class WindowList {
  public:
   /// Reads what is there and asks to be told of changes.
@@ -36,33 +41,20 @@ class WindowList {
   /// The active window; its `window` is None when there is none.
   [[nodiscard]] const ManagedWindow& active() const { return active_; }
 
-  /// The windows from the lowest to the topmost. One round trip.
-  [[nodiscard]] std::vector<Window> stacking() const;
-
  private:
-  /// What a window says of itself.
-  struct Description {
-    Window window = None;
-    Window transientFor = None;
-    platform::ProcessIdentifier process = 0;
-    std::string_view bundleIdentifier;
-  };
-
+  bool rootChanged(Atom property);
   void readClients();
   void readActive();
-  Description describe(Window window) const;
-  const Description* described(Window window) const;
-  std::string_view identify(const Description& description) const;
+  WindowDescription describe(Window window) const;
+  bool describeAgain(Window window);
+  std::optional<WindowDescription> described(Window window) const;
+  ManagedWindow managed(const WindowDescription& description) const;
   void update();
 
   Display* display_;
   Window root_;
-  Atom clientListAtom_;
-  Atom stackingAtom_;
-  Atom activeAtom_;
-  Atom processAtom_;
   Window activeWindow_ = None;
-  std::vector<Description> descriptions_;
+  std::vector<WindowDescription> descriptions_;
   std::vector<ManagedWindow> managed_;
   ManagedWindow active_;
 };

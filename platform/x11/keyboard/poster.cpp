@@ -4,11 +4,13 @@
 #include <X11/Xatom.h>
 #include <X11/extensions/XTest.h>
 
-#include <algorithm>
 #include <array>
+#include <ranges>
 #include <utility>
 
 #include "platform/keyboard.h"
+#include "platform/x11/applications/desktop_windows.h"
+#include "platform/x11/applications/window_description.h"
 #include "platform/x11/keyboard/key_codes.h"
 #include "platform/x11/keyboard/modifier_state.h"
 #include "platform/x11/keyboard/tap_thread.h"
@@ -31,7 +33,6 @@ std::unique_ptr<Poster> Poster::open(const std::string& displayName) {
 Poster::Poster(std::unique_ptr<Connection> connection)
     : connection_(std::move(connection)),
       keys_(connection_->get()),
-      windows_(connection_->get()),
       clock_(XCreateSimpleWindow(connection_->get(), connection_->root(), -1, -1, 1, 1, 0, 0, 0)) {
   XSelectInput(connection_->get(), clock_, PropertyChangeMask);
 }
@@ -92,27 +93,28 @@ void Poster::catchUp() {
   while (XPending(connection_->get()) > 0) {
     XEvent event;
     XNextEvent(connection_->get(), &event);
-    if (!keys_.notice(event)) windows_.notice(event);
+    keys_.notice(event);
   }
 }
 
 Window Poster::windowOf(platform::ProcessIdentifier process) const {
-  const auto& active = windows_.active();
-  if (active.process == process && !active.bundleIdentifier.empty()) return active.window;
+  Display* display = connection_->get();
+  const auto standsIn = [display](const WindowDescription& window) {
+    return !identify(window, [display](Window other) { return describeWindow(display, other); }).empty();
+  };
+  const auto active = describeWindow(display, activeWindow(display));
+  const bool isInFront = active.process == process;
+  if (isInFront && standsIn(active)) return active.window;
 
   // The process may show windows of several applications; those that stand in for one come first.
-  Window chosen = None;
-  bool standsIn = false;
-  for (const Window window : windows_.stacking()) {
-    const auto& all = windows_.windows();
-    const auto found = std::ranges::find(all, window, &ManagedWindow::window);
-    if (found == all.end() || found->process != process) continue;
-    if (standsIn && found->bundleIdentifier.empty()) continue;
-    chosen = window;
-    standsIn = !found->bundleIdentifier.empty();
+  Window highest = None;
+  for (const Window window : stackedWindows(display) | std::views::reverse) {
+    const auto description = describeWindow(display, window);
+    if (description.process != process) continue;
+    if (standsIn(description)) return window;
+    if (highest == None) highest = window;
   }
-  if (!standsIn && active.process == process && active.window != None) return active.window;
-  return chosen;
+  return isInFront ? active.window : highest;
 }
 
 /// The server's clock, as events tell it: a toolkit takes an event without a time for one of the past.

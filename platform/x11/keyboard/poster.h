@@ -9,7 +9,6 @@
 #include <string>
 
 #include "platform/applications.h"
-#include "platform/x11/applications/window_list.h"
 #include "platform/x11/display.h"
 #include "platform/x11/keyboard/key_map.h"
 
@@ -26,7 +25,8 @@ struct KeyStroke {
 };
 
 /// Posts key events, on a connection of its own. Any thread. A key that the keyboard lacks, and a process
-/// without a window, are passed over.
+/// without a window, are passed over. Asks for the windows when it needs one: what it would be told of them
+/// meanwhile, nobody would read.
 class Poster {
  public:
   /// Null without a display.
@@ -55,7 +55,6 @@ class Poster {
   std::mutex mutex_;
   std::unique_ptr<Connection> connection_;
   KeyMap keys_;
-  WindowList windows_;
   Window clock_;
 };
 

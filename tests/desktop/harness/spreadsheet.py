@@ -22,6 +22,8 @@ class Spreadsheet(ABC):
     # The window class and the path to the "format cells" command of its menus.
     window_class: ClassVar[str]
     format_cells: ClassVar[list[str]]
+    # Whether its windows stay what they are; one that may become another program's is listened to.
+    keeps_its_class: ClassVar[bool] = True
 
     @classmethod
     def is_installed(cls) -> bool:
@@ -120,6 +122,7 @@ class Calc(Spreadsheet):
     pace = 5
     window_class = "libreoffice-calc"
     format_cells = ["Format", "Cells..."]
+    keeps_its_class = False
 
     def _command(self, desktop: PrivateDesktop) -> list[str]:
         return ["soffice", "--calc", "--norestore", "--nologo", "--nofirststartwizard",

@@ -32,6 +32,19 @@ def equal(read: Callable[[], Value], expected: Value, what: str, seconds: float 
     until(lambda: read() == expected, f"{what} to be {expected!r}", seconds, seen=read)
 
 
+def calm(read: Callable[[], Value], what: str, unchanged: float, seconds: float = 10.0) -> Value:
+    """Waits until `read()` has given one and the same value for `unchanged` seconds, and returns that."""
+    last, since = read(), time.monotonic()
+
+    def is_calm() -> bool:
+        nonlocal last, since
+        if (now := read()) != last:
+            last, since = now, time.monotonic()
+        return time.monotonic() - since > unchanged
+    until(is_calm, f"{what} to rest", seconds, seen=lambda: last)
+    return last
+
+
 def stays(read: Callable[[], Value], expected: Value, what: str, seconds: float) -> None:
     """Checks that `read()` equals `expected` now and for `seconds` from now: for what must not happen."""
     end = time.monotonic() + seconds

@@ -98,6 +98,24 @@ TEST_F(ApplicationsTest, AWindowMayChangeWhatItIs) {
   EXPECT_TRUE(comesToFront(true));
 }
 
+TEST_F(ApplicationsTest, AWindowThatShowsBeforeItSaysWhatItIsIsFoundOut) {
+  ClientWindow window(display.name(), {.instanceName = "", .className = ""});
+  ASSERT_TRUE(window.awaitFocus());
+  ASSERT_TRUE(comesToFront(false));
+  window.setClass("gnumeric", "Gnumeric");
+  EXPECT_TRUE(comesToFront(true));
+}
+
+TEST_F(ApplicationsTest, AWindowThatBecameAnotherInTheBackgroundIsFoundOutWhenItComesToFront) {
+  ClientWindow window(display.name(), {.instanceName = "xterm", .className = "XTerm"});
+  ASSERT_TRUE(window.awaitFocus());
+  const ClientWindow other(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
+  ASSERT_TRUE(other.awaitFocus());
+  window.setClass("gnumeric", "Gnumeric");
+  ASSERT_TRUE(window.activate());
+  EXPECT_TRUE(comesToFront(true));
+}
+
 TEST_F(ApplicationsTest, ARestartOfTheWindowManagerLosesNothing) {
   ClientWindow target(display.name(), {});
   ASSERT_TRUE(target.awaitFocus());

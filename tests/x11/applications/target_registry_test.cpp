@@ -29,5 +29,26 @@ TEST(TargetRegistry, WindowClassesStandInForTheTarget) {
   }
 }
 
+TEST(TargetRegistry, WindowsWithoutAClassAndThoseOfLibreOfficeMayBecomeAnother) {
+  struct Row {
+    std::string_view instanceName;
+    std::string_view className;
+    bool expected;
+  };
+  for (const auto& row : std::initializer_list<Row>{
+           {"", "", true},
+           {"libreoffice", "libreoffice-startcenter", true},
+           {"libreoffice", "libreoffice-calc", true},
+           {"VCLSalFrame.DocumentWindow", "LibreOffice 7.4", true},
+           {"soffice", "Soffice", true},
+           {"gnumeric", "Gnumeric", false},
+           {"excel.exe", "Wine", false},
+           {"office", "Office", false},
+       }) {
+    EXPECT_EQ(mayBecomeAnother(row.instanceName, row.className), row.expected)
+        << row.instanceName << ", " << row.className;
+  }
+}
+
 }  // namespace
 }  // namespace keyvora::x11
