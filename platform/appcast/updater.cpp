@@ -9,8 +9,9 @@
 namespace keyvora::appcast {
 namespace {
 
-constexpr std::size_t maxFeedBytes = 4 * 1024 * 1024;
-constexpr std::size_t maxNotesBytes = 512 * 1024;
+constexpr std::size_t kibibyte = 1024;
+constexpr std::size_t maxFeedBytes = 4096 * kibibyte;
+constexpr std::size_t maxNotesBytes = 512 * kibibyte;
 
 platform::UpdateItem publicItem(const FeedItem& item) {
   return {item.displayVersion, item.version};

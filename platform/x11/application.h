@@ -1,10 +1,10 @@
 #pragma once
 
+#include <glib.h>
+
 #include "platform/application.h"
 #include "platform/x11/notices.h"
 #include "platform/x11/process.h"
-
-typedef struct _GMainLoop GMainLoop;
 
 namespace keyvora::x11 {
 

@@ -43,11 +43,11 @@ class ShellTest : public testing::Test {
   [[nodiscard]] std::vector<std::string> rows() const {
     std::vector<std::string> lines;
     for (const auto& row : host.statusBar.menu().rows) {
-      std::string line = row.isSeparator ? "-" : row.title;
-      if (!row.isEnabled() && !row.isSeparator) line = "• " + line;
-      if (row.checked) line = "✓ " + line;
+      std::string& line = lines.emplace_back();
+      if (row.checked) line += "✓ ";
+      if (!row.isEnabled() && !row.isSeparator) line += "• ";
+      line += row.isSeparator ? "-" : row.title;
       if (row.keyEquivalent != 0) line += std::string(" (") + row.keyEquivalent + ")";
-      lines.push_back(line);
     }
     return lines;
   }

@@ -129,6 +129,7 @@ TEST_F(LogOnDiskTest, ThreadsLogInTheOrderOfEachWithoutMixingWithinALine) {
   constexpr int threads = 8;
   constexpr int records = 100;
   std::vector<std::thread> callers;
+  callers.reserve(threads);
   for (int thread = 0; thread < threads; ++thread) {
     callers.emplace_back([thread] {
       for (int i = 0; i < records; ++i) {

@@ -179,6 +179,7 @@ TEST_F(LogTest, TakesRecordsFromManyThreadsInTheOrderOfEach) {
   constexpr int threads = 4;
   constexpr int records = 50;
   std::vector<std::thread> callers;
+  callers.reserve(threads);
   for (int thread = 0; thread < threads; ++thread) {
     callers.emplace_back([thread] {
       for (int i = 0; i < records; ++i) Log::line(std::to_string(thread) + " " + std::to_string(i));

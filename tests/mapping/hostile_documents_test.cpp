@@ -41,7 +41,8 @@ TEST(HostileDocuments, AreRejectedInBoundedTimeAndMemory) {
   };
   const std::size_t size = 2 * mebibyte;
   const std::size_t few = 2 * mebibyte;
-  const std::size_t allNodes = 3 * 16 * json::maximumNodes;
+  constexpr std::size_t node = 16;
+  const std::size_t allNodes = 3 * node * json::maximumNodes;
   const Row rows[] = {
       {"brackets", std::string(64 * mebibyte, '['), few,
        "not valid JSON: arrays and objects nest more than 512 deep (line 1, column 513)"},

@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <ctime>
 #include <optional>
 #include <regex>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace keyvora::posix {
 namespace {
@@ -67,12 +67,10 @@ TEST(PosixClockTest, MayBeAskedFromManyThreads) {
   const Zone zone("UTC0");
   Clock clock;
   const auto before = std::time(nullptr);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      for (int n = 0; n < 1000; ++n) EXPECT_GE(secondsOf(clock.localTime()), before);
-    });
-  }
+  const auto ask = [&] {
+    for (int n = 0; n < 1000; ++n) EXPECT_GE(secondsOf(clock.localTime()), before);
+  };
+  std::array threads{std::thread(ask), std::thread(ask), std::thread(ask), std::thread(ask)};
   for (auto& thread : threads) thread.join();
 }
 

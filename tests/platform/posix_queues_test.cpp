@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <future>
 #include <latch>
@@ -12,7 +13,6 @@ namespace keyvora::posix {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::ElementsAre;
 
 /// Longer than any of this takes: reached only by a test that fails.
 constexpr auto limit = 20s;
@@ -34,12 +34,11 @@ TEST(PosixSerialQueueTest, KeepsTheOrderOfEachOfManyThreads) {
   Queues queues;
   const auto queue = queues.createSerial("org.keyvora.test");
   std::vector<std::pair<int, int>> ran;
-  std::vector<std::thread> callers;
-  for (int thread = 0; thread < 4; ++thread) {
-    callers.emplace_back([&, thread] {
-      for (int i = 0; i < 200; ++i) queue->async([&ran, thread, i] { ran.emplace_back(thread, i); });
-    });
-  }
+  const auto submit = [&](int thread) {
+    for (int i = 0; i < 200; ++i) queue->async([&ran, thread, i] { ran.emplace_back(thread, i); });
+  };
+  std::array callers{std::thread(submit, 0), std::thread(submit, 1), std::thread(submit, 2),
+                     std::thread(submit, 3)};
   for (auto& caller : callers) caller.join();
   ASSERT_TRUE(queue->drain(limit));
   ASSERT_EQ(ran.size(), 800u);

@@ -16,7 +16,7 @@ using testing::IsEmpty;
 struct SimulatedHostTest : testing::Test {
   Host host;
 
-  MenuRow row(std::string title, char key) {
+  MenuRow row(const std::string& title, char key) {
     return {.title = title, .keyEquivalent = key, .action = [this, title] { host.trace.note(title); }};
   }
 

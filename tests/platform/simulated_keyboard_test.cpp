@@ -21,7 +21,7 @@ struct SimulatedKeyboardTest : testing::Test {
   /// A tap on key events that records what it sees, by its name.
   std::unique_ptr<platform::EventTap> tap(std::string name, Verdict verdict = Verdict::pass,
                                           std::uint64_t mask = 0x1C00) {
-    return host.keyboard.createTap(mask, [this, name, verdict](const KeyEvent& event) {
+    return host.keyboard.createTap(mask, [this, name = std::move(name), verdict](const KeyEvent& event) {
       seen.push_back(event);
       order.push_back(name);
       return verdict;

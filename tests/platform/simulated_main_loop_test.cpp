@@ -20,7 +20,7 @@ struct SimulatedMainLoopTest : testing::Test {
   std::vector<std::string> ran;
 
   std::function<void()> note(std::string name) {
-    return [this, name] { ran.push_back(name); };
+    return [this, name = std::move(name)] { ran.push_back(name); };
   }
   std::unique_ptr<platform::Timer> once(double seconds, std::string name,
                                         TimerMode mode = TimerMode::defaultMode) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <thread>
 
 #include "platform/simulated/simulated_host.h"
@@ -17,7 +18,7 @@ struct SimulatedQueuesTest : testing::Test {
   std::vector<std::string> ran;
 
   platform::PlanStep step(std::string name, int sleep) {
-    return [this, name, sleep] {
+    return [this, name = std::move(name), sleep] {
       ran.push_back(name + " at " + std::to_string(host.mainLoop.now().count()));
       return microseconds(sleep);
     };
@@ -89,12 +90,10 @@ TEST_F(SimulatedQueuesTest, HeldWorkWaitsForItsRelease) {
 TEST_F(SimulatedQueuesTest, AQueueIsSerialForManyThreads) {
   const auto queue = host.queues.createSerial("queue");
   int count = 0;  // unprotected: the queue is what protects it
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      for (int n = 0; n < 250; ++n) queue->async([&count] { ++count; });
-    });
-  }
+  const auto submit = [&] {
+    for (int n = 0; n < 250; ++n) queue->async([&count] { ++count; });
+  };
+  std::array threads{std::thread(submit), std::thread(submit), std::thread(submit), std::thread(submit)};
   for (auto& thread : threads) thread.join();
   EXPECT_TRUE(queue->drain(std::chrono::seconds(10)));
   EXPECT_EQ(count, 1000);

@@ -6,7 +6,6 @@
 namespace keyvora::testing {
 namespace {
 
-using platform::KeyEvent;
 using platform::Verdict;
 using simulated::Call;
 using namespace platform::event_flag;

@@ -2,10 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
+#include <cstdlib>
 #include <sstream>
 
+#include "tests/support/scratch_directory.h"
 #include "tests/tools/golden.h"
 #include "tools/commands.h"
 #include "tools/embedded.h"
@@ -19,12 +20,7 @@ using testing::StartsWith;
 
 /// The program, run in a home directory of its own.
 struct CommandTest : testing::Test {
-  CommandTest() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "keyvora-tools-XXXXXX").string();
-    home = mkdtemp(pattern.data());
-    setenv("HOME", home.c_str(), 1);
-  }
-  ~CommandTest() override { std::filesystem::remove_all(home); }
+  CommandTest() { setenv("HOME", home.path().c_str(), 1); }
 
   int run(const std::vector<std::string>& arguments) {
     out.str("");
@@ -36,10 +32,10 @@ struct CommandTest : testing::Test {
   void write(const std::string& bytes) const {
     const auto file = home / "Library/Application Support/keyvora/mappings.json";
     std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file) << bytes;
+    test::write(file, bytes);
   }
 
-  std::filesystem::path home;
+  test::ScratchDirectory home;
   std::ostringstream out;
   std::ostringstream error;
 };
@@ -72,8 +68,8 @@ TEST_F(CommandTest, WarningsCountOnlyWhenTheyAreAskedTo) {
 TEST_F(CommandTest, ADocumentThatIsNotThereCannotBeChecked) {
   EXPECT_EQ(run({"check"}), 2);
   EXPECT_THAT(error.str(), HasSubstr("mappings.json: No such file or directory"));
-  EXPECT_EQ(run({"check", home.string()}), 2);
-  EXPECT_EQ(error.str(), "keyvora-mappings: " + home.string() + ": is a directory\n");
+  EXPECT_EQ(run({"check", home.path().string()}), 2);
+  EXPECT_EQ(error.str(), "keyvora-mappings: " + home.path().string() + ": is a directory\n");
   EXPECT_THAT(out.str(), IsEmpty());
 }
 

@@ -1,27 +1,17 @@
 #include "tools/follow.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <fstream>
+#include "tests/support/scratch_directory.h"
 
 namespace keyvora::tools {
 namespace {
 
+using test::write;
+
 struct FollowTest : testing::Test {
-  FollowTest() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "keyvora-follow-XXXXXX").string();
-    directory = mkdtemp(pattern.data());
-    file = directory / "mappings.json";
-  }
-  ~FollowTest() override { std::filesystem::remove_all(directory); }
-
-  static void write(const std::filesystem::path& path, const std::string& bytes) {
-    std::ofstream(path) << bytes;
-  }
-
-  std::filesystem::path directory;
-  std::filesystem::path file;
+  test::ScratchDirectory directory;
+  const std::filesystem::path file = directory / "mappings.json";
 };
 
 TEST_F(FollowTest, GivesTheContentOnceAndThenEveryChange) {

@@ -1,7 +1,8 @@
 #include "platform/x11/application.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
+
+#include <csignal>
 
 #include "platform/x11/main_loop.h"
 #include "tests/x11/recording_console.h"

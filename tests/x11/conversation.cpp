@@ -3,11 +3,11 @@
 #include <fcntl.h>
 #include <glib.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 
 #include <chrono>
+#include <csignal>
 #include <stdexcept>
 
 #include "tests/x11/private_display.h"
@@ -17,6 +17,7 @@ namespace keyvora::x11 {
 Conversation::Conversation(const std::vector<std::string>& command)
     : errors_(memfd_create("standard error", MFD_CLOEXEC)) {
   std::vector<char*> words;
+  words.reserve(command.size() + 1);
   for (const auto& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
   int toChild[2];
@@ -52,10 +53,10 @@ void Conversation::say(const std::string& line) {
   [[maybe_unused]] const auto written = write(input_.number(), text.data(), text.size());
 }
 
-bool Conversation::hears(const std::string& wanted) {
-  std::string line;
-  while (readLine(line)) {
-    if (line == wanted) return true;
+bool Conversation::hears(const std::string& line) {
+  std::string next;
+  while (readLine(next)) {
+    if (next == line) return true;
   }
   return false;
 }

@@ -3,11 +3,11 @@
 #include <fcntl.h>
 #include <glib.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 #include <thread>
@@ -44,6 +44,7 @@ std::string readDisplayNumber(int fileDescriptor) {
 
 Child::Child(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const auto& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   int failed[2];

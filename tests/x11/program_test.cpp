@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
+
+#include <csignal>
 
 #include "tests/x11/private_session.h"
 

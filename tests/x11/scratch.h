@@ -1,8 +1,7 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <cstddef>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <optional>

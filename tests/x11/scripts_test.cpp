@@ -12,8 +12,6 @@
 namespace keyvora::x11 {
 namespace {
 
-namespace fs = std::filesystem;
-
 class ScriptsTest : public testing::Test {
  protected:
   /// Puts a stand-in for osascript on PATH that runs these shell commands.

@@ -36,6 +36,7 @@ constexpr std::array absentKeys{
 template <class Table>
 std::vector<std::string_view> namesOf(const Table& table) {
   std::vector<std::string_view> names;
+  names.reserve(table.size());
   for (const auto& each : table) names.push_back(each.name);
   return names;
 }

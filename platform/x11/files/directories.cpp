@@ -27,12 +27,12 @@ std::optional<std::filesystem::path> passwordEntryHome() {
 }  // namespace
 
 std::optional<std::filesystem::path> homeDirectory() {
-  if (const auto home = absolute(std::getenv("HOME"))) return home;
+  if (auto home = absolute(std::getenv("HOME"))) return home;
   return passwordEntryHome();
 }
 
 std::optional<std::filesystem::path> configurationDirectory() {
-  if (const auto directory = absolute(std::getenv("XDG_CONFIG_HOME"))) return directory;
+  if (auto directory = absolute(std::getenv("XDG_CONFIG_HOME"))) return directory;
   const auto home = homeDirectory();
   if (!home) return std::nullopt;
   return *home / ".config";

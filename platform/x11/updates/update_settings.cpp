@@ -29,8 +29,8 @@ appcast::Settings updateSettings(const platform::Bundle& bundle) {
   const auto text = [&list](const char* key) { return property<std::string>(list, key); };
   const auto seconds = [&list](const char* key, std::chrono::seconds otherwise) {
     const auto number = property<std::int64_t>(list, key).value_or(otherwise.count());
-    constexpr std::int64_t year = 366 * 24 * 60 * 60;
-    return std::chrono::seconds(std::clamp<std::int64_t>(number, 1, year));
+    constexpr std::chrono::seconds year = std::chrono::days(366);
+    return std::chrono::seconds(std::clamp<std::int64_t>(number, 1, year.count()));
   };
 
   settings.feedAddress = text("SUFeedURL").value_or("");

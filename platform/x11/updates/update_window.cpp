@@ -182,7 +182,7 @@ GtkWidget* UpdateWindow::addButton(GtkWidget* buttons, const std::string& label,
 }
 
 /// Takes the window away, then tells the answer; a copy of it, for it went away with the window.
-void UpdateWindow::finish(std::function<void()> answer) {
+void UpdateWindow::finish(std::function<void()> answer) {  // NOLINT(performance-unnecessary-value-param)
   close();
   if (answer) answer();
 }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <gtk/gtk.h>
+
 #include <functional>
 #include <string>
 
 #include "platform/appcast/presenter.h"
-
-using GtkWidget = struct _GtkWidget;
 
 namespace keyvora::x11 {
 

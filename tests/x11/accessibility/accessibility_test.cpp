@@ -2,9 +2,9 @@
 
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <chrono>
+#include <csignal>
 
 #include "tests/x11/conversation.h"
 #include "tests/x11/private_session.h"

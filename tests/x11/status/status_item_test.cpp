@@ -1,6 +1,7 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
-#include <signal.h>
+
+#include <csignal>
 
 #include "tests/x11/conversation.h"
 #include "tests/x11/private_session.h"
@@ -19,7 +20,7 @@ const Rows firstMenu{
 
 class StatusItemTest : public testing::Test {
  protected:
-  ~StatusItemTest() override {
+  void TearDown() override {
     session.endTray();
     session.display().setLayout("us");
   }

@@ -76,7 +76,7 @@ TEST_F(CurlFetcherTest, TheAnswerComesOnTheMainThreadAndMayEndTheFetch) {
 TEST_F(CurlFetcherTest, AFetchThatTakesTooLongFails) {
   std::optional<appcast::Fetched> got;
   const auto fetch =
-      fetcher.fetch(server.address(), {1s, 100}, [&](appcast::Fetched fetched) { got = fetched; });
+      fetcher.fetch(server.address(), {1s, 100}, [&](appcast::Fetched fetched) { got = std::move(fetched); });
   answer();
   ASSERT_TRUE(got.has_value());
   EXPECT_EQ(got->error, "it took longer than 1 seconds");

@@ -1,29 +1,22 @@
 #include "platform/x11/updates/update_history.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <fstream>
+#include "tests/support/scratch_directory.h"
 
 namespace keyvora::x11 {
 namespace {
 
 class UpdateHistoryTest : public testing::Test {
  protected:
-  UpdateHistoryTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "keyvora-history-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~UpdateHistoryTest() override { std::filesystem::remove_all(folder_); }
-
   void write(const std::string& text) {
     std::filesystem::create_directories(file().parent_path());
-    std::ofstream(file()) << text;
+    test::write(file(), text);
   }
 
   [[nodiscard]] std::filesystem::path file() const { return folder_ / "state" / "keyvora" / "updates"; }
 
-  std::filesystem::path folder_;
+  test::ScratchDirectory folder_;
 };
 
 TEST_F(UpdateHistoryTest, IsEmptyAtFirstAndReadingItMakesNoFile) {

@@ -2,12 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <filesystem>
-#include <fstream>
 
 #include "platform/x11/applications/bundle.h"
+#include "tests/support/scratch_directory.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -16,19 +13,15 @@ using std::chrono::seconds;
 
 class UpdateSettingsTest : public testing::Test {
  protected:
-  UpdateSettingsTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "keyvora-settings-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~UpdateSettingsTest() override { std::filesystem::remove_all(folder_); }
-
   /// The settings of a bundle with these entries in its dictionary.
   appcast::Settings with(const std::string& entries) {
-    std::ofstream(folder_ / "Info.plist") << "<plist version=\"1.0\"><dict>" << entries << "</dict></plist>";
-    return updateSettings(Bundle(folder_, folder_));
+    test::write(folder_ / "Info.plist", "<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
+    return updateSettings(bundle());
   }
 
-  std::filesystem::path folder_;
+  [[nodiscard]] Bundle bundle() const { return {folder_.path(), folder_.path()}; }
+
+  test::ScratchDirectory folder_;
 };
 
 TEST_F(UpdateSettingsTest, AreReadUnderSparklesKeys) {
@@ -57,7 +50,7 @@ TEST_F(UpdateSettingsTest, HaveDefaults) {
 }
 
 TEST_F(UpdateSettingsTest, WithoutADictionaryAreTheDefaultsToo) {
-  EXPECT_EQ(updateSettings(Bundle(folder_, folder_)).version, "0");
+  EXPECT_EQ(updateSettings(bundle()).version, "0");
 }
 
 TEST_F(UpdateSettingsTest, AreNotTakenFromValuesOfAnotherType) {
