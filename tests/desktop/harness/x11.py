@@ -20,7 +20,9 @@ def root_property(name: str) -> str:
 
 
 def window_property(window: str, name: str) -> str:
-    """The text of one property of a window (an id, or "-root"); empty while it is not set."""
+    """The text of one property of a window (an id, or "-root"); empty while it is not set, or for no window."""
+    if not window:
+        return ""  # xprop, too, would wait for a click
     which = [window] if window == "-root" else ["-id", window]
     answer = _output(["xprop", *which, "-notype", name])
     _, found, value = answer.partition("=") if "=" in answer else answer.partition("#")
