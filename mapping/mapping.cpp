@@ -42,6 +42,10 @@ bool operator==(const Sequence& a, const Sequence& b) {
   return text::equal(a.keys, b.keys) && text::equal(a.name, b.name) && a.action == b.action;
 }
 
+std::chrono::milliseconds Mapping::timeout() const {
+  return timeoutMilliseconds ? std::chrono::milliseconds(*timeoutMilliseconds) : defaultTimeout;
+}
+
 bool KeyOrder::operator()(std::string_view a, std::string_view b) const {
   if (text::isAscii(a) && text::isAscii(b)) return a < b;
   return text::canonical(a) < text::canonical(b);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -43,9 +44,11 @@ struct KeyOrder {
 
 /// The mapping document: a plain value, never changed after decoding.
 struct Mapping {
+  static constexpr std::chrono::milliseconds defaultTimeout{1500};
+
   std::int64_t version = 1;
   std::optional<std::vector<std::string>> notes;
-  /// How long to wait on an ambiguous sequence, in milliseconds; not validated.
+  /// As written; not validated. `timeout` says what it means.
   std::optional<std::int64_t> timeoutMilliseconds;
   std::map<std::string, std::string, KeyOrder> tabs;
   /// In document order, which decides ties.
@@ -54,6 +57,9 @@ struct Mapping {
   /// Matches the letters typed so far against all sequences, normalising each anew. Allocates nothing for
   /// sequences whose keys are ASCII. Any thread.
   [[nodiscard]] Match lookup(std::span<const std::string> typed) const;
+
+  /// How long to wait on an ambiguous sequence: what the document says, unchecked, else the default.
+  [[nodiscard]] std::chrono::milliseconds timeout() const;
 
   friend bool operator==(const Mapping& a, const Mapping& b);
 };

@@ -20,7 +20,7 @@ constexpr platform::Seconds reloadDelay(0.2);
 Mapping fallback() {
   Mapping mapping;
   mapping.version = 1;
-  mapping.timeoutMilliseconds = 1500;
+  mapping.timeoutMilliseconds = Mapping::defaultTimeout.count();
   return mapping;
 }
 

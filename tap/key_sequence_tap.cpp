@@ -25,13 +25,6 @@ constexpr std::uint16_t leftOptionKey = 58;
 constexpr std::uint16_t rightOptionKey = 61;
 constexpr std::uint16_t escapeKey = 53;
 
-constexpr platform::Seconds defaultTimeout{1.5};
-
-platform::Seconds timeoutOf(const Mapping& mapping) {
-  if (!mapping.timeoutMilliseconds) return defaultTimeout;
-  return platform::Seconds(static_cast<double>(*mapping.timeoutMilliseconds) / 1000.0);
-}
-
 std::string joined(const std::vector<std::string>& letters) {
   std::string text;
   for (const auto& letter : letters) text += letter;
@@ -141,7 +134,7 @@ void KeySequenceTap::scheduleTimeout(const Mapping& mapping, std::optional<Seque
       disarm();
     }
   };
-  timer_ = platform::current().mainLoop.schedule(timeoutOf(mapping), false, platform::TimerMode::defaultMode,
+  timer_ = platform::current().mainLoop.schedule(mapping.timeout(), false, platform::TimerMode::defaultMode,
                                                  std::move(expired));
 }
 

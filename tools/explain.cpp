@@ -61,7 +61,7 @@ class Telling {
       key(name, "swallowed; nothing starts with " + joined(typed));
       log(step);
     } else if (match.exact != nullptr) {
-      key(name, "waits " + inSeconds(timeoutOf(mapping_)) + " with " + label(*match.exact) + "; goes on to " +
+      key(name, "waits " + inSeconds(mapping_.timeout()) + " with " + label(*match.exact) + "; goes on to " +
                     longerKeys(typed, mapping_));
     } else {
       key(name, "goes on to " + longerKeys(typed, mapping_));

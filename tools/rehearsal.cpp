@@ -10,7 +10,6 @@
 #include "tap/key_sequence_tap.h"
 #include "tools/letters.h"
 #include "tools/menu_bar.h"
-#include "tools/wording.h"
 
 namespace keyvora::tools {
 namespace {
@@ -91,7 +90,7 @@ std::optional<std::pair<std::chrono::milliseconds, Step>> Rehearsal::wait() {
   auto& host = stage_->host;
   if (!stage_->armed || host.mainLoop.pending() == 0) return std::nullopt;
   const auto began = host.mainLoop.now();
-  host.advance(platform::Seconds(std::max(timeoutOf(stage_->mapping), {})).count());
+  host.advance(platform::Seconds(std::max(stage_->mapping.timeout(), {})).count());
   const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(stage_->changedAt - began);
   return std::pair(time, stage_->step(platform::Verdict::pass));
 }

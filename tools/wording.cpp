@@ -17,9 +17,6 @@
 namespace keyvora::tools {
 namespace {
 
-/// What the tap waits when the document does not say.
-constexpr std::chrono::milliseconds defaultTimeout{1500};
-
 template <class... Visitors>
 struct Overloaded : Visitors... {
   using Visitors::operator()...;
@@ -82,11 +79,6 @@ std::string inSeconds(std::chrono::milliseconds time) {
   std::ostringstream number;
   number << std::setprecision(15) << std::chrono::duration<double>(time).count();
   return number.str() + (time == std::chrono::seconds(1) ? " second" : " seconds");
-}
-
-std::chrono::milliseconds timeoutOf(const Mapping& mapping) {
-  return mapping.timeoutMilliseconds ? std::chrono::milliseconds(*mapping.timeoutMilliseconds)
-                                     : defaultTimeout;
 }
 
 std::string_view kindOf(const Action& action) {

@@ -20,9 +20,6 @@ std::string counted(std::size_t count, std::string_view noun);
 /// "1.5 seconds", "1 second".
 std::string inSeconds(std::chrono::milliseconds time);
 
-/// How long the tap waits on an ambiguous sequence of this document; 1.5 seconds when it does not say.
-std::chrono::milliseconds timeoutOf(const Mapping& mapping);
-
 /// The name of an action's kind, as documents write it.
 std::string_view kindOf(const Action& action);
 

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
+#include <optional>
 
 #include "mapping/decode.h"
 #include "mapping/encode.h"
@@ -27,6 +29,19 @@ TEST(Mapping, IsEqualWhenAllItsFieldsAreCanonicallyEquivalent) {
   decomposed.tabs = {{"e\u0301", "E\u0301"}, {"H", "Home"}};
   decomposed.sequences[0].keys = "e\u0301";
   EXPECT_EQ(decomposed, sample());
+}
+
+TEST(Mapping, WaitsAsLongAsItSaysUncheckedOrASecondAndAHalf) {
+  constexpr auto most = std::numeric_limits<std::int64_t>::max();
+  const struct {
+    std::optional<std::int64_t> written;
+    std::int64_t milliseconds;
+  } rows[] = {{std::nullopt, 1500}, {800, 800}, {0, 0}, {-5, -5}, {most, most}};
+  for (const auto& row : rows) {
+    Mapping mapping;
+    mapping.timeoutMilliseconds = row.written;
+    EXPECT_EQ(mapping.timeout().count(), row.milliseconds);
+  }
 }
 
 TEST(Mapping, DiffersWhenOneFieldDoes) {

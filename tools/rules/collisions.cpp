@@ -74,7 +74,7 @@ void repeatedSequences(const Document& document, std::string_view name, Findings
 
 void waitingSequences(const Document& document, std::string_view name, Findings& findings) {
   const auto last = lastByLetters(document);
-  const auto wait = timeoutOf(document.mapping());
+  const auto wait = document.mapping().timeout();
   for (auto each = last.begin(); each != last.end(); ++each) {
     const auto& entry = *each->second;
     if (entry.letters.empty() || firstUntypable(entry.letters)) continue;
