@@ -3,6 +3,7 @@
 #include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -20,41 +21,73 @@ struct DoubleHandler : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, DoubleHan
   }
 };
 
-/// The number as a double; none when it is too large for one.
-std::optional<double> asDouble(std::string_view number) {
-  rapidjson::MemoryStream stream(number.data(), number.size());
+/// How a double is rounded depends on so many digits and on whether anything but noughts follows.
+constexpr std::size_t telling = 767;
+
+/// A number other than nought: `digits` times ten to the power of `exponent`. No digit at either end is a 0,
+/// and whatever follows those that tell is a 1.
+struct Decimal {
+  bool negative = false;
+  std::string digits;
+  long long exponent = 0;
+};
+
+Decimal decimal(std::string_view number) {
+  Decimal result;
+  result.negative = number.front() == '-';
+  if (result.negative) number.remove_prefix(1);
+  if (const auto at = number.find_first_of("eE"); at != number.npos) {
+    auto written = number.substr(at + 1);
+    if (written.front() == '+') written.remove_prefix(1);
+    const auto [end, error] =
+        std::from_chars(written.data(), written.data() + written.size(), result.exponent);
+    // Beyond any double, whatever the digits.
+    constexpr long long far = 1'000'000'000;
+    if (error != std::errc()) result.exponent = written.front() == '-' ? -far : far;
+    result.exponent = std::clamp(result.exponent, -far, far);
+    number = number.substr(0, at);
+  }
+  bool behindPoint = false;
+  bool more = false;
+  for (const char c : number) {
+    if (c == '.') {
+      behindPoint = true;
+    } else if (result.digits.size() == telling) {
+      more = more || c != '0';
+      if (!behindPoint) ++result.exponent;
+    } else {
+      if (!result.digits.empty() || c != '0') result.digits += c;
+      if (behindPoint) --result.exponent;
+    }
+  }
+  if (more) {
+    result.digits += '1';
+    --result.exponent;
+  }
+  for (; result.digits.back() == '0'; ++result.exponent) result.digits.pop_back();
+  return result;
+}
+
+/// The number as a double; none when it is too large for one. It is shown to the parser with one digit before
+/// the point: some versions turn away long ones whatever the exponent.
+std::optional<double> asDouble(const Decimal& number) {
+  const auto exponent = number.exponent + static_cast<long long>(number.digits.size()) - 1;
+  const auto text = (number.negative ? "-" : "") + number.digits.substr(0, 1) + "." +
+                    number.digits.substr(1) + "0e" + std::to_string(exponent);
+  rapidjson::MemoryStream stream(text.data(), text.size());
   DoubleHandler handler;
   rapidjson::Reader reader;
   reader.Parse<rapidjson::kParseFullPrecisionFlag>(stream, handler);
   return handler.value;
 }
 
-/// The value of digits with a point and an exponent, exactly. The number is known to be between 2^53 and
-/// 2^63.
-std::variant<std::int64_t, NotAnInteger> exactly(std::string_view number) {
-  const bool negative = number.front() == '-';
-  const std::size_t exponentAt = number.find_first_of("eE");
-  std::string digits(number.substr(negative ? 1 : 0, exponentAt - (negative ? 1 : 0)));
-  long long exponent = 0;
-  if (exponentAt != std::string_view::npos) {
-    auto written = number.substr(exponentAt + 1);
-    if (written.front() == '+') written.remove_prefix(1);
-    std::from_chars(written.data(), written.data() + written.size(), exponent);
-  }
-  if (const std::size_t point = digits.find('.'); point != std::string::npos) {
-    exponent -= static_cast<long long>(digits.size() - point - 1);
-    digits.erase(point, 1);
-  }
-  while (exponent < 0 && !digits.empty() && digits.back() == '0') {
-    digits.pop_back();
-    ++exponent;
-  }
-  if (exponent < 0) return NotAnInteger::fraction;
-  if (negative) digits.insert(digits.begin(), '-');
-  // A double cannot be this large by more zeros than it has room for.
-  digits.append(static_cast<std::size_t>(exponent), '0');
+/// The value of a number that is known to be between 2^53 and 2^63, exactly.
+std::variant<std::int64_t, NotAnInteger> exactly(const Decimal& number) {
+  if (number.exponent < 0) return NotAnInteger::fraction;
+  const auto text = (number.negative ? "-" : "") + number.digits +
+                    std::string(static_cast<std::size_t>(number.exponent), '0');
   std::int64_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc()) return NotAnInteger::outOfRange;
   return value;
 }
@@ -70,14 +103,15 @@ std::variant<std::int64_t, NotAnInteger> integer(std::string_view number) {
   }
   const auto significand = number.substr(0, number.find_first_of("eE"));
   if (significand.find_first_of("123456789") == std::string_view::npos) return 0;
-  const auto asDoubled = asDouble(number);
+  const auto exact = decimal(number);
+  const auto asDoubled = asDouble(exact);
   constexpr double range = 9223372036854775808.0;
   constexpr double everyInteger = 9007199254740992.0;
   if (!asDoubled) return NotAnInteger::outOfRange;
   if (std::trunc(*asDoubled) != *asDoubled) return NotAnInteger::fraction;
   if (*asDoubled < -range || *asDoubled >= range) return NotAnInteger::outOfRange;
   if (std::abs(*asDoubled) < everyInteger) return static_cast<std::int64_t>(*asDoubled);
-  return exactly(number);
+  return exactly(exact);
 }
 
 }  // namespace keyvora::json

@@ -28,13 +28,19 @@ Position positionAt(std::string_view text, std::size_t offset) {
   return position;
 }
 
-/// Whether a string that was written with escapes holds a surrogate by itself, which the parser lets pass
-/// when it is the second half of a pair.
-bool holdsSurrogate(std::string_view characters) {
-  for (std::size_t i = 0; i + 1 < characters.size(); ++i) {
-    if (characters[i] == '\xED' && static_cast<unsigned char>(characters[i + 1]) >= 0xA0) return true;
+/// Where in a string as it is written, its escapes being whole, one stands for the second half of a surrogate
+/// pair without the first: some versions of the parser let that pass.
+std::size_t loneSecondHalf(std::string_view written) {
+  auto at = written.find('\\');
+  while (at != written.npos) {
+    const auto lower = [&](std::size_t digit) { return static_cast<char>(written[at + 2 + digit] | 0x20); };
+    const bool unit = written[at + 1] == 'u';
+    const bool half = unit && lower(0) == 'd' && lower(1) >= '8';
+    if (half && lower(1) >= 'c') return at;
+    constexpr std::size_t unitLength = 6;
+    at = written.find('\\', at + (half ? 2 * unitLength : unit ? unitLength : 2));
   }
-  return false;
+  return at;
 }
 
 /// Whether a character may stand between two tokens.
@@ -137,9 +143,11 @@ class TreeBuilder {
     const std::size_t end = source_.Tell();
     const std::size_t quotes = 2;
     const bool escaped = end - next_ != characters.size() + quotes;
-    if (escaped && holdsSurrogate(characters)) {
-      return fail(syntaxErrorReason(rapidjson::kParseErrorStringUnicodeSurrogateInvalid, text_, next_),
-                  next_);
+    const auto written = text_.substr(next_ + 1, end - next_ - quotes);
+    if (const auto half = escaped ? loneSecondHalf(written) : written.npos; half != written.npos) {
+      const std::size_t offset = next_ + 1 + half;
+      return fail(syntaxErrorReason(rapidjson::kParseErrorStringUnicodeSurrogateInvalid, text_, offset),
+                  offset);
     }
     const std::size_t unescaped = tree_.unescaped_.size();
     if (escaped) tree_.unescaped_.append(characters);

@@ -60,6 +60,7 @@ std::string syntaxErrorReason(rapidjson::ParseErrorCode code, std::string_view t
     case rapidjson::kParseErrorStringUnicodeSurrogateInvalid:
       return "half of a surrogate pair is no character";
     case rapidjson::kParseErrorStringEscapeInvalid:
+    case rapidjson::kParseErrorStringInvalidEncoding:  // what versions after 1.1.0 call a control character
       return misplacedInString(text, offset);
     case rapidjson::kParseErrorStringMissQuotationMark:
       return offset < text.size() ? misplacedInString(text, offset) : "the string has no end";
