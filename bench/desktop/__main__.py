@@ -20,7 +20,7 @@ def main() -> int:
     parser.add_argument("figure", choices=FIGURES)
     parser.add_argument("--programs", type=Path, required=True, help="the build folder")
     parser.add_argument("--times", type=int, default=10_000, help="keys of each row (delivery)")
-    parser.add_argument("--minutes", type=float, default=10, help="how long (soak)")
+    parser.add_argument("--minutes", type=float, help="how long (idle: 1, soak: 10)")
     arguments = parser.parse_args()
     print(f"{os.cpu_count()} processors, load {os.getloadavg()[0]:.1f} before the run", flush=True)
     with PrivateDesktop() as desktop:

@@ -14,6 +14,8 @@ from harness.typist import Typist
 from harness.waiting import Timeout, equal
 
 SAMPLE = 60.0
+# Without --minutes.
+MINUTES = 10.0
 # Milliseconds after each key: twice as fast as the fastest hands.
 PACE = 30
 
@@ -37,13 +39,14 @@ def run(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     def sample() -> float:
         now = time.monotonic()
         used = counts(keyvora.process_id())
-        print(f"{(now - begin) / 60:8.1f}{rounds:8}{keys:8}{fired:8}{reloads:8}{used.resident:8}{used.files:6}"
-              f"{used.processor:8.2f}", flush=True)
+        print(f"{(now - begin) / 60:8.1f}{rounds:8}{keys:8}{fired:8}{reloads:8}{used.resident:8}{used.written:8}"
+              f"{used.files:6}{used.processor:8.2f}", flush=True)
         return now
 
-    print(f"{'minutes':>8}{'rounds':>8}{'keys':>8}{'fired':>8}{'reloads':>8}{'KiB':>8}{'files':>6}{'CPU s':>8}")
+    print(f"{'minutes':>8}{'rounds':>8}{'keys':>8}{'fired':>8}{'reloads':>8}{'KiB':>8}{'written':>8}{'files':>6}"
+          f"{'CPU s':>8}")
     sampled = sample()
-    while time.monotonic() - begin < arguments.minutes * 60:
+    while time.monotonic() - begin < (arguments.minutes or MINUTES) * 60:
         if time.monotonic() - sampled >= SAMPLE:
             sampled = sample()
         sheet.select(typist, "A1")

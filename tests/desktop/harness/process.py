@@ -11,7 +11,10 @@ class Counts:
 
     switches: int
     processor: float
+    # In memory; of it, what no other program has mapped just now; of that, what the process itself wrote.
     resident: int
+    private: int
+    written: int
     files: int
 
 
@@ -23,6 +26,9 @@ def counts(process: int) -> Counts:
         switches += sum(int(line.split()[1]) for line in (task / "status").read_text().splitlines()
                         if "ctxt_switches" in line)
         nanoseconds += int((task / "schedstat").read_text().split()[0])
-    status = dict(line.split(":", 1) for line in (folder / "status").read_text().splitlines())
-    return Counts(switches, nanoseconds / 1e9, int(status["VmRSS"].split()[0]),
+    # The first line names a range of addresses.
+    lines = (folder / "smaps_rollup").read_text().splitlines()[1:]
+    memory = {name: int(size.split()[0]) for name, size in (line.split(":") for line in lines)}
+    written = memory["Private_Dirty"]
+    return Counts(switches, nanoseconds / 1e9, memory["Rss"], memory["Private_Clean"] + written, written,
                   len(os.listdir(folder / "fd")))
