@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <optional>
 #include <string>
 #include <system_error>
 
@@ -14,7 +13,7 @@ namespace keyvora::json {
 namespace {
 
 struct DoubleHandler : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, DoubleHandler> {
-  std::optional<double> value;
+  double value = 0;
   bool Double(double number) {
     value = number;
     return true;
@@ -30,6 +29,9 @@ struct Decimal {
   bool negative = false;
   std::string digits;
   long long exponent = 0;
+
+  /// The power of ten that the first digit counts.
+  [[nodiscard]] long long magnitude() const { return exponent + static_cast<long long>(digits.size()) - 1; }
 };
 
 Decimal decimal(std::string_view number) {
@@ -42,7 +44,7 @@ Decimal decimal(std::string_view number) {
     const auto [end, error] =
         std::from_chars(written.data(), written.data() + written.size(), result.exponent);
     // Beyond any double, whatever the digits.
-    constexpr long long far = 1'000'000'000;
+    constexpr long long far = 10'000'000'000;
     if (error != std::errc()) result.exponent = written.front() == '-' ? -far : far;
     result.exponent = std::clamp(result.exponent, -far, far);
     number = number.substr(0, at);
@@ -68,12 +70,19 @@ Decimal decimal(std::string_view number) {
   return result;
 }
 
-/// The number as a double; none when it is too large for one. It is shown to the parser with one digit before
-/// the point: some versions turn away long ones whatever the exponent.
-std::optional<double> asDouble(const Decimal& number) {
-  const auto exponent = number.exponent + static_cast<long long>(number.digits.size()) - 1;
+/// Whether it is too small for a double, and so counts as nought: not above 2^-1075.
+bool vanishes(const Decimal& number) {
+  constexpr int magnitude = -324;
+  constexpr std::string_view digits = "247032822920623272088284396434110686182529901307162382212792";
+  return number.magnitude() < magnitude || (number.magnitude() == magnitude && number.digits < digits);
+}
+
+/// A number that is neither very large nor very small as a double. It is shown to the parser with one digit
+/// before the point: some versions turn away long ones whatever the exponent. About the largest and smallest
+/// doubles version 1.1.0 gives wrong ones, or reads outside its table of powers of ten.
+double asDouble(const Decimal& number) {
   const auto text = (number.negative ? "-" : "") + number.digits.substr(0, 1) + "." +
-                    number.digits.substr(1) + "0e" + std::to_string(exponent);
+                    number.digits.substr(1) + "0e" + std::to_string(number.magnitude());
   rapidjson::MemoryStream stream(text.data(), text.size());
   DoubleHandler handler;
   rapidjson::Reader reader;
@@ -104,13 +113,16 @@ std::variant<std::int64_t, NotAnInteger> integer(std::string_view number) {
   const auto significand = number.substr(0, number.find_first_of("eE"));
   if (significand.find_first_of("123456789") == std::string_view::npos) return 0;
   const auto exact = decimal(number);
-  const auto asDoubled = asDouble(exact);
+  constexpr int largestMagnitude = 18;  // of 2^63
+  if (exact.magnitude() > largestMagnitude) return NotAnInteger::outOfRange;
+  if (vanishes(exact)) return 0;
+  if (exact.magnitude() < -1) return NotAnInteger::fraction;
+  const double rounded = asDouble(exact);
   constexpr double range = 9223372036854775808.0;
   constexpr double everyInteger = 9007199254740992.0;
-  if (!asDoubled) return NotAnInteger::outOfRange;
-  if (std::trunc(*asDoubled) != *asDoubled) return NotAnInteger::fraction;
-  if (*asDoubled < -range || *asDoubled >= range) return NotAnInteger::outOfRange;
-  if (std::abs(*asDoubled) < everyInteger) return static_cast<std::int64_t>(*asDoubled);
+  if (std::trunc(rounded) != rounded) return NotAnInteger::fraction;
+  if (rounded < -range || rounded >= range) return NotAnInteger::outOfRange;
+  if (std::abs(rounded) < everyInteger) return static_cast<std::int64_t>(rounded);
   return exactly(exact);
 }
 

@@ -67,7 +67,25 @@ TEST(JsonInteger, IsExactInItsWholeRange) {
       {"9007199254740991." + std::string(800, '0') + "1", 9007199254740991},
       {"-1.5e-99999999999999999999", 0},
       {"-12.50e99999999999999999999", outOfRange},
+      {"15" + std::string(400, '0') + "e-401", fraction},
       {"0." + std::string(400, '0') + "1e401", 1},
+      {"-0." + std::string(400, '0') + "15e401", fraction},
+      // Numbers about as small as a double can be: below them is zero.
+      {"2e-324", 0},
+      {"3e-324", fraction},
+      {"0." + std::string(322, '0') + "1", fraction},
+      {"0." + std::string(390, '0') + "96660520535180771587", 0},
+      {"-0." + std::string(100'000, '0') + "1", 0},
+      {"1." + std::string(700, '1') + "e-340", 0},
+      {"1." + std::string(700, '1') + "e-323", fraction},
+      {std::string(1000, '1') + "e-1300", fraction},
+      {std::string(1000, '1') + "e-1330", 0},
+      {"1e-99999999999999999999", 0},
+      // Digits far behind decide on which side of a half a number is.
+      {"4503599627370496.5" + std::string(900, '0'), 4503599627370496},
+      {"4503599627370496.5" + std::string(900, '0') + "1", 4503599627370497},
+      {"2251799813685249.25" + std::string(900, '0'), 2251799813685249},
+      {"2251799813685249.25" + std::string(900, '0') + "1", fraction},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.number);
