@@ -45,6 +45,7 @@ TEST(JsonInteger, IsExactInItsWholeRange) {
       {"1e19", outOfRange},
       {"1e400", outOfRange},
       {"-1e400", outOfRange},
+      {"5e308", outOfRange},  // the largest double is smaller
       {"1e99999999999999999999", outOfRange},
       {"9007199254740991.0", 9007199254740991},
       {"9007199254740993.0", 9007199254740993},
