@@ -4,8 +4,8 @@
 #include <X11/Xatom.h>
 #include <X11/extensions/XTest.h>
 
+#include <algorithm>
 #include <array>
-#include <ranges>
 #include <utility>
 
 #include "platform/keyboard.h"
@@ -108,7 +108,9 @@ Window Poster::windowOf(platform::ProcessIdentifier process) const {
 
   // The process may show windows of several applications; those that stand in for one come first.
   Window highest = None;
-  for (const Window window : stackedWindows(display) | std::views::reverse) {
+  auto highestFirst = stackedWindows(display);
+  std::ranges::reverse(highestFirst);
+  for (const Window window : highestFirst) {
     const auto description = describeWindow(display, window);
     if (description.process != process) continue;
     if (standsIn(description)) return window;
