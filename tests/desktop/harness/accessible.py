@@ -104,6 +104,15 @@ def text(element: Element) -> str:
         return ""
 
 
+def cell_text(table: Element, row: int, column: int) -> str:
+    """What a cell of a table shows; empty for one that it does not have."""
+    try:
+        cell = table.get_table_iface().get_accessible_at(row, column)
+    except GLib.Error:
+        return ""
+    return text(cell) if cell else ""
+
+
 def find(element: Element, wanted: str, title: str | None = None) -> Element | None:
     """The first descendant of a role and, if given, a name."""
     for found in descendants(element):

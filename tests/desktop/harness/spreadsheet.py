@@ -128,6 +128,11 @@ class Calc(Spreadsheet):
         return ["soffice", "--calc", "--norestore", "--nologo", "--nofirststartwizard",
                 f"-env:UserInstallation=file://{desktop.home}/office"]
 
+    def shown(self, cell: str) -> str:
+        """What a cell of the sheet shows, be it selected or not."""
+        table = accessible.find(self._root, "table")
+        return accessible.cell_text(table, int(cell[1:]) - 1, ord(cell[0]) - ord("A")) if table else ""
+
     def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
         bar = accessible.find(self._root, "tool bar", "Formula Tool Bar")
         name_box = bar and accessible.find(bar, "text")

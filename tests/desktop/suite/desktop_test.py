@@ -10,7 +10,8 @@ from harness.keyvora import Document, Keyvora
 from harness.private_desktop import PrivateDesktop
 from harness.spreadsheet import Spreadsheet
 from harness.typist import Typist
-from harness.waiting import equal
+from harness.waiting import equal, until
+from harness.x11 import active_class
 
 # The document of most tests: one sequence that types a letter, one that opens a dialog, an ambiguous pair.
 DOCUMENT: Document = {
@@ -80,6 +81,8 @@ class DesktopTest(unittest.TestCase):
         """Selects an empty cell of a column of its own, where no completion gets in the way."""
         DesktopTest._columns_used += 1
         self.typist.tap("Escape")
+        # A dialog of the test before may just be closing, and would take the next keys along.
+        until(self.sheet.is_in_front, "the spreadsheet in front", 20, seen=active_class)
         self.sheet.select(self.typist, f"{chr(ord('A') + self._columns_used % 26)}1")
 
     def dismiss(self) -> None:
