@@ -6,38 +6,13 @@
 #include <csignal>
 #include <cstdlib>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "platform/x11/display.h"
+#include "platform/x11/temporary_variable.h"
 
 namespace keyvora::x11 {
 namespace {
-
-/// Sets a variable of the environment, or takes it out, and puts it back: the programs that the user opens
-/// from here are to find it as it was.
-class TemporaryVariable {
- public:
-  TemporaryVariable(const char* name, const char* value) : name_(name) {
-    if (const char* before = std::getenv(name)) before_ = before;
-    set(value);
-  }
-  ~TemporaryVariable() { set(before_ ? before_->c_str() : nullptr); }
-  TemporaryVariable(const TemporaryVariable&) = delete;
-  TemporaryVariable& operator=(const TemporaryVariable&) = delete;
-
- private:
-  void set(const char* value) const {
-    if (value != nullptr) {
-      setenv(name_, value, 1);
-    } else {
-      unsetenv(name_);
-    }
-  }
-
-  const char* name_;
-  std::optional<std::string> before_;
-};
 
 bool isSet(const char* name) {
   const char* value = std::getenv(name);
@@ -52,7 +27,7 @@ bool startToolkit() {
   g_set_prgname("keyvora");
   g_set_application_name("keyvora");
   gdk_set_allowed_backends("x11");
-  const TemporaryVariable noOtherBackend("GDK_BACKEND", nullptr);
+  const TemporaryVariable noOtherBackend("GDK_BACKEND", std::nullopt);
   // Nothing here is drawn with OpenGL. Left alone, the first GTK program of a display loads its driver to
   // choose a visual: on a machine without a graphics card a whole compiler, for the life of the program.
   const TemporaryVariable noOpenGl("GDK_GL", "disable");

@@ -1,41 +1,17 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
 #include <filesystem>
 #include <iterator>
-#include <optional>
 #include <string>
 
+#include "platform/x11/temporary_variable.h"
 #include "tests/support/scratch_directory.h"
 
 namespace keyvora::x11 {
 
 using test::ScratchDirectory;
-
-/// Sets a variable of the environment, or removes it, and puts it back afterwards.
-class Variable {
- public:
-  Variable(const char* name, const std::optional<std::string>& value) : name_(name) {
-    if (const char* before = getenv(name)) before_ = before;
-    set(value);
-  }
-  ~Variable() { set(before_); }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-
- private:
-  void set(const std::optional<std::string>& value) {
-    if (value) {
-      setenv(name_, value->c_str(), 1);
-    } else {
-      unsetenv(name_);
-    }
-  }
-
-  const char* name_;
-  std::optional<std::string> before_;
-};
+using Variable = TemporaryVariable;
 
 /// Makes the text the file's whole content, in place; its directories are made as needed.
 inline void writeFile(const std::filesystem::path& file, const std::string& text) {
