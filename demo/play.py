@@ -121,6 +121,7 @@ class Player:
         menu.wait_until_closed()
 
     def _picture(self, name: str) -> None:
+        StatusMenu(self._keyvora).item_area()  # the tray makes room for a longer text a moment later
         print(f"      picture {self._desktop.screenshot(self._pictures / f'{name}.png')}")
 
 
