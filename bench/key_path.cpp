@@ -6,8 +6,8 @@
 #include <chrono>
 
 #include "bench/documents.h"
+#include "hosts/simulated/host.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/runner.h"
 #include "tap/key_sequence_tap.h"
 

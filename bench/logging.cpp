@@ -15,8 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "hosts/posix/console.h"
 #include "log/log.h"
-#include "platform/posix/posix_console.h"
 #include "tests/support/disk_platform.h"
 
 namespace keyvora::bench {

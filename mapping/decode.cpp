@@ -3,8 +3,8 @@
 #include <optional>
 #include <utility>
 
+#include "json/integer.h"
 #include "mapping/document_keys.h"
-#include "mapping/json_integer.h"
 
 namespace keyvora {
 namespace {

@@ -3,8 +3,8 @@
 #include <string_view>
 #include <variant>
 
+#include "json/tree.h"
 #include "mapping/decoding_error.h"
-#include "mapping/json_tree.h"
 #include "mapping/mapping.h"
 
 namespace keyvora {

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "mapping/json_tree.h"
+#include "json/tree.h"
 
 namespace keyvora {
 

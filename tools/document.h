@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "json/tree.h"
 #include "mapping/decode.h"
-#include "mapping/json_tree.h"
 #include "mapping/mapping.h"
 
 namespace keyvora::tools {

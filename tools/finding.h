@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "json/tree.h"
 #include "mapping/decode.h"
-#include "mapping/json_tree.h"
 
 namespace keyvora::tools {
 

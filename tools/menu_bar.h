@@ -1,7 +1,7 @@
 #pragma once
 
+#include "hosts/simulated/accessibility.h"
 #include "mapping/mapping.h"
-#include "platform/simulated/simulated_accessibility.h"
 
 namespace keyvora::tools {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "hosts/simulated/host.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/excel.h"
 #include "runner/runner.h"
 #include "tap/key_sequence_tap.h"

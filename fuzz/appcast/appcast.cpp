@@ -1,13 +1,13 @@
 // Any bytes as a feed: it is read whole or refused with a reason, and what it offers is fit to be shown.
 
-#include "platform/appcast/feed.h"
+#include "appcast/feed.h"
 
 #include <algorithm>
 
+#include "appcast/address.h"
+#include "appcast/notes_text.h"
+#include "appcast/version_order.h"
 #include "fuzz/input.h"
-#include "platform/appcast/address.h"
-#include "platform/appcast/notes_text.h"
-#include "platform/appcast/version_order.h"
 
 namespace keyvora::fuzz {
 namespace {

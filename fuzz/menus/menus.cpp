@@ -3,8 +3,8 @@
 
 #include "fuzz/input.h"
 #include "fuzz/menus/menu_model.h"
+#include "hosts/simulated/host.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/runner.h"
 
 namespace keyvora::fuzz {

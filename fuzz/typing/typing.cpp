@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "fuzz/input.h"
+#include "hosts/simulated/host.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/key_codes.h"
 #include "runner/key_plan.h"
 #include "runner/own_event_marker.h"

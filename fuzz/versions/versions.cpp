@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "appcast/version_order.h"
 #include "fuzz/input.h"
-#include "platform/appcast/version_order.h"
 
 namespace keyvora::fuzz {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 
 namespace keyvora {
 namespace {

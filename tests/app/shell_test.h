@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/keyvora.h"
+#include "hosts/simulated/host.h"
 #include "mapping/mapping_store.h"
-#include "platform/simulated/simulated_host.h"
 #include "tap/key_sequence_tap.h"
 
 namespace keyvora {

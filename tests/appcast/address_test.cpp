@@ -1,4 +1,4 @@
-#include "platform/appcast/address.h"
+#include "appcast/address.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 #include <ostream>
 #include <string>
 
+#include "appcast/feed.h"
 #include "feed_text.h"
-#include "platform/appcast/feed.h"
 
 namespace keyvora::appcast {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/appcast/feed.h"
+#include "appcast/feed.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/appcast/notes_text.h"
+#include "appcast/notes_text.h"
 
 #include <gtest/gtest.h>
 

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "appcast/updater.h"
 #include "feed_text.h"
-#include "platform/appcast/updater.h"
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 
 namespace keyvora::appcast {
 

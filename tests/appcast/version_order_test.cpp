@@ -1,4 +1,4 @@
-#include "platform/appcast/version_order.h"
+#include "appcast/version_order.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "app/keyvora.h"
+#include "hosts/simulated/host.h"
 #include "mapping/mapping_store.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "tap/key_sequence_tap.h"
 #include "tests/mapping/counting_new.h"
 

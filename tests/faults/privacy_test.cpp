@@ -7,8 +7,8 @@
 #include <sstream>
 
 #include "app/keyvora.h"
+#include "hosts/simulated/host.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 
 namespace keyvora::testing {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 
 namespace keyvora::testing {
 

@@ -6,9 +6,9 @@
 #include <sstream>
 #include <thread>
 
+#include "hosts/posix/clock.h"
+#include "hosts/posix/file_descriptor.h"
 #include "log/log.h"
-#include "platform/posix/posix_clock.h"
-#include "platform/posix/posix_file_descriptor.h"
 #include "tests/support/disk_platform.h"
 
 /// The log on real files, on a real thread.

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <thread>
 
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 
 namespace keyvora {
 namespace {

@@ -1,11 +1,11 @@
-#import "platform/macos/applications.h"
+#import "hosts/macos/applications.h"
 
 #import <AppKit/AppKit.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "platform/macos/accessibility.h"
+#include "hosts/macos/accessibility.h"
 
 namespace keyvora::macos {
 namespace {

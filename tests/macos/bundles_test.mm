@@ -1,4 +1,4 @@
-#import "platform/macos/bundles.h"
+#import "hosts/macos/bundles.h"
 
 #include <gtest/gtest.h>
 

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/macos/application.h"
-#include "platform/macos/updates.h"
+#include "hosts/macos/application.h"
+#include "hosts/macos/updates.h"
 
 namespace keyvora::macos {
 namespace {

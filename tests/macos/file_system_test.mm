@@ -1,4 +1,4 @@
-#import "platform/macos/file_system.h"
+#import "hosts/macos/file_system.h"
 
 #include <gtest/gtest.h>
 

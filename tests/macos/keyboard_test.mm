@@ -1,8 +1,8 @@
-#import "platform/macos/keyboard.h"
+#import "hosts/macos/keyboard.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/macos/synthetic_event.h"
+#include "hosts/macos/synthetic_event.h"
 #include "runner/key_codes.h"
 #include "runner/own_event_marker.h"
 

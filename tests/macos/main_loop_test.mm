@@ -1,4 +1,4 @@
-#import "platform/macos/main_loop.h"
+#import "hosts/macos/main_loop.h"
 
 #import <AppKit/AppKit.h>
 #include <gtest/gtest.h>

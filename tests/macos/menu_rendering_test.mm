@@ -1,4 +1,4 @@
-#import "platform/macos/menu_rendering.h"
+#import "hosts/macos/menu_rendering.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#import "platform/macos/process.h"
+#import "hosts/macos/process.h"
 
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>

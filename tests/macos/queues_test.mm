@@ -1,4 +1,4 @@
-#import "platform/macos/queues.h"
+#import "hosts/macos/queues.h"
 
 #include <gtest/gtest.h>
 

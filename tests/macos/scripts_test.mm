@@ -1,4 +1,4 @@
-#import "platform/macos/scripts.h"
+#import "hosts/macos/scripts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#import "platform/macos/session_watch.h"
+#import "hosts/macos/session_watch.h"
 
 #import <AppKit/AppKit.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#import "platform/macos/strings.h"
+#import "hosts/macos/strings.h"
 
 #include <gtest/gtest.h>
 

@@ -9,9 +9,9 @@
 #include <utility>
 #include <variant>
 
+#include "hosts/simulated/host.h"
 #include "mapping/decode.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/excel.h"
 #include "runner/key_codes.h"
 #include "runner/key_plan.h"

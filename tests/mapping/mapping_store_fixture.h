@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <string>
 
+#include "hosts/simulated/host.h"
 #include "mapping/mapping_store.h"
-#include "platform/simulated/simulated_host.h"
 
 namespace keyvora {
 

@@ -11,7 +11,7 @@ import re
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-HOST = ROOT / "platform" / "macos"
+HOST = ROOT / "hosts" / "macos"
 PACKAGING = ROOT / "packaging" / "macos"
 
 # A C function of the system that is called, and a class of the system that is sent a message or asked for a property.

@@ -9,8 +9,8 @@
 #include <string>
 #include <utility>
 
+#include "hosts/simulated/host.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/runner.h"
 
 namespace keyvora::testing {

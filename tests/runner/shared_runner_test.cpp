@@ -3,8 +3,8 @@
 #include <thread>
 #include <vector>
 
+#include "hosts/simulated/host.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/own_event_source.h"
 #include "runner/runner.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/posix/posix_clock.h"
-#include "platform/posix/posix_queues.h"
-#include "platform/simulated/simulated_host.h"
+#include "hosts/posix/clock.h"
+#include "hosts/posix/queues.h"
+#include "hosts/simulated/host.h"
 #include "tests/support/scratch_home.h"
 
 namespace keyvora::test {

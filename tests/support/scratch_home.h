@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/posix/posix_file_operations.h"
+#include "hosts/posix/file_operations.h"
 #include "tests/support/scratch_directory.h"
 
 namespace keyvora::test {

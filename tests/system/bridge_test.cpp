@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 
 namespace keyvora {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <thread>
 
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 
 namespace keyvora {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <thread>
 
+#include "hosts/simulated/host.h"
 #include "mapping/mapping_store.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "tap/key_sequence_tap.h"
 #include "tests/tap/expectations.h"
 

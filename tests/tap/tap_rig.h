@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "hosts/simulated/host.h"
 #include "mapping/mapping.h"
 #include "platform/platform.h"
-#include "platform/simulated/simulated_host.h"
 #include "runner/runner.h"
 #include "tap/key_sequence_tap.h"
 #include "tests/tap/trace.h"

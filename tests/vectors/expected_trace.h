@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/simulated/simulated_trace.h"
+#include "hosts/simulated/trace.h"
 #include "tests/vectors/vector_kind.h"
 
 namespace keyvora::vectors {

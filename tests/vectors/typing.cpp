@@ -1,4 +1,4 @@
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 #include "runner/runner.h"
 #include "tests/vectors/expected_trace.h"
 #include "tests/vectors/line.h"

@@ -1,4 +1,4 @@
-#include "platform/appcast/version_order.h"
+#include "appcast/version_order.h"
 #include "tests/vectors/line.h"
 
 namespace keyvora::vectors {

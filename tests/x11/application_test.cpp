@@ -1,10 +1,10 @@
-#include "platform/x11/application.h"
+#include "hosts/x11/application.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 
-#include "platform/x11/main_loop.h"
+#include "hosts/x11/main_loop.h"
 #include "tests/x11/recording_console.h"
 
 namespace keyvora::x11 {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/posix_file_descriptor.h"
+#include "hosts/posix/file_descriptor.h"
 
 namespace keyvora::x11 {
 

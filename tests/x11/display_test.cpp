@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>  // ahead of Xlib, whose macros it cannot bear
 
-#include "platform/x11/display.h"
+#include "hosts/x11/display.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,7 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/x11/keyboard/keyboard.h"
+#include "hosts/x11/keyboard/keyboard.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

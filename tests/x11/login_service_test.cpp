@@ -1,4 +1,4 @@
-#include "platform/x11/login_service.h"
+#include "hosts/x11/login_service.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "platform/x11/main_loop.h"
+#include "hosts/x11/main_loop.h"
 
 #include <gtest/gtest.h>
 

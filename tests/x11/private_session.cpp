@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/x11/display.h"
+#include "hosts/x11/display.h"
 
 namespace keyvora::x11 {
 

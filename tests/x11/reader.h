@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/x11/accessibility/accessibility_calls.h"
+#include "hosts/x11/accessibility/accessibility_calls.h"
 
 namespace keyvora::x11 {
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <string>
 
-#include "platform/x11/temporary_variable.h"
+#include "hosts/x11/temporary_variable.h"
 #include "tests/support/scratch_directory.h"
 
 namespace keyvora::x11 {

@@ -6,7 +6,7 @@
 
 #include <chrono>
 
-#include "platform/x11/applications/window_property.h"
+#include "hosts/x11/applications/window_property.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/x11/display.h"
+#include "hosts/x11/display.h"
 
 namespace keyvora::x11 {
 

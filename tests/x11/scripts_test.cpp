@@ -1,4 +1,4 @@
-#include "platform/x11/scripts.h"
+#include "hosts/x11/scripts.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -6,7 +6,7 @@
 
 #include <cerrno>
 
-#include "platform/posix/posix_file_descriptor.h"
+#include "hosts/posix/file_descriptor.h"
 #include "tests/x11/scratch.h"
 
 namespace keyvora::x11 {

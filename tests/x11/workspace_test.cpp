@@ -1,8 +1,8 @@
-#include "platform/x11/workspace.h"
+#include "hosts/x11/workspace.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/x11/accessibility/accessibility_settings.h"
+#include "hosts/x11/accessibility/accessibility_settings.h"
 #include "tests/x11/private_display.h"
 #include "tests/x11/recording_console.h"
 #include "tests/x11/scratch.h"

@@ -1,4 +1,4 @@
-#include "platform/x11/accessibility/accessibility.h"
+#include "hosts/x11/accessibility/accessibility.h"
 
 #include <X11/keysym.h>
 #include <gtest/gtest.h>

@@ -15,7 +15,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/x11/glib_source.h"
+#include "hosts/x11/glib_source.h"
 
 namespace {
 

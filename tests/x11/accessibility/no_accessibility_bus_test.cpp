@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "platform/x11/accessibility/accessibility.h"
+#include "hosts/x11/accessibility/accessibility.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/recording_console.h"
 

@@ -1,4 +1,4 @@
-#include "platform/x11/applications/applications.h"
+#include "hosts/x11/applications/applications.h"
 
 #include <gtest/gtest.h>
 

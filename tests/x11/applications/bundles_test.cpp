@@ -1,4 +1,4 @@
-#include "platform/x11/applications/bundles.h"
+#include "hosts/x11/applications/bundles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/x11/applications/target_registry.h"
+#include "hosts/x11/applications/target_registry.h"
 
 #include <gtest/gtest.h>
 

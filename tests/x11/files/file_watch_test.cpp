@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/posix/posix_file_descriptor.h"
-#include "platform/x11/files/file_system.h"
-#include "platform/x11/main_loop.h"
+#include "hosts/posix/file_descriptor.h"
+#include "hosts/x11/files/file_system.h"
+#include "hosts/x11/main_loop.h"
 #include "tests/x11/private_display.h"
 #include "tests/x11/scratch.h"
 

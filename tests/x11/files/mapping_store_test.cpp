@@ -4,10 +4,10 @@
 #include <glib.h>
 #include <gtest/gtest.h>
 
-#include "platform/posix/posix_file_descriptor.h"
-#include "platform/simulated/simulated_host.h"
-#include "platform/x11/files/file_system.h"
-#include "platform/x11/main_loop.h"
+#include "hosts/posix/file_descriptor.h"
+#include "hosts/simulated/host.h"
+#include "hosts/x11/files/file_system.h"
+#include "hosts/x11/main_loop.h"
 #include "tests/x11/private_display.h"
 #include "tests/x11/scratch.h"
 

@@ -11,10 +11,10 @@
 #include <stdexcept>
 #include <thread>
 
-#include "platform/x11/applications/window_property.h"
-#include "platform/x11/display.h"
-#include "platform/x11/keyboard/key_map.h"
-#include "platform/x11/keyboard/wakeup.h"
+#include "hosts/x11/applications/window_property.h"
+#include "hosts/x11/display.h"
+#include "hosts/x11/keyboard/key_map.h"
+#include "hosts/x11/keyboard/wakeup.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/key_codes.h"
 
 namespace keyvora::x11 {
 

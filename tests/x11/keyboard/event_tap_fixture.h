@@ -6,9 +6,9 @@
 #include <memory>
 #include <vector>
 
+#include "hosts/x11/applications/applications.h"
+#include "hosts/x11/keyboard/keyboard.h"
 #include "platform/keyboard.h"
-#include "platform/x11/applications/applications.h"
-#include "platform/x11/keyboard/keyboard.h"
 #include "tests/x11/keyboard/client_window.h"
 #include "tests/x11/keyboard/typist.h"
 #include "tests/x11/private_display.h"

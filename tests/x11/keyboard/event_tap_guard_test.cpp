@@ -3,11 +3,11 @@
 #include <thread>
 #include <utility>
 
-#include "platform/x11/display.h"
-#include "platform/x11/keyboard/key_devices.h"
-#include "platform/x11/keyboard/key_grabs.h"
-#include "platform/x11/keyboard/key_map.h"
-#include "platform/x11/keyboard/pending_verdict.h"
+#include "hosts/x11/display.h"
+#include "hosts/x11/keyboard/key_devices.h"
+#include "hosts/x11/keyboard/key_grabs.h"
+#include "hosts/x11/keyboard/key_map.h"
+#include "hosts/x11/keyboard/pending_verdict.h"
 #include "tests/x11/keyboard/event_tap_fixture.h"
 
 namespace keyvora::x11 {

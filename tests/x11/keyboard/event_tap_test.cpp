@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <thread>
 
-#include "platform/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/key_codes.h"
 #include "tests/x11/keyboard/event_tap_fixture.h"
 
 namespace keyvora::x11 {

@@ -1,10 +1,10 @@
-#include "platform/x11/keyboard/handover.h"
+#include "hosts/x11/keyboard/handover.h"
 
 #include <gtest/gtest.h>
 
 #include <thread>
 
-#include "platform/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/key_codes.h"
 
 namespace keyvora::x11 {
 namespace {

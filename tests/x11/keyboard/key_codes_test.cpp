@@ -1,4 +1,4 @@
-#include "platform/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/key_codes.h"
 
 #include <gtest/gtest.h>
 

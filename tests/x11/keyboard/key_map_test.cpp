@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>  // ahead of Xlib, whose macros it cannot bear
 
-#include "platform/x11/keyboard/key_map.h"
+#include "hosts/x11/keyboard/key_map.h"
 
 #include <X11/XKBlib.h>
 #include <X11/keysym.h>
 
+#include "hosts/x11/display.h"
+#include "hosts/x11/keyboard/key_codes.h"
 #include "platform/keyboard.h"
-#include "platform/x11/display.h"
-#include "platform/x11/keyboard/key_codes.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

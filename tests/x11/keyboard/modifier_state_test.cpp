@@ -1,4 +1,4 @@
-#include "platform/x11/keyboard/modifier_state.h"
+#include "hosts/x11/keyboard/modifier_state.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <thread>
 #include <tuple>
 
-#include "platform/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/key_codes.h"
 #include "tests/x11/keyboard/event_tap_fixture.h"
 
 namespace keyvora::x11 {

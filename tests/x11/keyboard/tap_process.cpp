@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "platform/x11/display.h"
-#include "platform/x11/keyboard/keyboard.h"
+#include "hosts/x11/display.h"
+#include "hosts/x11/keyboard/keyboard.h"
 #include "tests/x11/keyboard/client_window.h"
 #include "tests/x11/private_display.h"
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/x11/display.h"
-#include "platform/x11/keyboard/key_map.h"
+#include "hosts/x11/display.h"
+#include "hosts/x11/keyboard/key_map.h"
 
 namespace keyvora::x11 {
 namespace {

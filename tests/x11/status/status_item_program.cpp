@@ -16,10 +16,10 @@
 #include <iostream>
 #include <map>
 
-#include "platform/posix/posix_console.h"
-#include "platform/x11/glib_source.h"
-#include "platform/x11/status/status_bar.h"
-#include "platform/x11/toolkit.h"
+#include "hosts/posix/console.h"
+#include "hosts/x11/glib_source.h"
+#include "hosts/x11/status/status_bar.h"
+#include "hosts/x11/toolkit.h"
 
 namespace {
 

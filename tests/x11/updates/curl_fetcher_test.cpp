@@ -1,6 +1,6 @@
 // Cancelling and threads; what a web server can do is tested with the whole program.
 
-#include "platform/x11/updates/curl_fetcher.h"
+#include "hosts/x11/updates/curl_fetcher.h"
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "platform/simulated/simulated_host.h"
+#include "hosts/simulated/host.h"
 
 namespace keyvora::x11 {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/x11/updates/update_history.h"
+#include "hosts/x11/updates/update_history.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "platform/x11/updates/update_settings.h"
+#include "hosts/x11/updates/update_settings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/x11/applications/bundle.h"
+#include "hosts/x11/applications/bundle.h"
 #include "tests/support/scratch_directory.h"
 
 namespace keyvora::x11 {

@@ -1,4 +1,4 @@
-#include "platform/x11/updates/update_window.h"
+#include "hosts/x11/updates/update_window.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/x11/toolkit.h"
+#include "hosts/x11/toolkit.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

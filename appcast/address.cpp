@@ -1,0 +1,48 @@
+#include "appcast/address.h"
+
+#include <curl/curl.h>
+#include <utf8proc.h>
+
+#include <memory>
+
+namespace keyvora::appcast {
+namespace {
+
+using CurlText = std::unique_ptr<char, decltype(&curl_free)>;
+
+/// Whether this is UTF-8 without control characters: paths are escaped, but a host is taken as it is written.
+bool isText(const std::string& text) {
+  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  while (left > 0) {
+    utf8proc_int32_t codePoint = 0;
+    const auto length = utf8proc_iterate(at, left, &codePoint);
+    if (length <= 0 || utf8proc_category(codePoint) == UTF8PROC_CATEGORY_CC) return false;
+    at += length;
+    left -= length;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::optional<std::string> webAddress(const std::string& reference, const std::string& base) {
+  const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), curl_url_cleanup);
+  constexpr unsigned flags = CURLU_URLENCODE;
+  if (!base.empty() && curl_url_set(url.get(), CURLUPART_URL, base.c_str(), flags) != CURLUE_OK)
+    return std::nullopt;
+  if (curl_url_set(url.get(), CURLUPART_URL, reference.c_str(), flags) != CURLUE_OK) return std::nullopt;
+  const auto part = [&url](CURLUPart which) {
+    char* text = nullptr;
+    curl_url_get(url.get(), which, &text, 0);
+    const CurlText owner(text, curl_free);
+    return std::string(text != nullptr ? text : "");
+  };
+  const std::string scheme = part(CURLUPART_SCHEME);
+  if (scheme != "http" && scheme != "https") return std::nullopt;
+  auto address = part(CURLUPART_URL);
+  if (!isText(address)) return std::nullopt;
+  return address;
+}
+
+}  // namespace keyvora::appcast

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <vector>
+
+#include "hosts/simulated/world.h"
+#include "platform/application.h"
+
+namespace keyvora::simulated {
+
+/// The process: its output and its end are only recorded.
+class Process final : public platform::Process {
+ public:
+  explicit Process(World& world) : world_(world) {}
+
+  void print(std::string_view line) override;
+  void exit(int status) override { end(status); }
+  void atExit(std::function<void()> block) override;
+
+  /// A normal end: the blocks run, the last given first, and the status is recorded.
+  void end(int status);
+
+ private:
+  World& world_;
+  std::mutex mutex_;
+  std::vector<std::function<void()>> blocks_;
+};
+
+/// The application: its loop is whatever the test does while it runs.
+class Application final : public platform::Application {
+ public:
+  Application(World& world, Process& process) : world_(world), process_(process) {}
+
+  /// What `run` does after it called `didFinishLaunching`; it returns when this does.
+  std::function<void()> whileRunning;
+
+  void setActivationPolicy(platform::ActivationPolicy policy) override;
+  void activate() override;
+  int run(std::function<void()> didFinishLaunching) override;
+  void terminate() override { process_.end(0); }
+
+ private:
+  World& world_;
+  Process& process_;
+};
+
+}  // namespace keyvora::simulated

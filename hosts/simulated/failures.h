@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <set>
+#include <utility>
+
+#include "hosts/simulated/calls.h"
+
+namespace keyvora::simulated {
+
+/// Makes calls of the door fail, and counts them. What failing means for a call says `allCalls`. Any thread.
+class Failures {
+ public:
+  /// The call fails from now on.
+  void always(Call call);
+
+  /// The call fails once: at its `n`-th time from now, counted from 1.
+  void nth(Call call, std::uint64_t n);
+
+  /// `createEvent` fails from now on for this key and direction.
+  void event(std::uint16_t keyCode, bool down);
+
+  /// No call fails any more.
+  void clear();
+
+  /// How often the call was made so far, failures included.
+  [[nodiscard]] std::uint64_t count(Call call) const;
+
+  /// For the parts of the simulated host: counts the call and says whether it fails this time.
+  bool fails(Call call);
+
+  /// For the simulated keyboard: whether this event cannot be made.
+  [[nodiscard]] bool failsFor(std::uint16_t keyCode, bool down) const;
+
+ private:
+  struct Rule {
+    bool always = false;
+    std::set<std::uint64_t> times;  // by count, from 1
+  };
+
+  std::array<std::atomic<std::uint64_t>, callCount> counts_{};
+  std::atomic<bool> anyRule_ = false;  // spares the ordinary call the lock
+  mutable std::mutex mutex_;
+  std::array<Rule, callCount> rules_;
+  std::set<std::pair<std::uint16_t, bool>> events_;
+};
+
+}  // namespace keyvora::simulated

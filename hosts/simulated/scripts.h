@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+
+#include "hosts/simulated/world.h"
+#include "platform/scripts.h"
+
+namespace keyvora::simulated {
+
+/// Records what was run, and answers as a test says.
+class Scripts final : public platform::Scripts {
+ public:
+  explicit Scripts(World& world) : world_(world) {}
+
+  /// How scripts end: with success at first.
+  platform::ScriptOutcome outcome{true, std::nullopt};
+
+  platform::ScriptOutcome run(const std::string& source) override {
+    if (world_.fails(Call::runScript)) return {};
+    world_.trace.add(trace::ScriptRun{source});
+    return outcome;
+  }
+
+ private:
+  World& world_;
+};
+
+}  // namespace keyvora::simulated

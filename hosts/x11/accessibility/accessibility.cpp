@@ -1,0 +1,51 @@
+#include "hosts/x11/accessibility/accessibility.h"
+
+#include <gio/gio.h>
+
+#include <cstdlib>
+
+#include "hosts/x11/accessibility/element.h"
+#include "hosts/x11/display.h"
+#include "hosts/x11/gobject.h"
+
+namespace keyvora::x11 {
+namespace {
+
+constexpr int busTimeoutMilliseconds = 2000;
+
+/// Whether the session has an accessibility bus; where one can be started, it is.
+bool hasAccessibilityBus() {
+  if (const char* address = std::getenv("AT_SPI_BUS_ADDRESS"); address != nullptr && *address != '\0') {
+    return true;
+  }
+  const GObjectRef<GDBusConnection> session(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+  if (!session) return false;
+  g_dbus_connection_set_exit_on_close(session.get(), FALSE);  // a bus that ends is not the end of keyvora
+  GVariant* answer = g_dbus_connection_call_sync(
+      session.get(), "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", nullptr,
+      G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, busTimeoutMilliseconds, nullptr, nullptr);
+  if (answer == nullptr) return false;
+  g_variant_unref(answer);
+  return true;
+}
+
+}  // namespace
+
+bool Accessibility::isTrusted() {
+  return displayAvailable("");
+}
+
+bool Accessibility::isTrustedPrompting() {
+  if (!hasAccessibilityBus()) {
+    notices_.say("There is no accessibility bus: menu actions do not work, all others do.");
+  }
+  const auto problem = displayProblem("");
+  if (problem) notices_.say(*problem + " Key sequences do not work, the menu and updates do.");
+  return !problem;
+}
+
+platform::ElementRef Accessibility::application(platform::ProcessIdentifier process) {
+  return applicationElement(process);
+}
+
+}  // namespace keyvora::x11

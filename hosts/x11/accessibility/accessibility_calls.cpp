@@ -1,0 +1,98 @@
+#include "hosts/x11/accessibility/accessibility_calls.h"
+
+#include <chrono>
+
+#include "hosts/x11/keyboard/verdict_limit.h"
+
+namespace keyvora::x11 {
+namespace {
+
+/// How long an application may take for one answer. One that is at work answers within milliseconds. Less
+/// than a verdict may take: a target that hangs shall not cost the tap, too.
+constexpr int limitMilliseconds = 800;
+static_assert(std::chrono::milliseconds(limitMilliseconds) < verdictLimit);
+
+/// Joins the accessibility bus; false where there is none. It is looked for again each time.
+bool connect() {
+  if (atspi_is_initialized() && atspi_get_a11y_bus() != nullptr) return true;
+  constexpr int noBus = 2;
+  if (atspi_init() == noBus) {
+    atspi_exit();  // forgets the attempt
+    return false;
+  }
+  atspi_set_timeout(limitMilliseconds, limitMilliseconds);
+  return true;
+}
+
+std::string take(char* text) {
+  const GText owned(text);
+  return owned.get();
+}
+
+}  // namespace
+
+/// Runs `call` with a place for an error; nothing when it failed or the application has run out of time.
+template <class Call>
+auto AccessibilityCalls::ask(Call call) {
+  GError* raw = nullptr;
+  std::optional<decltype(call(&raw))> answer;
+  if (gaveUp_) return answer;
+  const auto start = g_get_monotonic_time();
+  answer = call(&raw);
+  const GErrorRef error(raw);
+  // Not every call that runs out of time says so.
+  if (g_get_monotonic_time() - start >= limitMilliseconds * G_TIME_SPAN_MILLISECOND) gaveUp_ = true;
+  if (error) answer.reset();
+  return answer;
+}
+
+Accessible AccessibilityCalls::desktop() {
+  if (!connect()) return nullptr;
+  Accessible desktop(atspi_get_desktop(0));
+  if (desktop) atspi_accessible_clear_cache(desktop.get());
+  return desktop;
+}
+
+std::optional<unsigned> AccessibilityCalls::process(const Accessible& application) {
+  return ask([&](GError** error) { return atspi_accessible_get_process_id(application.get(), error); });
+}
+
+std::optional<AtspiRole> AccessibilityCalls::role(const Accessible& accessible) {
+  return ask([&](GError** error) { return atspi_accessible_get_role(accessible.get(), error); });
+}
+
+std::optional<std::string> AccessibilityCalls::name(const Accessible& accessible) {
+  const auto text = ask([&](GError** error) { return atspi_accessible_get_name(accessible.get(), error); });
+  if (!text || *text == nullptr) return std::nullopt;
+  return take(*text);
+}
+
+std::optional<int> AccessibilityCalls::childCount(const Accessible& accessible) {
+  const auto count =
+      ask([&](GError** error) { return atspi_accessible_get_child_count(accessible.get(), error); });
+  return count && *count >= 0 ? count : std::nullopt;
+}
+
+Accessible AccessibilityCalls::child(const Accessible& accessible, int index) {
+  return Accessible(ask([&](GError** error) {
+                      return atspi_accessible_get_child_at_index(accessible.get(), index, error);
+                    }).value_or(nullptr));
+}
+
+Accessible AccessibilityCalls::parent(const Accessible& accessible) {
+  return Accessible(ask([&](GError** error) {
+                      return atspi_accessible_get_parent(accessible.get(), error);
+                    }).value_or(nullptr));
+}
+
+bool AccessibilityCalls::press(const Accessible& accessible) {
+  if (gaveUp_) return false;
+  const GObjectRef<AtspiAction> action(atspi_accessible_get_action_iface(accessible.get()));
+  if (!action) return false;
+  const auto count = ask([&](GError** error) { return atspi_action_get_n_actions(action.get(), error); });
+  if (!count || *count < 1) return false;
+  // The first action is the one that a click performs, in every toolkit.
+  return ask([&](GError** error) { return atspi_action_do_action(action.get(), 0, error); }).value_or(FALSE);
+}
+
+}  // namespace keyvora::x11

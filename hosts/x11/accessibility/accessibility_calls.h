@@ -1,0 +1,43 @@
+#pragma once
+
+#include <atspi/atspi.h>
+
+#include <optional>
+#include <string>
+
+#include "hosts/x11/gobject.h"
+
+namespace keyvora::x11 {
+
+/// Something on the accessibility bus; null for none.
+using Accessible = GObjectRef<AtspiAccessible>;
+
+/// Questions to one application on the accessibility bus. A failure is an empty answer. Each question has a
+/// time limit; once one has run out, the application counts as hung, and all later ones fail at once. Main
+/// thread.
+class AccessibilityCalls {
+ public:
+  /// Whether the application has run out of time.
+  [[nodiscard]] bool gaveUp() const { return gaveUp_; }
+
+  /// All applications on the bus, with nothing remembered of them; null without an accessibility bus.
+  Accessible desktop();
+
+  std::optional<unsigned> process(const Accessible& application);
+  std::optional<AtspiRole> role(const Accessible& accessible);
+  std::optional<std::string> name(const Accessible& accessible);
+  std::optional<int> childCount(const Accessible& accessible);
+  Accessible child(const Accessible& accessible, int index);
+  Accessible parent(const Accessible& accessible);
+
+  /// Performs the action by which a user would choose the element; false when there is none or it failed.
+  bool press(const Accessible& accessible);
+
+ private:
+  template <class Call>
+  auto ask(Call call);
+
+  bool gaveUp_ = false;
+};
+
+}  // namespace keyvora::x11

@@ -1,0 +1,115 @@
+#include "hosts/x11/accessibility/element.h"
+
+#include <atspi/atspi.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "hosts/x11/accessibility/accessibility_calls.h"
+#include "hosts/x11/accessibility/menu_bar_search.h"
+#include "hosts/x11/keyboard/pending_verdict.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using platform::AttributeAnswer;
+using platform::ElementRef;
+
+/// Error codes as `AXError` has them (AXError.h).
+namespace ax_error {
+constexpr std::int32_t cannotComplete = -25204;
+constexpr std::int32_t attributeUnsupported = -25205;
+constexpr std::int32_t actionUnsupported = -25206;
+}  // namespace ax_error
+
+constexpr int mostChildren = 1000;
+
+/// Something in a menu bar, the menu bar itself included.
+class MenuElement final : public platform::Element {
+ public:
+  MenuElement(std::shared_ptr<AccessibilityCalls> calls, Accessible accessible)
+      : calls_(std::move(calls)), accessible_(std::move(accessible)) {}
+
+  AttributeAnswer attribute(std::string_view name) override {
+    if (name == "AXChildren") return children();
+    if (name == "AXTitle") return title();
+    return {ax_error::attributeUnsupported, {}};
+  }
+
+  std::int32_t perform(std::string_view action) override {
+    if (action != "AXPress") return ax_error::actionUnsupported;
+    settlePendingVerdict();
+    return press();
+  }
+
+ private:
+  AttributeAnswer children() {
+    const auto count = calls_->childCount(accessible_);
+    if (!count) return {ax_error::cannotComplete, {}};
+    std::vector<ElementRef> children;
+    for (int index = 0; index < std::min(*count, mostChildren); ++index) {
+      auto child = calls_->child(accessible_, index);
+      if (calls_->gaveUp()) return {ax_error::cannotComplete, {}};
+      if (child) children.push_back(std::make_shared<MenuElement>(calls_, std::move(child)));
+    }
+    return {0, std::move(children)};
+  }
+
+  AttributeAnswer title() {
+    auto name = calls_->name(accessible_);
+    if (!name) return {ax_error::cannotComplete, {}};
+    if (name->empty()) return {};
+    return {0, std::move(*name)};
+  }
+
+  std::int32_t press() {
+    const auto nested = isNestedSubmenu();
+    if (!nested) return ax_error::cannotComplete;
+    if (*nested) return ax_error::actionUnsupported;
+    return calls_->press(accessible_) ? 0 : ax_error::cannotComplete;
+  }
+
+  /// An item with a submenu of its own inside a menu. Pressing it opens that menu without what GTK needs to
+  /// close it again: the application would be left without a keyboard.
+  std::optional<bool> isNestedSubmenu() {
+    const auto role = calls_->role(accessible_);
+    const auto count = calls_->childCount(accessible_);
+    const auto parent = calls_->parent(accessible_);
+    if (!role || !count || !parent) return std::nullopt;
+    if (*role == ATSPI_ROLE_MENU_BAR) return false;
+    const auto parentRole = calls_->role(parent);
+    if (!parentRole) return std::nullopt;
+    return (*role == ATSPI_ROLE_MENU || *count > 0) && *parentRole != ATSPI_ROLE_MENU_BAR;
+  }
+
+  std::shared_ptr<AccessibilityCalls> calls_;
+  Accessible accessible_;
+};
+
+class ApplicationElement final : public platform::Element {
+ public:
+  explicit ApplicationElement(platform::ProcessIdentifier process) : process_(process) {}
+
+  AttributeAnswer attribute(std::string_view name) override {
+    if (name != "AXMenuBar") return {ax_error::attributeUnsupported, {}};
+    auto menuBar = findMenuBar(*calls_, process_);
+    if (!menuBar) return {ax_error::cannotComplete, {}};
+    return {0, ElementRef(std::make_shared<MenuElement>(calls_, std::move(menuBar)))};
+  }
+
+  std::int32_t perform(std::string_view) override { return ax_error::actionUnsupported; }
+
+ private:
+  platform::ProcessIdentifier process_;
+  std::shared_ptr<AccessibilityCalls> calls_ = std::make_shared<AccessibilityCalls>();
+};
+
+}  // namespace
+
+ElementRef applicationElement(platform::ProcessIdentifier process) {
+  return std::make_shared<ApplicationElement>(process);
+}
+
+}  // namespace keyvora::x11

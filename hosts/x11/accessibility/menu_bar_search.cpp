@@ -1,0 +1,78 @@
+#include "hosts/x11/accessibility/menu_bar_search.h"
+
+#include <algorithm>
+
+namespace keyvora::x11 {
+namespace {
+
+/// Where a search ends that no menu bar ends: far more than an application has above its content.
+constexpr int deepest = 32;
+constexpr int mostVisited = 2000;
+constexpr int mostChildren = 200;
+
+/// Whether there can be a menu bar inside. A spreadsheet's table alone has more cells than anyone can visit.
+bool canHoldMenuBar(AtspiRole role) {
+  switch (role) {
+    case ATSPI_ROLE_TABLE:
+    case ATSPI_ROLE_TREE:
+    case ATSPI_ROLE_TREE_TABLE:
+    case ATSPI_ROLE_LIST:
+    case ATSPI_ROLE_LIST_BOX:
+    case ATSPI_ROLE_MENU:
+    case ATSPI_ROLE_POPUP_MENU:
+    case ATSPI_ROLE_TOOL_BAR:
+    case ATSPI_ROLE_TERMINAL:
+    case ATSPI_ROLE_TEXT:
+    case ATSPI_ROLE_DOCUMENT_FRAME:
+    case ATSPI_ROLE_DOCUMENT_SPREADSHEET:
+    case ATSPI_ROLE_DOCUMENT_TEXT:
+    case ATSPI_ROLE_DOCUMENT_WEB:
+      return false;
+    default:
+      return true;
+  }
+}
+
+class Search {
+ public:
+  explicit Search(AccessibilityCalls& calls) : calls_(calls) {}
+
+  Accessible below(const Accessible& accessible, int depth = 0) {
+    const int count = std::min(calls_.childCount(accessible).value_or(0), mostChildren);
+    for (int index = 0; index < count && ++visited_ <= mostVisited && !calls_.gaveUp(); ++index) {
+      auto child = calls_.child(accessible, index);
+      if (!child) continue;
+      const auto role = calls_.role(child);
+      if (!role) continue;
+      if (*role == ATSPI_ROLE_MENU_BAR) return child;
+      if (depth >= deepest || !canHoldMenuBar(*role)) continue;
+      if (auto found = below(child, depth + 1)) return found;
+    }
+    return nullptr;
+  }
+
+ private:
+  AccessibilityCalls& calls_;
+  int visited_ = 0;
+};
+
+Accessible findApplication(AccessibilityCalls& calls, platform::ProcessIdentifier process) {
+  const auto desktop = calls.desktop();
+  if (!desktop) return nullptr;
+  const int count = calls.childCount(desktop).value_or(0);
+  for (int index = 0; index < count; ++index) {
+    auto application = calls.child(desktop, index);
+    if (application && calls.process(application) == static_cast<unsigned>(process)) return application;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Accessible findMenuBar(AccessibilityCalls& calls, platform::ProcessIdentifier process) {
+  const auto application = findApplication(calls, process);
+  if (!application) return nullptr;
+  return Search(calls).below(application);
+}
+
+}  // namespace keyvora::x11

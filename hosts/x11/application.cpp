@@ -1,0 +1,97 @@
+#include "hosts/x11/application.h"
+
+#include <glib-unix.h>
+#include <gtk/gtk.h>
+#include <gtk/gtkx.h>
+
+#include <csignal>
+#include <utility>
+
+#include "hosts/x11/display.h"
+#include "hosts/x11/toolkit.h"
+
+namespace keyvora::x11 {
+namespace {
+
+/// Calls `visit` for every window of ours that a user could take for one.
+template <class Visit>
+void forEachWindow(Visit visit) {
+  if (!hasDisplay()) return;
+  GList* windows = gtk_window_list_toplevels();
+  for (GList* at = windows; at != nullptr; at = at->next) {
+    auto* window = GTK_WINDOW(at->data);
+    if (gtk_window_get_window_type(window) == GTK_WINDOW_TOPLEVEL && !GTK_IS_PLUG(window)) visit(window);
+  }
+  g_list_free(windows);
+}
+
+/// A signal that ends the application for as long as this lives.
+class EndingSignal {
+ public:
+  EndingSignal(int number, Application& application)
+      : source_(g_unix_signal_add(number, terminate, &application)) {}
+  ~EndingSignal() { g_source_remove(source_); }
+  EndingSignal(const EndingSignal&) = delete;
+  EndingSignal& operator=(const EndingSignal&) = delete;
+
+ private:
+  static gboolean terminate(gpointer application) {
+    static_cast<Application*>(application)->terminate();
+    return G_SOURCE_CONTINUE;
+  }
+
+  guint source_;
+};
+
+}  // namespace
+
+Application::Application(Process& process, Notices& notices, WorkWithoutDisplay worksWithoutDisplay)
+    : process_(process),
+      notices_(notices),
+      worksWithoutDisplay_(std::move(worksWithoutDisplay)),
+      loop_(g_main_loop_new(nullptr, FALSE)) {}
+
+Application::~Application() {
+  g_main_loop_unref(loop_);
+}
+
+void Application::setActivationPolicy(platform::ActivationPolicy policy) {
+  const gboolean hidden = policy == platform::ActivationPolicy::accessory;
+  forEachWindow([hidden](GtkWindow* window) {
+    gtk_window_set_skip_taskbar_hint(window, hidden);
+    gtk_window_set_skip_pager_hint(window, hidden);
+  });
+}
+
+void Application::activate() {
+  forEachWindow([](GtkWindow* window) {
+    if (gtk_widget_get_visible(GTK_WIDGET(window))) gtk_window_present(window);
+  });
+}
+
+int Application::run(std::function<void()> didFinishLaunching) {
+  if (!hasDisplay() && !worksWithoutDisplay_()) {
+    notices_.say(displayProblem("").value_or("The X display cannot be used.") +
+                 " keyvora needs one to see the keyboard, and ends.");
+    process_.runExitBlocks();
+    return 1;
+  }
+  if (isWaylandSession()) {
+    notices_.say(
+        "This is a Wayland session: key sequences work in applications that run through XWayland, "
+        "and in no others.");
+  }
+  const EndingSignal onTerminate(SIGTERM, *this);
+  const EndingSignal onInterrupt(SIGINT, *this);
+  didFinishLaunching();  // first: the answer to a probe may be waiting on the loop already
+  if (!terminated_) g_main_loop_run(loop_);
+  process_.runExitBlocks();
+  return 0;
+}
+
+void Application::terminate() {
+  terminated_ = true;
+  g_main_loop_quit(loop_);
+}
+
+}  // namespace keyvora::x11

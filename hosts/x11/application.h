@@ -1,0 +1,39 @@
+#pragma once
+
+#include <glib.h>
+
+#include "hosts/x11/notices.h"
+#include "hosts/x11/process.h"
+#include "platform/application.h"
+
+namespace keyvora::x11 {
+
+/// The program as an application of an X session, on GLib's main loop.
+class Application final : public platform::Application {
+ public:
+  /// Says whether the program has something to do that needs no display.
+  using WorkWithoutDisplay = std::function<bool()>;
+
+  Application(Process& process, Notices& notices, WorkWithoutDisplay worksWithoutDisplay);
+  ~Application() override;
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  /// The windows of an accessory stay out of task bars and pagers.
+  void setActivationPolicy(platform::ActivationPolicy policy) override;
+  void activate() override;
+
+  /// Returns 1 at once, with a notice, when there is no display and no work that needs none. SIGTERM and
+  /// SIGINT end it normally.
+  int run(std::function<void()> didFinishLaunching) override;
+  void terminate() override;
+
+ private:
+  Process& process_;
+  Notices& notices_;
+  WorkWithoutDisplay worksWithoutDisplay_;
+  GMainLoop* loop_;
+  bool terminated_ = false;
+};
+
+}  // namespace keyvora::x11

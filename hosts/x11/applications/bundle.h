@@ -1,0 +1,28 @@
+#pragma once
+
+#include "hosts/x11/property_list.h"
+#include "platform/bundles.h"
+
+namespace keyvora::x11 {
+
+/// A bundle as a plain directory: its resources and its Info.plist lie side by side. The dictionary is read
+/// once, when the bundle is opened.
+class Bundle final : public platform::Bundle {
+ public:
+  /// `resources` is the directory itself, unless the bundle keeps them elsewhere.
+  Bundle(std::filesystem::path directory, std::filesystem::path resources);
+
+  [[nodiscard]] std::filesystem::path directory() const override;
+  [[nodiscard]] std::optional<std::filesystem::path> resourceDirectory() const override;
+  [[nodiscard]] std::optional<std::filesystem::path> resource(std::string_view name,
+                                                              std::string_view extension) const override;
+  [[nodiscard]] std::optional<std::string> information(std::string_view key) const override;
+  [[nodiscard]] std::optional<std::string> identifier() const override;
+
+ private:
+  std::filesystem::path directory_;
+  std::filesystem::path resources_;
+  std::optional<PropertyList> information_;
+};
+
+}  // namespace keyvora::x11

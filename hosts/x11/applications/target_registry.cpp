@@ -1,0 +1,56 @@
+#include "hosts/x11/applications/target_registry.h"
+
+#include <algorithm>
+#include <array>
+
+namespace keyvora::x11 {
+namespace {
+
+struct StandIn {
+  std::string_view windowClass;
+  std::string_view bundleIdentifier;
+};
+
+/// Which programs stand in for an application that does not exist here. In lower case: a program under Wine
+/// is named by its file, as whoever installed it spelt that.
+constexpr auto standIns = std::to_array<StandIn>({
+    {"gnumeric", "com.microsoft.Excel"},
+    {"libreoffice-calc", "com.microsoft.Excel"},
+    {"excel.exe", "com.microsoft.Excel"},
+});
+
+/// How the classes of LibreOffice's windows begin.
+constexpr auto changing = std::to_array<std::string_view>({"libreoffice", "soffice", "vclsalframe"});
+
+constexpr char lower(char letter) {
+  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool matches(std::string_view name, std::string_view lowerCase) {
+  return std::ranges::equal(name, lowerCase, {}, lower);
+}
+
+bool startsWith(std::string_view name, std::string_view lowerCase) {
+  return matches(name.substr(0, lowerCase.size()), lowerCase);
+}
+
+}  // namespace
+
+std::string_view bundleIdentifierOf(std::string_view instanceName, std::string_view className) {
+  for (const auto& standIn : standIns) {
+    // Older versions of Wine give every window the class "Wine" and the file only as the instance.
+    if (matches(className, standIn.windowClass) || matches(instanceName, standIn.windowClass)) {
+      return standIn.bundleIdentifier;
+    }
+  }
+  return {};
+}
+
+bool mayBecomeAnother(std::string_view instanceName, std::string_view className) {
+  if (className.empty()) return true;
+  return std::ranges::any_of(changing, [&](std::string_view beginning) {
+    return startsWith(className, beginning) || startsWith(instanceName, beginning);
+  });
+}
+
+}  // namespace keyvora::x11

@@ -1,0 +1,35 @@
+#include "hosts/x11/applications/window_property.h"
+
+#include <cstring>
+#include <memory>
+
+namespace keyvora::x11 {
+namespace {
+
+struct FreeData {
+  void operator()(unsigned char* data) const { XFree(data); }
+};
+
+constexpr int numberFormat = 32;
+constexpr long mostNumbers = 4096;  // windows on one desktop
+
+}  // namespace
+
+std::optional<std::vector<unsigned long>> numbersOf(Display* display, Window window, Atom property,
+                                                    Atom type) {
+  Atom actualType = None;
+  int format = 0;
+  unsigned long count = 0;
+  unsigned long left = 0;
+  unsigned char* raw = nullptr;
+  const int status = XGetWindowProperty(display, window, property, 0, mostNumbers, False, type, &actualType,
+                                        &format, &count, &left, &raw);
+  const std::unique_ptr<unsigned char, FreeData> data(raw);
+  if (status != Success || !data || actualType != type || format != numberFormat) return std::nullopt;
+  std::vector<unsigned long> numbers(count);
+  // Xlib gives 32-bit numbers as longs, whatever the size of those.
+  if (count > 0) std::memcpy(numbers.data(), data.get(), count * sizeof(unsigned long));
+  return numbers;
+}
+
+}  // namespace keyvora::x11

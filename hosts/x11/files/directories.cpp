@@ -1,0 +1,46 @@
+#include "hosts/x11/files/directories.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <vector>
+
+namespace keyvora::x11 {
+namespace {
+
+std::optional<std::filesystem::path> absolute(const char* text) {
+  if (text == nullptr || *text != '/') return std::nullopt;
+  return std::filesystem::path(text);
+}
+
+std::optional<std::filesystem::path> passwordEntryHome() {
+  std::vector<char> memory(16384);
+  passwd entry{};
+  passwd* found = nullptr;
+  if (getpwuid_r(getuid(), &entry, memory.data(), memory.size(), &found) != 0 || found == nullptr) {
+    return std::nullopt;
+  }
+  return absolute(entry.pw_dir);
+}
+
+}  // namespace
+
+std::optional<std::filesystem::path> homeDirectory() {
+  if (auto home = absolute(std::getenv("HOME"))) return home;
+  return passwordEntryHome();
+}
+
+std::optional<std::filesystem::path> configurationDirectory() {
+  if (auto directory = absolute(std::getenv("XDG_CONFIG_HOME"))) return directory;
+  const auto home = homeDirectory();
+  if (!home) return std::nullopt;
+  return *home / ".config";
+}
+
+std::filesystem::path executableFile() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+}  // namespace keyvora::x11

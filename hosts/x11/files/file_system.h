@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include "hosts/posix/file_operations.h"
+#include "hosts/x11/files/file_stamp.h"
+#include "platform/main_loop.h"
+
+namespace keyvora::x11 {
+
+/// Files, in the places where they are on macOS, under the user's home.
+class FileSystem final : public posix::FileOperations {
+ public:
+  explicit FileSystem(platform::MainLoop& loop);
+
+  std::optional<std::filesystem::path> applicationSupportDirectory() override;
+  std::optional<std::filesystem::path> libraryDirectory() override;
+  platform::FileContents read(const std::filesystem::path& path) override;
+
+  /// A change that came after the last `read` of the file and before the watch was armed is notified as if it
+  /// came just afterwards: between the two nothing is lost.
+  std::unique_ptr<platform::FileWatch> watch(const std::filesystem::path& path,
+                                             std::function<void()> handler) override;
+
+ private:
+  /// What was last read, shared with the watches.
+  struct LastRead {
+    std::filesystem::path path;
+    std::optional<FileStamp> file;
+    bool overtaken = false;
+  };
+  platform::MainLoop& loop_;
+  std::shared_ptr<LastRead> lastRead_;
+};
+
+}  // namespace keyvora::x11

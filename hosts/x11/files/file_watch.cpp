@@ -1,0 +1,97 @@
+#include "hosts/x11/files/file_watch.h"
+
+#include <fcntl.h>
+#include <glib.h>
+#include <sys/inotify.h>
+
+#include <array>
+#include <string>
+#include <utility>
+
+namespace keyvora::x11 {
+namespace {
+
+constexpr std::uint32_t watchedEvents = IN_MODIFY | IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF;
+
+}  // namespace
+
+std::unique_ptr<FileWatch> FileWatch::arm(const std::filesystem::path& path, std::function<void()> handler,
+                                          std::function<void()> missed) {
+  // By way of a descriptor, so that stamp and watch are certain to be of the same file.
+  const posix::FileDescriptor file(open(path.c_str(), O_PATH | O_CLOEXEC));
+  if (!file.isOpen()) return nullptr;
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) return nullptr;
+  posix::FileDescriptor inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+  if (!inotify.isOpen()) return nullptr;
+  const auto name = "/proc/self/fd/" + std::to_string(file.number());
+  if (inotify_add_watch(inotify.number(), name.c_str(), watchedEvents) < 0) return nullptr;
+  return std::unique_ptr<FileWatch>(
+      new FileWatch(path, FileStamp::of(status), std::move(inotify), std::move(handler), std::move(missed)));
+}
+
+FileWatch::FileWatch(std::filesystem::path path, const FileStamp& file, posix::FileDescriptor inotify,
+                     std::function<void()> handler, std::function<void()> missed)
+    : path_(std::move(path)),
+      file_(file),
+      inotify_(std::move(inotify)),
+      handler_(std::move(handler)),
+      missed_(std::move(missed)),
+      source_(
+          std::make_unique<ReadableSource>(inotify_.number(), G_PRIORITY_DEFAULT, [this] { deliver(); })) {}
+
+FileWatch::~FileWatch() {
+  FileWatch::cancel();
+}
+
+void FileWatch::cancel() {
+  catchUp_.reset();
+  if (!source_) return;
+  source_.reset();
+  const auto news = readEvents();
+  if (news.written || news.gone) missed_();
+}
+
+void FileWatch::deliver() {
+  const auto news = readEvents();
+  if (news.gone) source_.reset();  // the path names another file now, or none
+  if (!news.written && !news.gone) return;
+  runHandler();
+}
+
+void FileWatch::runHandler() {
+  const auto handler = handler_;  // it may destroy this watch
+  handler();
+}
+
+void FileWatch::notifySoon(platform::MainLoop& loop) {
+  catchUp_ = loop.schedule({}, false, platform::TimerMode::commonModes, [this] { runHandler(); });
+}
+
+FileWatch::News FileWatch::readEvents() {
+  News news;
+  alignas(inotify_event) std::array<char, 4096> batch{};
+  ssize_t size = 0;
+  while ((size = read(inotify_.number(), batch.data(), batch.size())) > 0) {
+    for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
+      const auto* event = reinterpret_cast<const inotify_event*>(batch.data() + at);
+      at += sizeof(inotify_event) + event->len;
+      if ((event->mask & (IN_MODIFY | IN_Q_OVERFLOW)) != 0) news.written = true;
+      if ((event->mask & (IN_MOVE_SELF | IN_DELETE_SELF | IN_UNMOUNT)) != 0) news.gone = true;
+      if ((event->mask & IN_ATTRIB) != 0 && wasUnlinked()) news.gone = true;
+    }
+  }
+  return news;
+}
+
+/// A file that is deleted or replaced while a process has it open, or that has another hard link, reports a
+/// changed attribute and nothing else; so does one whose permissions change.
+bool FileWatch::wasUnlinked() {
+  const auto now = FileStamp::of(path_);
+  if (!now || !now->isSameFile(file_)) return true;
+  const bool lostLink = now->links < file_.links;
+  file_.links = now->links;
+  return lostLink;
+}
+
+}  // namespace keyvora::x11

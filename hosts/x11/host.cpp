@@ -1,0 +1,40 @@
+#include "hosts/x11/host.h"
+
+#include "hosts/x11/display.h"
+#include "hosts/x11/files/directories.h"
+#include "hosts/x11/toolkit.h"
+
+namespace keyvora::x11 {
+
+Host::Host()
+    : hasToolkit_(startToolkit()),
+      notices_(console_),
+      bundles_(executableFile()),
+      fileSystem_(mainLoop_),
+      accessibility_(notices_),
+      applications_(""),
+      keyboard_(""),
+      loginService_(executableFile()),
+      statusBar_(mainLoop_, notices_),
+      workspace_(notices_),
+      updates_(bundles_, mainLoop_, workspace_),
+      application_(process_, notices_, [this] { return updates_.isBusy(); }),
+      platform_{accessibility_, application_, applications_, bundles_,  clock_,   console_,
+                fileSystem_,    keyboard_,    loginService_, mainLoop_, process_, queues_,
+                scripts_,       statusBar_,   updates_,      workspace_} {
+  setDisplayLossHandler([this] { process_.runExitBlocks(); });
+}
+
+Host::~Host() {
+  setDisplayLossHandler(nullptr);
+}
+
+}  // namespace keyvora::x11
+
+namespace keyvora::platform {
+
+std::unique_ptr<Host> createHost() {
+  return std::make_unique<x11::Host>();
+}
+
+}  // namespace keyvora::platform

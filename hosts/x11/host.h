@@ -1,0 +1,58 @@
+#pragma once
+
+#include "hosts/posix/clock.h"
+#include "hosts/posix/console.h"
+#include "hosts/posix/queues.h"
+#include "hosts/x11/accessibility/accessibility.h"
+#include "hosts/x11/application.h"
+#include "hosts/x11/applications/applications.h"
+#include "hosts/x11/applications/bundles.h"
+#include "hosts/x11/files/file_system.h"
+#include "hosts/x11/keyboard/keyboard.h"
+#include "hosts/x11/login_service.h"
+#include "hosts/x11/main_loop.h"
+#include "hosts/x11/notices.h"
+#include "hosts/x11/process.h"
+#include "hosts/x11/scripts.h"
+#include "hosts/x11/status/status_bar.h"
+#include "hosts/x11/updates/updates.h"
+#include "hosts/x11/workspace.h"
+#include "platform/host.h"
+
+namespace keyvora::x11 {
+
+/// An X session as the operating system behind the door.
+class Host final : public platform::Host {
+ public:
+  Host();
+  ~Host() override;
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
+
+ private:
+  /// The first member: the others may expect the toolkit to run.
+  bool hasToolkit_;
+  posix::Clock clock_;
+  posix::Console console_;
+  Notices notices_;
+  MainLoop mainLoop_;
+  Process process_;
+  Bundles bundles_;
+  FileSystem fileSystem_;
+  Accessibility accessibility_;
+  Applications applications_;
+  Keyboard keyboard_;
+  LoginService loginService_;
+  Scripts scripts_;
+  StatusBar statusBar_;
+  Workspace workspace_;
+  Updates updates_;
+  Application application_;
+  /// The last: its threads end before what their work uses.
+  posix::Queues queues_;
+  platform::Platform platform_;
+};
+
+}  // namespace keyvora::x11

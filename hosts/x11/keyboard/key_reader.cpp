@@ -1,0 +1,152 @@
+#include "hosts/x11/keyboard/key_reader.h"
+
+#include <X11/extensions/XTest.h>
+
+#include <array>
+
+#include "hosts/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/key_map.h"
+
+namespace keyvora::x11 {
+namespace {
+
+RawKey rawKey(const XIRawEvent& raw) {
+  return {.keycode = unsigned(raw.detail) & 0xFF, .down = raw.evtype == XI_RawKeyPress, .time = raw.time};
+}
+
+}  // namespace
+
+void KeyReader::attend() {
+  if (attentive_) return;
+  attentive_ = true;
+  select(true);
+  resynchronise();
+}
+
+void KeyReader::rest() {
+  // What is down now would not be known to have been released, and a modifier is a flag of all that follows.
+  if (!attentive_ || undecided_ || isModifierDown() || own_.areOutstanding()) return;
+  attentive_ = false;
+  select(false);
+  own_.clear();
+}
+
+void KeyReader::select(bool raw) {
+  std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> bits{};
+  if (raw) {
+    XISetMask(bits.data(), XI_RawKeyPress);
+    XISetMask(bits.data(), XI_RawKeyRelease);
+  }
+  XIEventMask mask{.deviceid = XIAllDevices, .mask_len = int(bits.size()), .mask = bits.data()};
+  XISelectEvents(display_, DefaultRootWindow(display_), &mask, 1);
+}
+
+bool KeyReader::isModifierDown() const {
+  for (unsigned keycode = 0; keycode < down_.size(); ++keycode) {
+    if (down_[keycode] && isModifier(keys_.keyCode(keycode))) return true;
+  }
+  return false;
+}
+
+void KeyReader::resynchronise() {
+  std::array<char, 32> keymap{};
+  XQueryKeymap(display_, keymap.data());
+  modifiers_.clear();
+  wasHeld_.reset();
+  undecided_.reset();
+  for (unsigned keycode = 0; keycode < down_.size(); ++keycode) {
+    const bool down = (static_cast<unsigned char>(keymap[keycode / 8]) >> keycode % 8 & 1U) != 0;
+    down_[keycode] = down;
+    if (down) modifiers_.set(keys_.keyCode(keycode), true);
+  }
+}
+
+void KeyReader::notice(const XGenericEventCookie& cookie) {
+  if (cookie.evtype == XI_KeyPress) {
+    held(*static_cast<const XIDeviceEvent*>(cookie.data));
+    return;
+  }
+  if (cookie.evtype != XI_RawKeyPress && cookie.evtype != XI_RawKeyRelease) return;
+  if (!attentive_) return;  // on its way since before
+  const auto& raw = *static_cast<const XIRawEvent*>(cookie.data);
+  own_.reached(cookie.serial);
+  if (raw.deviceid == devices_.xtest) own_.onDevice(cookie.serial, rawKey(raw));
+  if (raw.deviceid != devices_.master) return;
+  decide();
+  if (cookie.evtype == XI_RawKeyPress) {
+    pressed(raw);
+  } else {
+    released(raw);
+  }
+}
+
+void KeyReader::inject(KeyCode key, bool down, OwnMark mark) {
+  attend();
+  own_.expect(NextRequest(display_), mark);
+  XTestFakeKeyEvent(display_, key, down ? True : False, CurrentTime);
+}
+
+void KeyReader::decide() {
+  if (!undecided_) return;
+  auto event = undecided_->event;
+  undecided_.reset();
+  event.keyCode = unknownKey;
+  listener_.keyRead({.event = event});
+}
+
+void KeyReader::pressed(const XIRawEvent& raw) {
+  const auto keycode = unsigned(raw.detail) & 0xFF;
+  const auto event = changed(keycode, true, markOf(raw));
+  wasHeld_[keycode] = false;
+  undecided_ = Press{keycode, event};
+  if (!listener_.mayBeHeld(event.keyCode)) decide();
+}
+
+void KeyReader::released(const XIRawEvent& raw) {
+  const auto keycode = unsigned(raw.detail) & 0xFF;
+  const auto mark = markOf(raw);
+  if (!down_[keycode]) return;
+  auto event = changed(keycode, false, mark);
+  if (!wasHeld_[keycode]) event.keyCode = unknownKey;
+  listener_.keyRead({.event = event});
+}
+
+void KeyReader::held(const XIDeviceEvent& press) {
+  const auto keycode = unsigned(press.detail) & 0xFF;
+  attend();
+  ReadKey key{.heldSince = press.time, .keycode = keycode, .repeated = (press.flags & XIKeyRepeat) != 0};
+  if (undecided_ && undecided_->keycode == keycode) {
+    key.event = undecided_->event;
+    undecided_.reset();
+  } else {
+    key.event = changed(keycode, true, OwnMark{});
+  }
+  wasHeld_[keycode] = true;
+  listener_.keyRead(key);
+}
+
+OwnMark KeyReader::markOf(const XIRawEvent& raw) {
+  return raw.sourceid == devices_.xtest ? own_.onMaster(rawKey(raw)) : OwnMark{};
+}
+
+platform::KeyEvent KeyReader::changed(unsigned keycode, bool down, OwnMark mark) {
+  down_[keycode] = down;
+  // Modifiers that the program presses are flags of its own events, and none of the user's.
+  if (mark == OwnMark{}) modifiers_.set(keys_.keyCode(keycode), down);
+  auto made = event(keycode, down);
+  if (mark != OwnMark{}) made.flags = mark.flags;
+  made.userData = mark.userData;
+  return made;
+}
+
+platform::KeyEvent KeyReader::event(unsigned keycode, bool down) const {
+  platform::KeyEvent made;
+  made.keyCode = keys_.keyCode(keycode);
+  made.type = isModifier(made.keyCode) ? platform::event_type::flagsChanged
+              : down                   ? platform::event_type::keyDown
+                                       : platform::event_type::keyUp;
+  made.flags = modifiers_.flags();
+  return made;
+}
+
+}  // namespace keyvora::x11

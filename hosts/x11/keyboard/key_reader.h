@@ -1,0 +1,107 @@
+#pragma once
+
+#include <X11/Xlib.h>
+#include <X11/extensions/XInput2.h>
+
+#include <bitset>
+#include <cstdint>
+#include <optional>
+
+#include "hosts/x11/keyboard/key_devices.h"
+#include "hosts/x11/keyboard/modifier_state.h"
+#include "hosts/x11/keyboard/own_events.h"
+#include "platform/keyboard.h"
+
+namespace keyvora::x11 {
+
+class KeyMap;
+
+/// A key event, and what the server holds back for it.
+struct ReadKey {
+  platform::KeyEvent event{};
+  /// When the grab began that holds the keyboard until `KeyGrabs` lets it go; none for an event that is on
+  /// its way to its window already.
+  std::optional<Time> heldSince = std::nullopt;
+  /// The display's number for the key.
+  unsigned keycode = 0;
+  /// Made by the server because the key stays down.
+  bool repeated = false;
+};
+
+/// What a reader needs to know, and whom it tells.
+class KeyListener {
+ public:
+  virtual ~KeyListener() = default;
+
+  /// Whether a grab is in place that can catch this key.
+  [[nodiscard]] virtual bool mayBeHeld(std::uint16_t keyCode) const = 0;
+
+  virtual void keyRead(const ReadKey& key) = 0;
+};
+
+/// Makes key events of what the server reports about the keyboard.
+///
+/// It is attentive or rests. While it rests the server tells it of nothing but presses that a grab holds
+/// back, and the first of these makes it attentive: ordinary typing does not reach this process at all. While
+/// it is attentive, every press and release shows as a raw event of the master keyboard, in the order in
+/// which windows see them. A press that a grab holds back is followed at once by an event of the grab; a
+/// repeated press has only that. A release without a press is none.
+///
+/// Events that went their way without a grab (typed elsewhere, or while the application has a grab of its
+/// own, as it does while a menu is open) bear the key code `unknownKey`: what could not be held back must
+/// neither count as a letter nor as an Option tap.
+class KeyReader {
+ public:
+  /// Rests. The map and the listener must outlive the reader.
+  KeyReader(Display* display, KeyDevices devices, const KeyMap& keys, KeyListener& listener)
+      : display_(display), devices_(devices), keys_(keys), listener_(listener) {}
+
+  /// Asks the server for the raw events, unless that is done.
+  void attend();
+
+  /// Asks for no raw events any more, unless a modifier key is down or an injected event is still to come.
+  void rest();
+
+  /// Asks the server which keys are down, and forgets what was known of them.
+  void resynchronise();
+
+  /// Looks at an XInput event whose data was fetched.
+  void notice(const XGenericEventCookie& cookie);
+
+  /// Whether a press was read that a grab may be holding: the server says so next, or never.
+  [[nodiscard]] bool isUndecided() const { return undecided_.has_value(); }
+
+  /// All that the server had to say is read: no grab holds the press.
+  void decide();
+
+  /// Injects a key with XTEST and knows it again by this mark. Makes the reader attentive.
+  void inject(KeyCode key, bool down, OwnMark mark);
+
+ private:
+  struct Press {
+    unsigned keycode = 0;
+    platform::KeyEvent event;
+  };
+
+  void select(bool raw);
+  [[nodiscard]] bool isModifierDown() const;
+  void pressed(const XIRawEvent& raw);
+  void released(const XIRawEvent& raw);
+  void held(const XIDeviceEvent& press);
+  OwnMark markOf(const XIRawEvent& raw);
+  platform::KeyEvent changed(unsigned keycode, bool down, OwnMark mark);
+  [[nodiscard]] platform::KeyEvent event(unsigned keycode, bool down) const;
+
+  Display* display_;
+  KeyDevices devices_;
+  const KeyMap& keys_;
+  KeyListener& listener_;
+  bool attentive_ = false;
+  OwnEvents own_;
+  ModifierState modifiers_;
+  std::bitset<256> down_;
+  std::bitset<256> wasHeld_;
+  std::optional<Press> undecided_;
+};
+
+}  // namespace keyvora::x11

@@ -1,0 +1,151 @@
+#include "hosts/x11/keyboard/poster.h"
+
+#include <X11/XKBlib.h>
+#include <X11/Xatom.h>
+#include <X11/extensions/XTest.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "hosts/x11/applications/desktop_windows.h"
+#include "hosts/x11/applications/window_description.h"
+#include "hosts/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/modifier_state.h"
+#include "hosts/x11/keyboard/tap_thread.h"
+#include "platform/keyboard.h"
+
+namespace keyvora::x11 {
+namespace {
+
+/// The keys that stand for the flags, in the order in which they go down.
+constexpr std::array flagKeys{modifier_key::leftShift, modifier_key::leftControl, modifier_key::leftOption,
+                              modifier_key::leftCommand};
+
+}  // namespace
+
+std::unique_ptr<Poster> Poster::open(const std::string& displayName) {
+  auto connection = Connection::open(displayName);
+  if (!connection) return nullptr;
+  return std::unique_ptr<Poster>(new Poster(std::move(connection)));
+}
+
+Poster::Poster(std::unique_ptr<Connection> connection)
+    : connection_(std::move(connection)),
+      keys_(connection_->get()),
+      clock_(XCreateSimpleWindow(connection_->get(), connection_->root(), -1, -1, 1, 1, 0, 0, 0)) {
+  XSelectInput(connection_->get(), clock_, PropertyChangeMask);
+}
+
+bool Poster::hasKey(std::uint16_t keyCode) {
+  const std::scoped_lock lock(mutex_);
+  catchUp();
+  return keys_.keycode(keyCode).has_value();
+}
+
+void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke) {
+  const std::scoped_lock lock(mutex_);
+  const Time now = serverTime();
+  catchUp();
+  const auto keycode = keys_.keycode(stroke.keyCode);
+  const Window window = windowOf(process);
+  if (!keycode || window == None) return;
+
+  XEvent event{};
+  auto& key = event.xkey;
+  key.type = stroke.down ? KeyPress : KeyRelease;
+  key.display = connection_->get();
+  key.window = window;
+  key.root = connection_->root();
+  key.time = now;
+  key.state = stateBefore(stroke);
+  key.keycode = *keycode;
+  key.same_screen = True;
+  // Without an event mask the event goes to the window's own client. Toolkits heed that and pass over an
+  // event sent with the mask of key presses.
+  XSendEvent(connection_->get(), window, False, NoEventMask, &event);
+  // Not before the server has it may the next key of the user's go on: that one travels by another
+  // connection.
+  XSync(connection_->get(), False);
+}
+
+void Poster::inject(const KeyStroke& stroke) {
+  const std::scoped_lock lock(mutex_);
+  catchUp();
+  const bool holdsModifiers = stroke.down && !stroke.isFlagsChange && stroke.flags != 0;
+  if (!holdsModifiers) {
+    injectKey(stroke.keyCode, stroke.down, stroke);
+  } else {
+    for (const auto key : flagKeys) {
+      if ((stroke.flags & flagOf(key)) != 0) injectKey(key, true, stroke);
+    }
+    injectKey(stroke.keyCode, true, stroke);
+    for (const auto key : flagKeys) {
+      if ((stroke.flags & flagOf(key)) != 0) injectKey(key, false, stroke);
+    }
+  }
+  XFlush(connection_->get());
+}
+
+void Poster::catchUp() {
+  // Once the server has answered, all that it had to say before is here.
+  XSync(connection_->get(), False);
+  while (XPending(connection_->get()) > 0) {
+    XEvent event;
+    XNextEvent(connection_->get(), &event);
+    keys_.notice(event);
+  }
+}
+
+Window Poster::windowOf(platform::ProcessIdentifier process) const {
+  Display* display = connection_->get();
+  const auto standsIn = [display](const WindowDescription& window) {
+    return !identify(window, [display](Window other) { return describeWindow(display, other); }).empty();
+  };
+  const auto active = describeWindow(display, activeWindow(display));
+  const bool isInFront = active.process == process;
+  if (isInFront && standsIn(active)) return active.window;
+
+  // The process may show windows of several applications; those that stand in for one come first.
+  Window highest = None;
+  auto highestFirst = stackedWindows(display);
+  std::ranges::reverse(highestFirst);
+  for (const Window window : highestFirst) {
+    const auto description = describeWindow(display, window);
+    if (description.process != process) continue;
+    if (standsIn(description)) return window;
+    if (highest == None) highest = window;
+  }
+  return isInFront ? active.window : highest;
+}
+
+/// The server's clock, as events tell it: a toolkit takes an event without a time for one of the past.
+Time Poster::serverTime() {
+  Display* display = connection_->get();
+  XChangeProperty(display, clock_, XA_WM_NAME, XA_STRING, 8, PropModeAppend, nullptr, 0);
+  XEvent event;
+  XWindowEvent(display, clock_, PropertyChangeMask, &event);
+  return event.xproperty.time;
+}
+
+/// The modifiers as X events tell them: as they were before the event.
+unsigned Poster::stateBefore(const KeyStroke& stroke) const {
+  auto flags = stroke.flags;
+  if (stroke.isFlagsChange && stroke.down) flags &= ~flagOf(stroke.keyCode);
+  if (stroke.isFlagsChange && !stroke.down) flags |= flagOf(stroke.keyCode);
+  XkbStateRec state{};
+  XkbGetState(connection_->get(), XkbUseCoreKbd, &state);
+  return XkbBuildCoreState(keys_.modifierBits(flags), state.group);
+}
+
+void Poster::injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke) {
+  const auto keycode = keys_.keycode(keyCode);
+  if (!keycode) return;
+  if (const auto tap = TapThread::existing()) {
+    tap->inject(*keycode, down, {stroke.userData, stroke.flags});
+  } else {
+    XTestFakeKeyEvent(connection_->get(), *keycode, down ? True : False, CurrentTime);
+  }
+}
+
+}  // namespace keyvora::x11

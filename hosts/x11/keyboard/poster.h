@@ -1,0 +1,61 @@
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "hosts/x11/display.h"
+#include "hosts/x11/keyboard/key_map.h"
+#include "platform/applications.h"
+
+namespace keyvora::x11 {
+
+/// A key going down or up, to be posted.
+struct KeyStroke {
+  std::uint16_t keyCode = 0;
+  bool down = true;
+  /// Whether the key is posted as a change of the modifiers, which `flags` then already show.
+  bool isFlagsChange = false;
+  std::uint64_t flags = 0;
+  std::int64_t userData = 0;
+};
+
+/// Posts key events, on a connection of its own. Any thread. A key that the keyboard lacks, and a process
+/// without a window, are passed over. Asks for the windows when it needs one: what it would be told of them
+/// meanwhile, nobody would read.
+class Poster {
+ public:
+  /// Null without a display.
+  static std::unique_ptr<Poster> open(const std::string& displayName);
+
+  /// Whether the keyboard has the key.
+  bool hasKey(std::uint16_t keyCode);
+
+  /// Sends the stroke to the process's active window, whichever that is by now: a dialog may have opened
+  /// since the last one. The window need not have the focus, and no tap sees the event.
+  void sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke);
+
+  /// Injects the stroke with XTEST. Flags of a key going down are modifier keys held meanwhile, since a
+  /// keyboard has no other way of saying them.
+  void inject(const KeyStroke& stroke);
+
+ private:
+  explicit Poster(std::unique_ptr<Connection> connection);
+
+  void catchUp();
+  [[nodiscard]] Window windowOf(platform::ProcessIdentifier process) const;
+  Time serverTime();
+  [[nodiscard]] unsigned stateBefore(const KeyStroke& stroke) const;
+  void injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke);
+
+  std::mutex mutex_;
+  std::unique_ptr<Connection> connection_;
+  KeyMap keys_;
+  Window clock_;
+};
+
+}  // namespace keyvora::x11

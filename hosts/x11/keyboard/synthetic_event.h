@@ -1,0 +1,36 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "hosts/x11/keyboard/poster.h"
+#include "platform/keyboard.h"
+
+namespace keyvora::x11 {
+
+/// Where synthetic events come from: a holder of the user data.
+class EventSource : public platform::EventSource {
+ public:
+  void setUserData(std::int64_t userData) override { userData_ = userData; }
+  [[nodiscard]] std::int64_t userData() const { return userData_; }
+
+ private:
+  std::atomic<std::int64_t> userData_ = 0;
+};
+
+/// A key stroke to be posted. Posting lets the keyboard go first.
+class SyntheticEvent : public platform::SyntheticEvent {
+ public:
+  SyntheticEvent(std::shared_ptr<Poster> poster, KeyStroke stroke);
+
+  void setType(std::uint32_t type) override;
+  void setFlags(std::uint64_t flags) override { stroke_.flags = flags; }
+  void postTo(platform::ProcessIdentifier process) override;
+  void postToHardware() override;
+
+ private:
+  std::shared_ptr<Poster> poster_;
+  KeyStroke stroke_;
+};
+
+}  // namespace keyvora::x11

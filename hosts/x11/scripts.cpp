@@ -1,0 +1,128 @@
+#include "hosts/x11/scripts.h"
+
+#include <fcntl.h>
+#include <glib.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include "hosts/posix/file_descriptor.h"
+#include "hosts/x11/gobject.h"
+#include "hosts/x11/keyboard/pending_verdict.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using platform::ScriptOutcome;
+
+constexpr auto program = "osascript";
+
+/// What is kept of the program's message; the rest is of no use in a log line.
+constexpr std::size_t longestMessage = 4096;
+
+ScriptOutcome failure(std::string message) {
+  return {false, std::move(message)};
+}
+
+/// A file in memory. Files instead of pipes for the program's input and messages: nobody has to keep them
+/// flowing, and what the script leaves running behind cannot hold them open.
+posix::FileDescriptor memoryFile(const char* name) {
+  return posix::FileDescriptor(memfd_create(name, MFD_CLOEXEC));
+}
+
+bool fill(const posix::FileDescriptor& file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const auto written = write(file.number(), bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return lseek(file.number(), 0, SEEK_SET) == 0;
+}
+
+/// The text at the start of the file, without white space at its end; none when there is none.
+std::optional<std::string> messageIn(const posix::FileDescriptor& file) {
+  std::array<char, longestMessage> bytes{};
+  const auto size = pread(file.number(), bytes.data(), bytes.size(), 0);
+  if (size <= 0) return std::nullopt;
+  const GText text(g_utf8_make_valid(bytes.data(), size));
+  const std::string message = g_strchomp(text.get());
+  if (message.empty()) return std::nullopt;
+  return message;
+}
+
+/// How a program is started: with these files, no others, and signals as a fresh process has them.
+class Spawning {
+ public:
+  Spawning(const posix::FileDescriptor& input, const posix::FileDescriptor& errors) {
+    posix_spawn_file_actions_init(&files_);
+    posix_spawn_file_actions_adddup2(&files_, input.number(), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&files_, errors.number(), STDERR_FILENO);
+    posix_spawn_file_actions_addopen(&files_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addclosefrom_np(&files_, STDERR_FILENO + 1);
+
+    posix_spawnattr_init(&attributes_);
+    sigset_t signals;
+    sigemptyset(&signals);
+    posix_spawnattr_setsigmask(&attributes_, &signals);
+    sigaddset(&signals, SIGPIPE);  // ignored here
+    posix_spawnattr_setsigdefault(&attributes_, &signals);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  }
+  ~Spawning() {
+    posix_spawnattr_destroy(&attributes_);
+    posix_spawn_file_actions_destroy(&files_);
+  }
+  Spawning(const Spawning&) = delete;
+  Spawning& operator=(const Spawning&) = delete;
+
+  /// 0, or why not, as an errno.
+  int start(pid_t& process) const {
+    const std::string name = program;
+    std::array<char*, 2> arguments{const_cast<char*>(name.c_str()), nullptr};
+    return posix_spawnp(&process, program, &files_, &attributes_, arguments.data(), environ);
+  }
+
+ private:
+  posix_spawn_file_actions_t files_{};
+  posix_spawnattr_t attributes_{};
+};
+
+/// The status of a child at its end.
+int waitFor(pid_t process) {
+  int status = 0;
+  while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+}  // namespace
+
+ScriptOutcome Scripts::run(const std::string& source) {
+  settlePendingVerdict();
+  const auto input = memoryFile("script");
+  const auto errors = memoryFile("script messages");
+  if (!input.isOpen() || !errors.isOpen() || !fill(input, source)) {
+    return failure("the script cannot be handed to osascript: " + std::string(std::strerror(errno)));
+  }
+  pid_t process = 0;
+  if (const int error = Spawning(input, errors).start(process); error == ENOENT) {
+    return failure("there is no program named osascript on PATH to run AppleScript with");
+  } else if (error != 0) {
+    return failure("osascript cannot be started: " + std::string(std::strerror(error)));
+  }
+  const int status = waitFor(process);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return {true, std::nullopt};
+  auto message = messageIn(errors);
+  if (!message && WIFSIGNALED(status)) {
+    message = "osascript was ended by signal " + std::to_string(WTERMSIG(status));
+  }
+  return {false, std::move(message)};
+}
+
+}  // namespace keyvora::x11
