@@ -12,7 +12,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 SOURCES = {".cpp", ".h", ".mm"}
 MAX_LINES = 400
 
-# Folder -> the folders of the project that it may include besides itself. hosts/ counts by host.
+# Folder -> the folders of the project that it may include besides itself. hosts/ counts by host, and the tap by itself.
 FOLDERS = {
     "platform": set(),
     "text": set(),
@@ -26,7 +26,8 @@ FOLDERS = {
     "appcast": {"platform"},
     "hosts/posix": {"platform"},
     "hosts/simulated": {"platform"},
-    "hosts/x11": {"platform", "appcast", "hosts/posix"},
+    "hosts/x11": {"platform", "appcast", "hosts/posix", "hosts/x11/tap"},
+    "hosts/x11/tap": {"platform", "hosts/x11"},
     "hosts/macos": {"platform"},
     "tools": {"json", "mapping", "runner", "tap", "text", "platform", "hosts/simulated"},
 }
@@ -55,6 +56,7 @@ USES = {
     "appcast": {"curl", "pugixml", "utf8proc"},
     "hosts/posix": {"posix"},
     "hosts/x11": {"posix", "xlib", "glib", "gtk", "atspi", "curl", "pugixml"},
+    "hosts/x11/tap": {"posix", "xlib"},
     "hosts/macos": {"posix", "apple"},
     "tools": {"rapidjson", "posix"},
 }
@@ -66,9 +68,9 @@ SYSTEM_TEST = re.compile(
 
 
 def folder_of(path: str) -> str | None:
-    parts = path.split("/")
-    name = "/".join(parts[:2]) if parts[0] == "hosts" else parts[0]
-    return name if len(parts) > 1 and (name in FOLDERS or name in FREE) else None
+    folders = path.split("/")[:-1]
+    names = ["/".join(folders[:depth]) for depth in range(len(folders), 0, -1)]
+    return next((name for name in names if name in FOLDERS or name in FREE), None)
 
 
 def library_of(header: str) -> str | None:

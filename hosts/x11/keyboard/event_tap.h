@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "hosts/x11/glib_source.h"
-#include "hosts/x11/keyboard/tap_thread.h"
+#include "hosts/x11/tap/tap_thread.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {

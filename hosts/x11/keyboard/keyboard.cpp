@@ -5,7 +5,7 @@
 #include "hosts/x11/keyboard/event_tap.h"
 #include "hosts/x11/keyboard/poster.h"
 #include "hosts/x11/keyboard/synthetic_event.h"
-#include "hosts/x11/keyboard/tap_thread.h"
+#include "hosts/x11/tap/tap_thread.h"
 
 namespace keyvora::x11 {
 

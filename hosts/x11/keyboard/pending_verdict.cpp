@@ -1,6 +1,6 @@
 #include "hosts/x11/keyboard/pending_verdict.h"
 
-#include "hosts/x11/keyboard/tap_thread.h"
+#include "hosts/x11/tap/tap_thread.h"
 
 namespace keyvora::x11 {
 

@@ -12,7 +12,7 @@
 #include "hosts/x11/applications/window_description.h"
 #include "hosts/x11/keyboard/key_codes.h"
 #include "hosts/x11/keyboard/modifier_state.h"
-#include "hosts/x11/keyboard/tap_thread.h"
+#include "hosts/x11/tap/tap_thread.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {

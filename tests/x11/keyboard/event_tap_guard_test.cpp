@@ -4,10 +4,10 @@
 #include <utility>
 
 #include "hosts/x11/display.h"
-#include "hosts/x11/keyboard/key_devices.h"
-#include "hosts/x11/keyboard/key_grabs.h"
 #include "hosts/x11/keyboard/key_map.h"
 #include "hosts/x11/keyboard/pending_verdict.h"
+#include "hosts/x11/tap/key_devices.h"
+#include "hosts/x11/tap/key_grabs.h"
 #include "tests/x11/keyboard/event_tap_fixture.h"
 
 namespace keyvora::x11 {

@@ -11,9 +11,9 @@
 #include "hosts/x11/applications/window_list.h"
 #include "hosts/x11/display.h"
 #include "hosts/x11/keyboard/handover.h"
-#include "hosts/x11/keyboard/key_grabs.h"
 #include "hosts/x11/keyboard/key_map.h"
-#include "hosts/x11/keyboard/key_reader.h"
+#include "hosts/x11/tap/key_grabs.h"
+#include "hosts/x11/tap/key_reader.h"
 
 namespace keyvora::x11 {
 

@@ -1,4 +1,4 @@
-#include "hosts/x11/keyboard/tap_thread.h"
+#include "hosts/x11/tap/tap_thread.h"
 
 #include <X11/XKBlib.h>
 #include <X11/extensions/XInput2.h>

@@ -1,4 +1,4 @@
-#include "hosts/x11/keyboard/key_devices.h"
+#include "hosts/x11/tap/key_devices.h"
 
 #include <X11/extensions/XInput2.h>
 

@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "hosts/x11/keyboard/key_devices.h"
 #include "hosts/x11/keyboard/modifier_state.h"
-#include "hosts/x11/keyboard/own_events.h"
+#include "hosts/x11/tap/key_devices.h"
+#include "hosts/x11/tap/own_events.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {

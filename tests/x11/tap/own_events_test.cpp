@@ -1,4 +1,4 @@
-#include "hosts/x11/keyboard/own_events.h"
+#include "hosts/x11/tap/own_events.h"
 
 #include <gtest/gtest.h>
 

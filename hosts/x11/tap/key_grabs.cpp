@@ -1,4 +1,4 @@
-#include "hosts/x11/keyboard/key_grabs.h"
+#include "hosts/x11/tap/key_grabs.h"
 
 #include <X11/XKBlib.h>
 #include <X11/extensions/XInput2.h>

@@ -1,4 +1,4 @@
-#include "hosts/x11/keyboard/key_reader.h"
+#include "hosts/x11/tap/key_reader.h"
 
 #include <X11/extensions/XTest.h>
 
