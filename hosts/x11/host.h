@@ -8,6 +8,7 @@
 #include "hosts/x11/applications/applications.h"
 #include "hosts/x11/applications/bundles.h"
 #include "hosts/x11/files/file_system.h"
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
 #include "hosts/x11/login_service.h"
 #include "hosts/x11/main_loop.h"
@@ -41,6 +42,7 @@ class Host final : public platform::Host {
   Process process_;
   Bundles bundles_;
   FileSystem fileSystem_;
+  CurrentTap currentTap_;
   Accessibility accessibility_;
   Applications applications_;
   Keyboard keyboard_;

@@ -13,7 +13,7 @@
 
 #include "hosts/posix/file_descriptor.h"
 #include "hosts/x11/gobject.h"
-#include "hosts/x11/keyboard/pending_verdict.h"
+#include "hosts/x11/keyboard/current_tap.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -82,7 +82,7 @@ class Spawning {
   Spawning& operator=(const Spawning&) = delete;
 
   /// 0, or why not, as an errno.
-  int start(pid_t& process) const {
+  int start(pid_t& process, KeyboardIsFree) const {
     const std::string name = program;
     std::array<char*, 2> arguments{const_cast<char*>(name.c_str()), nullptr};
     return posix_spawnp(&process, program, &files_, &attributes_, arguments.data(), environ);
@@ -104,14 +104,13 @@ int waitFor(pid_t process) {
 }  // namespace
 
 ScriptOutcome Scripts::run(const std::string& source) {
-  settlePendingVerdict();
   const auto input = memoryFile("script");
   const auto errors = memoryFile("script messages");
   if (!input.isOpen() || !errors.isOpen() || !fill(input, source)) {
     return failure("the script cannot be handed to osascript: " + std::string(std::strerror(errno)));
   }
   pid_t process = 0;
-  if (const int error = Spawning(input, errors).start(process); error == ENOENT) {
+  if (const int error = Spawning(input, errors).start(process, tap_.letGo()); error == ENOENT) {
     return failure("there is no program named osascript on PATH to run AppleScript with");
   } else if (error != 0) {
     return failure("osascript cannot be started: " + std::string(std::strerror(error)));

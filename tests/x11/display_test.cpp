@@ -9,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
 #include "tests/x11/private_display.h"
 
@@ -61,7 +62,8 @@ TEST(Display, ItsLossEndsTheProcessOnce) {
   Child program({"sh", "-c", "ulimit -c 0; exec \"$0\" \"$1\" 2>\"$2\"", KEYVORA_TAP_PROCESS, display.name(),
                  errors.string()},
                 {});
-  Keyboard keyboard(display.name());  // has no connection of its own to lose
+  CurrentTap tap;
+  Keyboard keyboard(display.name(), tap);  // has no connection of its own to lose
   ASSERT_TRUE(runUntil([&] {
     return keyboard.createTap(0, [](const platform::KeyEvent&) { return platform::Verdict::pass; }) ==
            nullptr;

@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "hosts/posix/file_descriptor.h"
+#include "hosts/x11/keyboard/current_tap.h"
 #include "tests/x11/scratch.h"
 
 namespace keyvora::x11 {
@@ -24,7 +25,8 @@ class ScriptsTest : public testing::Test {
   ScratchDirectory scratch;
   Variable path{"PATH", (scratch.path() / "bin").string() + ":/usr/bin:/bin"};
   Variable target{"OUTPUT", (scratch.path() / "output").string()};
-  Scripts scripts;
+  CurrentTap tap;
+  Scripts scripts{tap};
 };
 
 TEST_F(ScriptsTest, TheSourceGoesToStandardInputAsItIs) {

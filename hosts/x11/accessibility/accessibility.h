@@ -5,11 +5,13 @@
 
 namespace keyvora::x11 {
 
+class CurrentTap;
+
 /// The menus of other applications by AT-SPI. The connection to the accessibility bus is made when the first
 /// menu is asked for.
 class Accessibility final : public platform::Accessibility {
  public:
-  explicit Accessibility(Notices& notices) : notices_(notices) {}
+  Accessibility(Notices& notices, CurrentTap& tap) : notices_(notices), tap_(tap) {}
 
   /// What stands for the user's permission: a display on which the tap can work. Nobody is asked for it.
   bool isTrusted() override;
@@ -21,6 +23,7 @@ class Accessibility final : public platform::Accessibility {
 
  private:
   Notices& notices_;
+  CurrentTap& tap_;
 };
 
 }  // namespace keyvora::x11

@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/verdict_limit.h"
 
 namespace keyvora::x11 {
@@ -85,7 +86,7 @@ Accessible AccessibilityCalls::parent(const Accessible& accessible) {
                     }).value_or(nullptr));
 }
 
-bool AccessibilityCalls::press(const Accessible& accessible) {
+bool AccessibilityCalls::press(const Accessible& accessible, KeyboardIsFree) {
   if (gaveUp_) return false;
   const GObjectRef<AtspiAction> action(atspi_accessible_get_action_iface(accessible.get()));
   if (!action) return false;

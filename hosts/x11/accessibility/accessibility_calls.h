@@ -9,6 +9,8 @@
 
 namespace keyvora::x11 {
 
+class KeyboardIsFree;
+
 /// Something on the accessibility bus; null for none.
 using Accessible = GObjectRef<AtspiAccessible>;
 
@@ -31,7 +33,7 @@ class AccessibilityCalls {
   Accessible parent(const Accessible& accessible);
 
   /// Performs the action by which a user would choose the element; false when there is none or it failed.
-  bool press(const Accessible& accessible);
+  bool press(const Accessible& accessible, KeyboardIsFree);
 
  private:
   template <class Call>

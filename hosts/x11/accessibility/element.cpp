@@ -9,7 +9,7 @@
 
 #include "hosts/x11/accessibility/accessibility_calls.h"
 #include "hosts/x11/accessibility/menu_bar_search.h"
-#include "hosts/x11/keyboard/pending_verdict.h"
+#include "hosts/x11/keyboard/current_tap.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -29,8 +29,8 @@ constexpr int mostChildren = 1000;
 /// Something in a menu bar, the menu bar itself included.
 class MenuElement final : public platform::Element {
  public:
-  MenuElement(std::shared_ptr<AccessibilityCalls> calls, Accessible accessible)
-      : calls_(std::move(calls)), accessible_(std::move(accessible)) {}
+  MenuElement(std::shared_ptr<AccessibilityCalls> calls, Accessible accessible, CurrentTap& tap)
+      : calls_(std::move(calls)), accessible_(std::move(accessible)), tap_(tap) {}
 
   AttributeAnswer attribute(std::string_view name) override {
     if (name == "AXChildren") return children();
@@ -40,8 +40,7 @@ class MenuElement final : public platform::Element {
 
   std::int32_t perform(std::string_view action) override {
     if (action != "AXPress") return ax_error::actionUnsupported;
-    settlePendingVerdict();
-    return press();
+    return press(tap_.letGo());
   }
 
  private:
@@ -52,7 +51,7 @@ class MenuElement final : public platform::Element {
     for (int index = 0; index < std::min(*count, mostChildren); ++index) {
       auto child = calls_->child(accessible_, index);
       if (calls_->gaveUp()) return {ax_error::cannotComplete, {}};
-      if (child) children.push_back(std::make_shared<MenuElement>(calls_, std::move(child)));
+      if (child) children.push_back(std::make_shared<MenuElement>(calls_, std::move(child), tap_));
     }
     return {0, std::move(children)};
   }
@@ -64,11 +63,11 @@ class MenuElement final : public platform::Element {
     return {0, std::move(*name)};
   }
 
-  std::int32_t press() {
+  std::int32_t press(KeyboardIsFree free) {
     const auto nested = isNestedSubmenu();
     if (!nested) return ax_error::cannotComplete;
     if (*nested) return ax_error::actionUnsupported;
-    return calls_->press(accessible_) ? 0 : ax_error::cannotComplete;
+    return calls_->press(accessible_, free) ? 0 : ax_error::cannotComplete;
   }
 
   /// An item with a submenu of its own inside a menu. Pressing it opens that menu without what GTK needs to
@@ -86,30 +85,32 @@ class MenuElement final : public platform::Element {
 
   std::shared_ptr<AccessibilityCalls> calls_;
   Accessible accessible_;
+  CurrentTap& tap_;
 };
 
 class ApplicationElement final : public platform::Element {
  public:
-  explicit ApplicationElement(platform::ProcessIdentifier process) : process_(process) {}
+  ApplicationElement(platform::ProcessIdentifier process, CurrentTap& tap) : process_(process), tap_(tap) {}
 
   AttributeAnswer attribute(std::string_view name) override {
     if (name != "AXMenuBar") return {ax_error::attributeUnsupported, {}};
     auto menuBar = findMenuBar(*calls_, process_);
     if (!menuBar) return {ax_error::cannotComplete, {}};
-    return {0, ElementRef(std::make_shared<MenuElement>(calls_, std::move(menuBar)))};
+    return {0, ElementRef(std::make_shared<MenuElement>(calls_, std::move(menuBar), tap_))};
   }
 
   std::int32_t perform(std::string_view) override { return ax_error::actionUnsupported; }
 
  private:
   platform::ProcessIdentifier process_;
+  CurrentTap& tap_;
   std::shared_ptr<AccessibilityCalls> calls_ = std::make_shared<AccessibilityCalls>();
 };
 
 }  // namespace
 
-ElementRef applicationElement(platform::ProcessIdentifier process) {
-  return std::make_shared<ApplicationElement>(process);
+ElementRef applicationElement(platform::ProcessIdentifier process, CurrentTap& tap) {
+  return std::make_shared<ApplicationElement>(process, tap);
 }
 
 }  // namespace keyvora::x11

@@ -56,7 +56,7 @@ class Handover {
 
   // Any thread.
 
-  /// What `settlePendingVerdict` promises.
+  /// What `CurrentTap::letGo` promises.
   void settle();
 
   /// Wakes the main thread when an event is there.

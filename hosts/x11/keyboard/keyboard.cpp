@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/event_tap.h"
 #include "hosts/x11/keyboard/poster.h"
 #include "hosts/x11/keyboard/synthetic_event.h"
@@ -9,7 +10,8 @@
 
 namespace keyvora::x11 {
 
-Keyboard::Keyboard(std::string displayName) : displayName_(std::move(displayName)) {}
+Keyboard::Keyboard(std::string displayName, CurrentTap& currentTap)
+    : displayName_(std::move(displayName)), currentTap_(currentTap) {}
 
 Keyboard::~Keyboard() = default;
 
@@ -17,6 +19,7 @@ std::unique_ptr<platform::EventTap> Keyboard::createTap(std::uint64_t eventMask,
                                                         platform::TapHandler handler) {
   auto thread = TapThread::start(displayName_);
   if (!thread) return nullptr;
+  currentTap_.set(thread);
   return std::make_unique<EventTap>(std::move(thread), eventMask, std::move(handler));
 }
 
@@ -32,7 +35,7 @@ std::unique_ptr<platform::SyntheticEvent> Keyboard::createEvent(const platform::
   const auto* ours = dynamic_cast<const EventSource*>(source);
   const KeyStroke stroke{
       .keyCode = keyCode, .down = down, .userData = ours == nullptr ? 0 : ours->userData()};
-  return std::make_unique<SyntheticEvent>(std::move(posting), stroke);
+  return std::make_unique<SyntheticEvent>(std::move(posting), currentTap_, stroke);
 }
 
 std::shared_ptr<Poster> Keyboard::poster() {

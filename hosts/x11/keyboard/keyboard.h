@@ -8,13 +8,15 @@
 
 namespace keyvora::x11 {
 
+class CurrentTap;
 class Poster;
 
 /// The keyboard of an X session. Without a usable display there is no tap and no event.
 class Keyboard : public platform::Keyboard {
  public:
-  /// The display of this name, or the one that DISPLAY names when it is empty. Connects when first used.
-  explicit Keyboard(std::string displayName);
+  /// The display of this name, or the one that DISPLAY names when it is empty. Connects when first used. A
+  /// tap that it makes becomes `currentTap`, which outlives the keyboard and its events.
+  Keyboard(std::string displayName, CurrentTap& currentTap);
   ~Keyboard() override;
 
   /// The tap's events are dispatched by GLib's default main context, ahead of timers and drawing.
@@ -29,6 +31,7 @@ class Keyboard : public platform::Keyboard {
   std::shared_ptr<Poster> poster();
 
   std::string displayName_;
+  CurrentTap& currentTap_;
   std::mutex posterMutex_;
   std::shared_ptr<Poster> poster_;
 };

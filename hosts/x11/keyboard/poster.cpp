@@ -10,9 +10,10 @@
 
 #include "hosts/x11/applications/desktop_windows.h"
 #include "hosts/x11/applications/window_description.h"
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/key_codes.h"
 #include "hosts/x11/keyboard/modifier_state.h"
-#include "hosts/x11/tap/tap_thread.h"
+#include "hosts/x11/tap/own_events.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {
@@ -43,7 +44,7 @@ bool Poster::hasKey(std::uint16_t keyCode) {
   return keys_.keycode(keyCode).has_value();
 }
 
-void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke) {
+void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke, KeyboardIsFree) {
   const std::scoped_lock lock(mutex_);
   const Time now = serverTime();
   catchUp();
@@ -69,19 +70,19 @@ void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke
   XSync(connection_->get(), False);
 }
 
-void Poster::inject(const KeyStroke& stroke) {
+void Poster::inject(const KeyStroke& stroke, CurrentTap& tap, KeyboardIsFree) {
   const std::scoped_lock lock(mutex_);
   catchUp();
   const bool holdsModifiers = stroke.down && !stroke.isFlagsChange && stroke.flags != 0;
   if (!holdsModifiers) {
-    injectKey(stroke.keyCode, stroke.down, stroke);
+    injectKey(stroke.keyCode, stroke.down, stroke, tap);
   } else {
     for (const auto key : flagKeys) {
-      if ((stroke.flags & flagOf(key)) != 0) injectKey(key, true, stroke);
+      if ((stroke.flags & flagOf(key)) != 0) injectKey(key, true, stroke, tap);
     }
-    injectKey(stroke.keyCode, true, stroke);
+    injectKey(stroke.keyCode, true, stroke, tap);
     for (const auto key : flagKeys) {
-      if ((stroke.flags & flagOf(key)) != 0) injectKey(key, false, stroke);
+      if ((stroke.flags & flagOf(key)) != 0) injectKey(key, false, stroke, tap);
     }
   }
   XFlush(connection_->get());
@@ -138,14 +139,11 @@ unsigned Poster::stateBefore(const KeyStroke& stroke) const {
   return XkbBuildCoreState(keys_.modifierBits(flags), state.group);
 }
 
-void Poster::injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke) {
+void Poster::injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke, CurrentTap& tap) {
   const auto keycode = keys_.keycode(keyCode);
   if (!keycode) return;
-  if (const auto tap = TapThread::existing()) {
-    tap->inject(*keycode, down, {stroke.userData, stroke.flags});
-  } else {
-    XTestFakeKeyEvent(connection_->get(), *keycode, down ? True : False, CurrentTime);
-  }
+  if (tap.inject(*keycode, down, {stroke.userData, stroke.flags})) return;
+  XTestFakeKeyEvent(connection_->get(), *keycode, down ? True : False, CurrentTime);
 }
 
 }  // namespace keyvora::x11

@@ -14,6 +14,9 @@
 
 namespace keyvora::x11 {
 
+class CurrentTap;
+class KeyboardIsFree;
+
 /// A key going down or up, to be posted.
 struct KeyStroke {
   std::uint16_t keyCode = 0;
@@ -37,11 +40,11 @@ class Poster {
 
   /// Sends the stroke to the process's active window, whichever that is by now: a dialog may have opened
   /// since the last one. The window need not have the focus, and no tap sees the event.
-  void sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke);
+  void sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke, KeyboardIsFree);
 
-  /// Injects the stroke with XTEST. Flags of a key going down are modifier keys held meanwhile, since a
-  /// keyboard has no other way of saying them.
-  void inject(const KeyStroke& stroke);
+  /// Injects the stroke with XTEST, by way of the tap if there is one. Flags of a key going down are modifier
+  /// keys held meanwhile, since a keyboard has no other way of saying them.
+  void inject(const KeyStroke& stroke, CurrentTap& tap, KeyboardIsFree);
 
  private:
   explicit Poster(std::unique_ptr<Connection> connection);
@@ -50,7 +53,7 @@ class Poster {
   [[nodiscard]] Window windowOf(platform::ProcessIdentifier process) const;
   Time serverTime();
   [[nodiscard]] unsigned stateBefore(const KeyStroke& stroke) const;
-  void injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke);
+  void injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke, CurrentTap& tap);
 
   std::mutex mutex_;
   std::unique_ptr<Connection> connection_;

@@ -2,12 +2,10 @@
 
 #include <utility>
 
-#include "hosts/x11/keyboard/pending_verdict.h"
-
 namespace keyvora::x11 {
 
-SyntheticEvent::SyntheticEvent(std::shared_ptr<Poster> poster, KeyStroke stroke)
-    : poster_(std::move(poster)), stroke_(stroke) {}
+SyntheticEvent::SyntheticEvent(std::shared_ptr<Poster> poster, CurrentTap& tap, KeyStroke stroke)
+    : poster_(std::move(poster)), tap_(tap), stroke_(stroke) {}
 
 void SyntheticEvent::setType(std::uint32_t type) {
   using namespace platform;
@@ -17,13 +15,11 @@ void SyntheticEvent::setType(std::uint32_t type) {
 }
 
 void SyntheticEvent::postTo(platform::ProcessIdentifier process) {
-  settlePendingVerdict();
-  poster_->sendTo(process, stroke_);
+  poster_->sendTo(process, stroke_, tap_.letGo());
 }
 
 void SyntheticEvent::postToHardware() {
-  settlePendingVerdict();
-  poster_->inject(stroke_);
+  poster_->inject(stroke_, tap_, tap_.letGo());
 }
 
 }  // namespace keyvora::x11

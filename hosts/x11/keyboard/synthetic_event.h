@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/poster.h"
 #include "platform/keyboard.h"
 
@@ -21,7 +22,7 @@ class EventSource : public platform::EventSource {
 /// A key stroke to be posted. Posting lets the keyboard go first.
 class SyntheticEvent : public platform::SyntheticEvent {
  public:
-  SyntheticEvent(std::shared_ptr<Poster> poster, KeyStroke stroke);
+  SyntheticEvent(std::shared_ptr<Poster> poster, CurrentTap& tap, KeyStroke stroke);
 
   void setType(std::uint32_t type) override;
   void setFlags(std::uint64_t flags) override { stroke_.flags = flags; }
@@ -30,6 +31,7 @@ class SyntheticEvent : public platform::SyntheticEvent {
 
  private:
   std::shared_ptr<Poster> poster_;
+  CurrentTap& tap_;
   KeyStroke stroke_;
 };
 

@@ -18,16 +18,6 @@ namespace {
 using platform::Verdict;
 namespace event_type = platform::event_type;
 
-struct Existing {
-  std::mutex mutex;
-  std::weak_ptr<TapThread> tap;
-};
-
-Existing& theExisting() {
-  static auto& kept = *new Existing;  // other threads may ask while the process ends
-  return kept;
-}
-
 /// For a few round trips to the server: who asks for the tap may take it that keys are caught from then on.
 constexpr std::chrono::milliseconds grabbingLimit{250};
 
@@ -56,14 +46,7 @@ std::shared_ptr<TapThread> TapThread::start(const std::string& displayName) {
   std::shared_ptr<TapThread> tap(new TapThread(std::move(connection), *opcode, *devices));
   if (!tap->claim()) return nullptr;
   tap->thread_ = std::thread([raw = tap.get()] { raw->run(); });
-  const std::scoped_lock lock(theExisting().mutex);
-  theExisting().tap = tap;
   return tap;
-}
-
-std::shared_ptr<TapThread> TapThread::existing() {
-  const std::scoped_lock lock(theExisting().mutex);
-  return theExisting().tap.lock();
 }
 
 TapThread::TapThread(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices)

@@ -40,9 +40,6 @@ class TapThread : private KeyListener {
   /// there, or another program holds the target's keys. Main thread.
   static std::shared_ptr<TapThread> start(const std::string& displayName);
 
-  /// The tap that exists in this process, if one does. Any thread.
-  static std::shared_ptr<TapThread> existing();
-
   /// Ends the thread; a key that is held back goes to its window. Main thread.
   ~TapThread() override;
   TapThread(const TapThread&) = delete;

@@ -1,4 +1,5 @@
 #include "hosts/x11/accessibility/accessibility.h"
+#include "hosts/x11/keyboard/current_tap.h"
 
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
@@ -70,7 +71,8 @@ class AccessibilityTest : public testing::Test {
   PrivateSession& session = PrivateSession::shared();
   RecordingConsole console;
   Notices notices{console};
-  Accessibility accessibility{notices};
+  CurrentTap tap;
+  Accessibility accessibility{notices, tap};
   std::unique_ptr<Conversation> program;
   ElementRef application;
 };

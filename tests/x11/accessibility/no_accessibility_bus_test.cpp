@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include "hosts/x11/accessibility/accessibility.h"
+#include "hosts/x11/keyboard/current_tap.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/recording_console.h"
 
@@ -13,7 +14,8 @@ TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsSaidOnce) {
   session.endBuses();
   RecordingConsole console;
   Notices notices(console);
-  Accessibility accessibility(notices);
+  CurrentTap tap;
+  Accessibility accessibility(notices, tap);
   for (int time = 0; time < 2; ++time) {
     EXPECT_NE(accessibility.application(getpid())->attribute("AXMenuBar").error, 0);
     EXPECT_TRUE(accessibility.isTrustedPrompting()) << "key sequences work all the same";

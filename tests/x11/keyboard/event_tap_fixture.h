@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "hosts/x11/applications/applications.h"
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
 #include "platform/keyboard.h"
 #include "tests/x11/keyboard/client_window.h"
@@ -74,7 +75,8 @@ class EventTapTest : public testing::Test {
 
   PrivateDisplay display;
   Applications applications{display.name()};
-  Keyboard keyboard{display.name()};
+  CurrentTap currentTap;
+  Keyboard keyboard{display.name(), currentTap};
   ClientWindow target{display.name(), {}};
   Typist user{display.name(), Typist::Device::hardware};
   Catcher catcher{applications};

@@ -5,7 +5,6 @@
 
 #include "hosts/x11/display.h"
 #include "hosts/x11/keyboard/key_map.h"
-#include "hosts/x11/keyboard/pending_verdict.h"
 #include "hosts/x11/tap/key_devices.h"
 #include "hosts/x11/tap/key_grabs.h"
 #include "tests/x11/keyboard/event_tap_fixture.h"
@@ -80,7 +79,7 @@ TEST_F(EventTapGuardTest, AnActionInsideTheHandlerHoldsNothingBack) {
   tapWith([&](const KeyEvent& event) {
     const auto verdict = catcher(event);
     if (verdict == Verdict::swallow && event.keyCode == key::f) {
-      settlePendingVerdict();
+      currentTap.letGo();
       std::this_thread::sleep_for(milliseconds(600));
     }
     return verdict;
@@ -100,7 +99,7 @@ TEST_F(EventTapGuardTest, TheKeyboardIsFreeWhileAnActionRuns) {
   tapWith([&](const KeyEvent& event) {
     const auto verdict = catcher(event);
     if (verdict == Verdict::swallow) {
-      settlePendingVerdict();
+      currentTap.letGo();
       free = target.grabKeyboard();  // fails while the keyboard is frozen by someone else
       target.ungrabKeyboard();
     }
@@ -113,7 +112,8 @@ TEST_F(EventTapGuardTest, TheKeyboardIsFreeWhileAnActionRuns) {
 
 TEST_F(EventTapGuardTest, ASecondTapIsRefusedUntilTheFirstIsGone) {
   tapWithCatcher();
-  Keyboard other(display.name());
+  CurrentTap otherTap;
+  Keyboard other(display.name(), otherTap);
   const auto pass = [](const KeyEvent&) { return Verdict::pass; };
   EXPECT_EQ(other.createTap(keyEvents, pass), nullptr);
   EXPECT_EQ(keyboard.createTap(keyEvents, pass), nullptr);

@@ -225,7 +225,8 @@ TEST_F(PostingTest, PostingInsideTheHandlerComesAfterTheSwallowedKeyAndDoesNotWa
 }
 
 TEST(Posting, WithoutADisplayNothingCanBeMade) {
-  Keyboard keyboard(":4711");
+  CurrentTap tap;
+  Keyboard keyboard(":4711", tap);
   EXPECT_EQ(keyboard.createSource(), nullptr);
   EXPECT_EQ(keyboard.createEvent(nullptr, 0, true), nullptr);
   EXPECT_EQ(keyboard.createTap(keyEvents, [](const KeyEvent&) { return Verdict::pass; }), nullptr);

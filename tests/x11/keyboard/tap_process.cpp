@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "hosts/x11/display.h"
+#include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
 #include "tests/x11/keyboard/client_window.h"
 #include "tests/x11/private_display.h"
@@ -13,7 +14,8 @@ int main(int argc, char** argv) {
   using namespace keyvora;
   if (argc != 2) return 2;
   x11::setDisplayLossHandler([] { std::fputs("records are safe\n", stderr); });
-  x11::Keyboard keyboard(argv[1]);
+  x11::CurrentTap currentTap;
+  x11::Keyboard keyboard(argv[1], currentTap);
   std::unique_ptr<platform::EventTap> tap;
   const auto swallow = [](const platform::KeyEvent& event) {
     return event.type == platform::event_type::keyDown && event.userData == 0 ? platform::Verdict::swallow
