@@ -1,16 +1,18 @@
 # The libraries on a Mac: sources pinned by commit and compiled here, because the program is universal and a package
-# manager's libraries have one architecture. CMake's own FETCHCONTENT_SOURCE_DIR_<NAME> takes each from a local folder.
+# manager's libraries have one architecture. docs/release.md says how to build without the network.
+# SYSTEM stands first: before 3.26, CMake takes what follows GIT_TAG for one more thing to check out.
 include(FetchContent)
 
 set(utf8proc_commit 34db3f7954e9298e89f42641ac78e0450f80a70d)    # 2.9.0
 set(rapidjson_commit 24b5e7a8b27f42fa16b96fc70aade9106cf7102f)   # after 1.1.0, which modern compilers reject
 set(googletest_commit f8d7d77c06936315286eb55f8de22cd23c188571)  # 1.14.0
 
-FetchContent_Declare(utf8proc
-  GIT_REPOSITORY https://github.com/JuliaStrings/utf8proc.git GIT_TAG ${utf8proc_commit} SYSTEM)
-# Headers only: a build file of its own would add its tests and documents.
+FetchContent_Declare(utf8proc SYSTEM
+  GIT_REPOSITORY https://github.com/JuliaStrings/utf8proc.git GIT_TAG ${utf8proc_commit})
+# Headers only: its own build file would add its tests and documents, and its submodule is for those tests.
 FetchContent_Declare(rapidjson
-  GIT_REPOSITORY https://github.com/Tencent/rapidjson.git GIT_TAG ${rapidjson_commit} SOURCE_SUBDIR include)
+  GIT_REPOSITORY https://github.com/Tencent/rapidjson.git GIT_TAG ${rapidjson_commit} GIT_SUBMODULES ""
+  SOURCE_SUBDIR include)
 set(CMAKE_POLICY_VERSION_MINIMUM 3.5)  # utf8proc asks for an older CMake than a new CMake still imitates
 FetchContent_MakeAvailable(utf8proc rapidjson)
 unset(CMAKE_POLICY_VERSION_MINIMUM)
@@ -20,8 +22,8 @@ target_include_directories(keyvora_rapidjson SYSTEM INTERFACE ${rapidjson_SOURCE
 
 if(KEYVORA_TESTS)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
-  FetchContent_Declare(googletest
-    GIT_REPOSITORY https://github.com/google/googletest.git GIT_TAG ${googletest_commit} SYSTEM)
+  FetchContent_Declare(googletest SYSTEM
+    GIT_REPOSITORY https://github.com/google/googletest.git GIT_TAG ${googletest_commit})
   FetchContent_MakeAvailable(googletest)
 endif()
 
