@@ -14,6 +14,9 @@ system() {
   esac
 }
 
+# How many processors this machine has.
+processors() { getconf _NPROCESSORS_ONLN; }
+
 # One heading of a command's output.
 step() { printf '\n==> %s\n' "$*"; }
 
