@@ -7,6 +7,7 @@
 
 #include "bench/documents.h"
 #include "hosts/simulated/host.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
 #include "runner/runner.h"
 #include "tap/key_sequence_tap.h"
@@ -18,7 +19,7 @@ using platform::KeyEvent;
 using namespace platform::event_flag;
 using namespace platform::event_type;
 
-constexpr std::uint16_t keyH = 4, escape = 53, option = 58;
+using platform::key_code::escape, platform::key_code::h, platform::key_code::leftOption;
 
 /// A tap on a simulated system that remembers nothing.
 class Rig {
@@ -31,8 +32,8 @@ class Rig {
   void handle(const KeyEvent& event) { benchmark::DoNotOptimize(tap_.handle(event.type, event)); }
 
   void arm() {
-    handle({flagsChanged, option, platform::event_flag::option, 0});
-    handle({flagsChanged, option, 0, 0});
+    handle({flagsChanged, leftOption, platform::event_flag::option, 0});
+    handle({flagsChanged, leftOption, 0, 0});
   }
 
   /// Forgets what piled up in the simulation.
@@ -50,8 +51,8 @@ class Rig {
 
 void idleEvents(benchmark::State& state, const char* front) {
   Rig rig(200, front);
-  const KeyEvent down{keyDown, keyH, 0, 0};
-  const KeyEvent up{keyUp, keyH, 0, 0};
+  const KeyEvent down{keyDown, h, 0, 0};
+  const KeyEvent up{keyUp, h, 0, 0};
   for (auto _ : state) {
     rig.handle(down);
     rig.handle(up);
@@ -73,7 +74,7 @@ BENCHMARK(idleEventElsewhere);
 /// The first letter after a tap of Option: matched against every sequence, shown, and its timeout scheduled.
 void armedLetter(benchmark::State& state) {
   Rig rig(static_cast<std::size_t>(state.range(0)), "com.microsoft.Excel");
-  const KeyEvent letter{keyDown, keyH, 0, 0};
+  const KeyEvent letter{keyDown, h, 0, 0};
   int rounds = 0;
   for (auto _ : state) {
     rig.arm();

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "runner/key_codes.h"
+#include "platform/key_code.h"
+#include "runner/key_names.h"
 #include "text/text.h"
 
 namespace keyvora {
@@ -15,14 +16,14 @@ std::vector<PlannedKey> keyPlan(std::string_view keys) {
   // Split once more: what white space kept apart may now be one character, an accent and the letter before.
   std::vector<PlannedKey> plan;
   for (auto& character : text::characters(cleaned)) {
-    const auto code = keyCodeFor(character).value_or(noKeyCode);
+    const auto code = keyCodeFor(character).value_or(platform::key_code::none);
     plan.push_back({std::move(character), code});
   }
   return plan;
 }
 
 std::optional<std::string> firstWithoutKey(const std::vector<PlannedKey>& plan) {
-  const auto found = std::ranges::find(plan, noKeyCode, &PlannedKey::code);
+  const auto found = std::ranges::find(plan, platform::key_code::none, &PlannedKey::code);
   if (found == plan.end()) return std::nullopt;
   return found->character;
 }

@@ -12,14 +12,11 @@ namespace keyvora {
 struct PlannedKey {
   /// User-perceived, upper-case.
   std::string character;
-  /// Virtual key code, or `noKeyCode`.
+  /// Virtual key code, `platform::key_code::none` for a character that no key types.
   std::uint16_t code = 0;
 
   friend bool operator==(const PlannedKey&, const PlannedKey&) = default;
 };
-
-/// Stands for the code of a character that no key types.
-inline constexpr std::uint16_t noKeyCode = 0xFFFF;
 
 /// What to type for key tips: the characters of the upper-cased text without white space, in order, each with
 /// its key code. Names of several letters ("f1", "space") are never read as one key. Any thread.

@@ -2,6 +2,7 @@
 #include <chrono>
 
 #include "log/log.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
 #include "runner/excel.h"
 #include "runner/key_plan.h"
@@ -27,13 +28,11 @@ struct ModifierChange {
 };
 
 /// Shift and Option pressed and let go: what makes the target show its key tips.
-constexpr std::uint16_t leftShift = 56;
-constexpr std::uint16_t leftOption = 58;
 constexpr std::array<ModifierChange, 4> leadIn{{
-    {leftShift, true, platform::event_flag::shift},
-    {leftOption, true, platform::event_flag::shift | platform::event_flag::option},
-    {leftOption, false, platform::event_flag::shift},
-    {leftShift, false, 0},
+    {platform::key_code::leftShift, true, platform::event_flag::shift},
+    {platform::key_code::leftOption, true, platform::event_flag::shift | platform::event_flag::option},
+    {platform::key_code::leftOption, false, platform::event_flag::shift},
+    {platform::key_code::leftShift, false, 0},
 }};
 
 /// The typing of one action's key tips. Used by one background thread.

@@ -1,6 +1,6 @@
 #include "log/log.h"
 #include "runner/excel.h"
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 #include "runner/modifiers.h"
 #include "runner/outcome.h"
 #include "runner/own_event_source.h"

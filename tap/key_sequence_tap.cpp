@@ -4,6 +4,7 @@
 
 #include "log/log.h"
 #include "mapping/mapping_store.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
 #include "platform/shared.h"
 #include "runner/excel.h"
@@ -16,14 +17,11 @@ namespace {
 
 namespace event_flag = platform::event_flag;
 namespace event_type = platform::event_type;
+namespace key_code = platform::key_code;
 using platform::Verdict;
 
 constexpr std::uint64_t eventMask =
     1U << event_type::keyDown | 1U << event_type::keyUp | 1U << event_type::flagsChanged;
-
-constexpr std::uint16_t leftOptionKey = 58;
-constexpr std::uint16_t rightOptionKey = 61;
-constexpr std::uint16_t escapeKey = 53;
 
 std::string joined(const std::vector<std::string>& letters) {
   std::string text;
@@ -80,7 +78,7 @@ Verdict KeySequenceTap::handle(std::uint32_t type, const platform::KeyEvent& eve
 }
 
 void KeySequenceTap::modifierChanged(std::uint16_t keyCode, bool optionHeld) {
-  if (keyCode != leftOptionKey && keyCode != rightOptionKey) {
+  if (!key_code::isOption(keyCode)) {
     optionDownAlone_ = false;
   } else if (optionHeld) {
     optionDownAlone_ = true;
@@ -94,7 +92,7 @@ void KeySequenceTap::modifierChanged(std::uint16_t keyCode, bool optionHeld) {
 }
 
 Verdict KeySequenceTap::keyTypedWhileArmed(std::uint16_t keyCode) {
-  if (keyCode == escapeKey) {
+  if (keyCode == key_code::escape) {
     disarm();
     return Verdict::swallow;
   }

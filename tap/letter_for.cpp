@@ -1,17 +1,30 @@
-#include <string_view>
+#include <array>
 
+#include "platform/key_code.h"
+#include "runner/key_names.h"
 #include "tap/key_sequence_tap.h"
 
 namespace keyvora {
 namespace {
 
-/// By key code, from 0; a dot where the key has no letter.
-constexpr std::string_view lettersByKeyCode = "ASDFHGZXCV.BQWERYT123465.97.80.OU.IP.LJ.K....NM";
+/// The character of a key whose name is a letter or a digit, upper-case; a NUL for every other key.
+constexpr char letterOf(std::string_view name) {
+  if (name.size() != 1) return '\0';
+  const char c = name.front();
+  if (c >= 'a' && c <= 'z') return static_cast<char>(c - 'a' + 'A');
+  return c >= '0' && c <= '9' ? c : '\0';
+}
+
+constexpr auto lettersByKeyCode = [] {
+  std::array<char, platform::key_code::count> letters{};
+  for (const auto& key : keyNames) letters[key.code] = letterOf(key.name);
+  return letters;
+}();
 
 }  // namespace
 
 std::optional<char> KeySequenceTap::letterFor(std::uint16_t keyCode) {
-  if (keyCode >= lettersByKeyCode.size() || lettersByKeyCode[keyCode] == '.') return std::nullopt;
+  if (keyCode >= lettersByKeyCode.size() || lettersByKeyCode[keyCode] == '\0') return std::nullopt;
   return lettersByKeyCode[keyCode];
 }
 

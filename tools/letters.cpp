@@ -4,18 +4,16 @@
 #include <array>
 #include <cstddef>
 
+#include "platform/key_code.h"
 #include "tap/key_sequence_tap.h"
 
 namespace keyvora::tools {
 namespace {
 
-/// Virtual key codes are below this.
-constexpr std::uint16_t keyCodeCount = 128;
-
 /// Key codes by the letter that the tap makes of them, plus one; 0 for characters without a key.
 std::array<std::uint16_t, 256> reversed() {
   std::array<std::uint16_t, 256> codes{};
-  for (std::uint16_t code = 0; code < keyCodeCount; ++code) {
+  for (std::uint16_t code = 0; code < platform::key_code::count; ++code) {
     if (const auto letter = KeySequenceTap::letterFor(code)) {
       codes[static_cast<unsigned char>(*letter)] = static_cast<std::uint16_t>(code + 1);
     }

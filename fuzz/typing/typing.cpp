@@ -5,8 +5,9 @@
 
 #include "fuzz/input.h"
 #include "hosts/simulated/host.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 #include "runner/key_plan.h"
 #include "runner/own_event_marker.h"
 #include "runner/runner.h"
@@ -17,6 +18,7 @@ namespace {
 
 using simulated::trace::Posted;
 using simulated::trace::Slept;
+namespace key_code = platform::key_code;
 using namespace platform::event_flag;
 using namespace platform::event_type;
 
@@ -33,8 +35,8 @@ std::string withoutWhiteSpace(const std::string& keys) {
 }
 
 std::optional<std::uint16_t> codeOf(const std::string& name) {
-  const auto found = std::ranges::find(keyCodes, text::lowerCased(name), &KeyCode::name);
-  if (found == keyCodes.end()) return std::nullopt;
+  const auto found = std::ranges::find(keyNames, text::lowerCased(name), &KeyName::name);
+  if (found == keyNames.end()) return std::nullopt;
   return found->code;
 }
 
@@ -59,7 +61,10 @@ class Typing {
     std::vector<Posted> events;
     for (const auto& [code, flags, down] :
          std::initializer_list<std::tuple<std::uint16_t, std::uint64_t, bool>>{
-             {56, shift, true}, {58, shift | option, true}, {58, shift, false}, {56, 0, false}}) {
+             {key_code::leftShift, shift, true},
+             {key_code::leftOption, shift | option, true},
+             {key_code::leftOption, shift, false},
+             {key_code::leftShift, 0, false}}) {
       if (canMake(code, down)) events.push_back(event(flagsChanged, code, flags));
     }
     std::vector<Slept> pauses{{std::chrono::milliseconds(150)}};

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "hosts/simulated/main_loop.h"
+#include "platform/key_code.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::simulated {
@@ -25,8 +26,8 @@ class Keyboard final : public platform::Keyboard {
   /// A modifier key that goes down or comes up; `flags` is what holds afterwards.
   platform::Verdict changeFlags(std::uint16_t keyCode, std::uint64_t flags);
 
-  /// The Option key (58 the left, 61 the right one) pressed and released with nothing in between.
-  void tapOption(std::uint16_t keyCode = 58);
+  /// The Option key (the left one, unless told otherwise) pressed and released with nothing in between.
+  void tapOption(std::uint16_t keyCode = platform::key_code::leftOption);
 
   /// How many taps exist, on or off.
   [[nodiscard]] std::size_t tapCount() const { return taps_->size(); }

@@ -1,5 +1,6 @@
 #include <thread>
 
+#include "platform/key_code.h"
 #include "shell_test.h"
 
 namespace keyvora {
@@ -16,7 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::VariantWith;
 
-constexpr std::uint16_t keyH = 4;
+namespace key = platform::key_code;
 
 class LaunchTest : public ShellTest {};
 
@@ -86,10 +87,9 @@ TEST_F(LaunchTest, ArmingShowsTheLettersAfterABlank) {
   host.applications.front = "com.microsoft.Excel";
   host.keyboard.tapOption();
   EXPECT_EQ(host.statusBar.title(), "⌥ ");
-  host.keyboard.type(keyH);
+  host.keyboard.type(key::h);
   EXPECT_EQ(host.statusBar.title(), "⌥ H");
-  constexpr std::uint16_t escape = 53;
-  host.keyboard.type(escape);
+  host.keyboard.type(key::escape);
   EXPECT_EQ(host.statusBar.title(), "⌥");
 }
 

@@ -10,6 +10,7 @@
 #include "app/keyvora.h"
 #include "log/log.h"
 #include "mapping/mapping_store.h"
+#include "platform/key_code.h"
 #include "tap/key_sequence_tap.h"
 #include "tests/support/disk_platform.h"
 
@@ -41,7 +42,7 @@ class Running {
 
   /// A sequence is typed; whether it fired and ordinary keys around it arrived.
   bool works() {
-    constexpr std::uint16_t h = 4, b = 11;
+    using platform::key_code::b, platform::key_code::h;
     auto& keyboard = disk.host.keyboard;
     if (keyboard.type(h) == platform::Verdict::swallow) return false;
     disk.host.trace.clear();
@@ -211,7 +212,7 @@ TEST(ClockTest, SetBackMovesTheStampsAndNothingElse) {
   const auto keyvora = Keyvora::create();
   keyvora->applicationDidFinishLaunching();
   host.keyboard.tapOption();
-  constexpr std::uint16_t h = 4;
+  using platform::key_code::h;
   host.keyboard.type(h);
   clock.time = "2025-01-01 00:00:00";
   host.advance(0.799);

@@ -5,6 +5,7 @@
 #include "app/keyvora.h"
 #include "hosts/simulated/host.h"
 #include "mapping/mapping_store.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
 #include "tap/key_sequence_tap.h"
 #include "tests/mapping/counting_new.h"
@@ -49,12 +50,12 @@ class EnduranceTest : public ::testing::Test {
 
   /// Twelve events: ordinary typing, a sequence that fires, one that waits and runs out of time.
   void twelveEvents() {
-    constexpr std::uint16_t h = 4, b = 11, option = 58;
+    using platform::key_code::b, platform::key_code::h, platform::key_code::leftOption;
     constexpr auto optionFlag = platform::event_flag::option;
     swallowed += host.keyboard.type(h) == Verdict::swallow ? 1 : 0;
     for (const auto second : {b, h}) {
-      host.keyboard.changeFlags(option, optionFlag);
-      host.keyboard.changeFlags(option, 0);
+      host.keyboard.changeFlags(leftOption, optionFlag);
+      host.keyboard.changeFlags(leftOption, 0);
       swallowed += host.keyboard.type(h) == Verdict::swallow ? 1 : 0;
       if (second == b) swallowed += host.keyboard.type(b) == Verdict::swallow ? 1 : 0;
     }

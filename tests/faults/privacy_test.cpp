@@ -8,10 +8,13 @@
 
 #include "app/keyvora.h"
 #include "hosts/simulated/host.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
 
 namespace keyvora::testing {
 namespace {
+
+namespace key = platform::key_code;
 
 constexpr auto excel = "com.microsoft.Excel";
 const std::filesystem::path mappings = "/Users/me/Library/Application Support/keyvora/mappings.json";
@@ -36,12 +39,11 @@ std::string tracesOf(const Typing& typing, const std::vector<std::uint16_t>& tex
   const auto keyvora = Keyvora::create();
   keyvora->applicationDidFinishLaunching();
 
-  constexpr std::uint16_t h = 4, b = 11, escape = 53;
   if (typing.afterEscape) {
     host.applications.front = excel;
     host.keyboard.tapOption();
-    host.keyboard.type(h);
-    host.keyboard.type(escape);
+    host.keyboard.type(key::h);
+    host.keyboard.type(key::escape);
   }
   host.applications.front = typing.front;
   for (const auto key : text) {
@@ -51,8 +53,8 @@ std::string tracesOf(const Typing& typing, const std::vector<std::uint16_t>& tex
   // A sequence afterwards: what was typed before has no part in it.
   host.applications.front = excel;
   host.keyboard.tapOption();
-  host.keyboard.type(h);
-  host.keyboard.type(b);
+  host.keyboard.type(key::h);
+  host.keyboard.type(key::b);
   host.advance(5);
 
   std::ostringstream traces;
@@ -66,8 +68,8 @@ std::string tracesOf(const Typing& typing, const std::vector<std::uint16_t>& tex
 class PrivacyTest : public ::testing::TestWithParam<Typing> {};
 
 TEST_P(PrivacyTest, WhatIsTypedOutsideASequenceLeavesNoTrace) {
-  const std::vector<std::uint16_t> password{1, 0, 8, 40, 14, 15, 36};
-  const std::vector<std::uint16_t> another{46, 31, 45, 14, 16, 49, 48};
+  const std::vector<std::uint16_t> password{key::s, key::a, key::c, key::k, key::e, key::r, key::returnKey};
+  const std::vector<std::uint16_t> another{key::m, key::o, key::n, key::e, key::y, key::space, key::tab};
   const auto traces = tracesOf(GetParam(), password);
   EXPECT_EQ(traces, tracesOf(GetParam(), another));
   EXPECT_NE(traces.find("H B  Borders (keystroke)"), std::string::npos);
@@ -75,7 +77,7 @@ TEST_P(PrivacyTest, WhatIsTypedOutsideASequenceLeavesNoTrace) {
 
 TEST_P(PrivacyTest, NorDoesThatAnythingWasTypedAtAllReachTheLog) {
   const auto logOf = [](const std::string& traces) { return traces.substr(traces.find("2026-")); };
-  const auto typed = tracesOf(GetParam(), {1, 0, 8, 40});
+  const auto typed = tracesOf(GetParam(), {key::s, key::a, key::c, key::k});
   const auto silent = tracesOf(GetParam(), {});
   EXPECT_EQ(std::ranges::count(logOf(typed), '\n'), std::ranges::count(logOf(silent), '\n'));
 }

@@ -4,6 +4,7 @@
 
 #include "app/process_entry.h"
 #include "mapping/mapping_store.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
 #include "tap/key_sequence_tap.h"
 
@@ -22,7 +23,8 @@ constexpr platform::ProcessIdentifier process = 77;
 const std::filesystem::path mappings = "/Users/me/Library/Application Support/keyvora/mappings.json";
 const std::filesystem::path logFilePath = "/Users/me/Library/Logs/keyvora.log";
 
-constexpr std::uint16_t a = 0, s = 1, h = 4, v = 9, b = 11, m = 46, escape = 53;
+using platform::key_code::a, platform::key_code::b, platform::key_code::escape, platform::key_code::h,
+    platform::key_code::m, platform::key_code::s, platform::key_code::v;
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 
 #import <Carbon/Carbon.h>
 #include <gtest/gtest.h>
@@ -77,8 +77,8 @@ TEST(KeyCodes, AreTheSystemsOwn) {
     {"f12", kVK_F12},
   };
   // clang-format on
-  ASSERT_EQ(system.size(), keyCodes.size());
-  for (const auto& [name, code] : keyCodes) {
+  ASSERT_EQ(system.size(), keyNames.size());
+  for (const auto& [name, code] : keyNames) {
     ASSERT_TRUE(system.contains(name)) << name;
     EXPECT_EQ(system.at(name), code) << name;
   }

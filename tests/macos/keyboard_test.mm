@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "hosts/macos/synthetic_event.h"
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 #include "runner/own_event_marker.h"
 
 namespace keyvora::macos {

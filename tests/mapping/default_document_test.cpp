@@ -11,9 +11,10 @@
 
 #include "hosts/simulated/host.h"
 #include "mapping/decode.h"
+#include "platform/key_code.h"
 #include "platform/platform.h"
 #include "runner/excel.h"
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 #include "runner/key_plan.h"
 #include "runner/modifiers.h"
 #include "runner/own_event_marker.h"
@@ -60,7 +61,7 @@ const Sequence& sequenceFor(const std::string& keys) {
 }
 
 std::optional<std::uint16_t> keyTyping(const std::string& letter) {
-  for (std::uint16_t code = 0; code < 128; ++code) {
+  for (std::uint16_t code = 0; code < platform::key_code::count; ++code) {
     if (const auto typed = KeySequenceTap::letterFor(code); typed && letter == std::string(1, *typed))
       return code;
   }

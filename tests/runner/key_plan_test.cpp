@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/key_code.h"
+
 namespace keyvora {
 
 void PrintTo(const PlannedKey& key, std::ostream* out) {
@@ -9,6 +11,8 @@ void PrintTo(const PlannedKey& key, std::ostream* out) {
 }
 
 namespace {
+
+using platform::key_code::none;
 
 struct Case {
   const char* keys;
@@ -23,12 +27,12 @@ TEST(KeyPlanTest, HasEachCharacterWithItsKey) {
            Case{"\u00DF", {{"S", 1}, {"S", 1}}}, Case{"\uFB01", {{"F", 3}, {"I", 34}}},  // the ligature fi
            Case{"\u0131", {{"I", 34}}},                                                  // the dotless i
            Case{"\u212A", {{"\u212A", 40}}},                                             // the Kelvin sign
-           Case{"ab!", {{"A", 0}, {"B", 11}, {"!", noKeyCode}}},
-           Case{"a\u00E9", {{"A", 0}, {"\u00C9", noKeyCode}}}, Case{"e\u0301", {{"E\u0301", noKeyCode}}},
-           Case{"\u1E96", {{"H\u0331", noKeyCode}}},  // upper-cased, an H and a line below it
+           Case{"ab!", {{"A", 0}, {"B", 11}, {"!", none}}}, Case{"a\u00E9", {{"A", 0}, {"\u00C9", none}}},
+           Case{"e\u0301", {{"E\u0301", none}}},
+           Case{"\u1E96", {{"H\u0331", none}}},  // upper-cased, an H and a line below it
            Case{"a\r\nb", {{"A", 0}, {"B", 11}}},
-           Case{"a \u0301", {{"A", 0}}},                             // white space takes its accent along
-           Case{"a\n\u0301b", {{"A\u0301", noKeyCode}, {"B", 11}}},  // a line break does not
+           Case{"a \u0301", {{"A", 0}}},                        // white space takes its accent along
+           Case{"a\n\u0301b", {{"A\u0301", none}, {"B", 11}}},  // a line break does not
        }) {
     EXPECT_EQ(keyPlan(keys), plan) << keys;
   }

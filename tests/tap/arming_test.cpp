@@ -63,7 +63,7 @@ const std::vector<Case> cases{
     {"Command between", {optionDown, change(key::leftCommand, option | command), optionUp}, false},
     {"right Command between", {optionDown, change(key::rightCommand, option | command), optionUp}, false},
     {"Caps Lock between", {optionDown, change(key::capsLock, option | 0x10000), optionUp}, false},
-    {"Fn between", {optionDown, change(key::fn, option | 0x800000), optionUp}, false},
+    {"Fn between", {optionDown, change(key::function, option | 0x800000), optionUp}, false},
     {"any other key code of a modifier change between", {optionDown, change(0, option), optionUp}, false},
     {"Shift held before",
      {change(key::leftShift, shift), change(key::leftOption, shift | option), change(key::leftOption, shift)},

@@ -7,38 +7,14 @@
 #include <vector>
 
 #include "mapping/mapping.h"
+#include "platform/key_code.h"
 #include "platform/keyboard.h"
 #include "tests/tap/trace.h"
 
 /// Words for tests of the tap that read as tables.
 namespace keyvora::testing {
 
-/// Virtual key codes.
-namespace key {
-inline constexpr std::uint16_t a = 0;
-inline constexpr std::uint16_t f = 3;
-inline constexpr std::uint16_t h = 4;
-inline constexpr std::uint16_t x = 7;
-inline constexpr std::uint16_t c = 8;
-inline constexpr std::uint16_t returnKey = 36;
-inline constexpr std::uint16_t tab = 48;
-inline constexpr std::uint16_t space = 49;
-inline constexpr std::uint16_t deleteKey = 51;
-inline constexpr std::uint16_t escape = 53;
-inline constexpr std::uint16_t rightCommand = 54;
-inline constexpr std::uint16_t leftCommand = 55;
-inline constexpr std::uint16_t leftShift = 56;
-inline constexpr std::uint16_t capsLock = 57;
-inline constexpr std::uint16_t leftOption = 58;
-inline constexpr std::uint16_t leftControl = 59;
-inline constexpr std::uint16_t rightShift = 60;
-inline constexpr std::uint16_t rightOption = 61;
-inline constexpr std::uint16_t rightControl = 62;
-inline constexpr std::uint16_t fn = 63;
-inline constexpr std::uint16_t keypad1 = 83;
-inline constexpr std::uint16_t f1 = 122;
-inline constexpr std::uint16_t leftArrow = 123;
-}  // namespace key
+namespace key = platform::key_code;
 
 /// What can be seen.
 inline Happening reportsArmed(std::string text) {

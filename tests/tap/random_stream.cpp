@@ -8,19 +8,24 @@
 #include <string>
 #include <string_view>
 
+#include "platform/key_code.h"
 #include "runner/own_event_marker.h"
 
 namespace keyvora::testing {
 namespace {
 
 using platform::KeyEvent;
+namespace key = platform::key_code;
 using namespace platform::event_flag;
 using namespace platform::event_type;
 
-constexpr std::array<std::uint16_t, 6> letterKeys{0, 3, 4, 7, 8, 18};
+constexpr std::array<std::uint16_t, 6> letterKeys{key::a, key::f, key::h, key::x, key::c, key::digit1};
 constexpr std::string_view keyCharacters = "aAfFhHcC1 ";
-constexpr std::array<std::uint16_t, 5> otherKeys{36, 49, 53, 53, 123};
-constexpr std::array<std::uint16_t, 8> otherModifiers{54, 55, 56, 57, 59, 60, 62, 63};
+constexpr std::array<std::uint16_t, 5> otherKeys{key::returnKey, key::space, key::escape, key::escape,
+                                                 key::leftArrow};
+constexpr std::array<std::uint16_t, 8> otherModifiers{key::rightCommand, key::leftCommand, key::leftShift,
+                                                      key::capsLock,     key::leftControl, key::rightShift,
+                                                      key::rightControl, key::function};
 constexpr std::array<std::uint64_t, 5> flagSets{0, shift, control | command, option, option | shift};
 constexpr std::array<std::int64_t, 8> timeouts{-5, 0, 1, 250, 250, 800, 1500, 2000};
 constexpr std::array<std::int64_t, 9> spans{0,       1,         1'000,     100'000,      250'000,
@@ -55,7 +60,7 @@ class StreamMaker {
  private:
   bool oneIn(std::size_t n) { return choose_(n) == 0; }
 
-  std::uint16_t optionKey() { return oneIn(2) ? 58 : 61; }
+  std::uint16_t optionKey() { return oneIn(2) ? key::leftOption : key::rightOption; }
 
   void addTo(std::vector<Step>& steps) {
     const auto chance = choose_(100);

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/key_code.h"
+
 namespace keyvora::testing {
 
 namespace event_flag = platform::event_flag;
@@ -87,8 +89,8 @@ StepResult TapRig::flagsChanged(std::uint16_t keyCode, std::uint64_t flags) {
 }
 
 StepResult TapRig::tapOption() {
-  flagsChanged(58, event_flag::option);
-  return flagsChanged(58, 0);
+  flagsChanged(platform::key_code::leftOption, event_flag::option);
+  return flagsChanged(platform::key_code::leftOption, 0);
 }
 
 void TapRig::collect() {

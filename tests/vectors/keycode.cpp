@@ -1,4 +1,4 @@
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 #include "tests/vectors/line.h"
 
 namespace keyvora::vectors {

@@ -2,7 +2,7 @@
 #include <sstream>
 
 #include "mapping/document_keys.h"
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 #include "runner/key_plan.h"
 #include "text/text.h"
 #include "tools/rules/rules.h"
@@ -15,8 +15,8 @@ namespace {
 std::string spelledKey(const std::string& keys) {
   std::istringstream words(text::lowerCased(keys));
   for (std::string word; words >> word;) {
-    const auto isName = [&](const KeyCode& key) { return key.name.size() > 1 && key.name == word; };
-    if (std::ranges::any_of(keyCodes, isName)) return word;
+    const auto isName = [&](const KeyName& key) { return key.name.size() > 1 && key.name == word; };
+    if (std::ranges::any_of(keyNames, isName)) return word;
   }
   return {};
 }

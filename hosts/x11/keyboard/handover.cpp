@@ -108,7 +108,7 @@ void Handover::passUnseen() {
   // the user's as one that could not be held back.
   auto& last = ring_[(first_ + count_ - 1) % ring_.size()];
   last.asked = false;
-  if (last.event.userData == 0) last.event.keyCode = unknownKey;
+  if (last.event.userData == 0) last.event.keyCode = key_code::none;
   decide(Verdict::pass);
 }
 

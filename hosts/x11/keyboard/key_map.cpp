@@ -27,7 +27,7 @@ std::string_view text(const char (&name)[XkbKeyNameLength]) {
 /// The virtual key code of a key by its name, or by another name that the description gives it.
 std::uint16_t codeOf(const XkbNamesRec& names, const char (&name)[XkbKeyNameLength]) {
   auto code = keyCodeNamed(text(name));
-  for (int i = 0; code == unknownKey && i < names.num_key_aliases; ++i) {
+  for (int i = 0; code == key_code::none && i < names.num_key_aliases; ++i) {
     const auto& alias = names.key_aliases[i];
     if (text(alias.real) == text(name)) code = keyCodeNamed(text(alias.alias));
   }
@@ -62,7 +62,7 @@ unsigned KeyMap::modifierBits(std::uint64_t flags) const {
   using namespace platform::event_flag;
   unsigned bits = 0;
   if ((flags & shift) != 0) bits |= ShiftMask;
-  for (const auto key : {modifier_key::leftControl, modifier_key::leftOption, modifier_key::leftCommand}) {
+  for (const auto key : {key_code::leftControl, key_code::leftOption, key_code::leftCommand}) {
     if ((flags & flagOf(key)) == 0) continue;
     if (const auto number = keycode(key)) bits |= modifiers_[*number];
   }
@@ -70,7 +70,7 @@ unsigned KeyMap::modifierBits(std::uint64_t flags) const {
 }
 
 void KeyMap::read() {
-  keyCodes_.fill(unknownKey);
+  keyCodes_.fill(key_code::none);
   keycodes_.fill(0);
   modifiers_.fill(0);
   const Description description(XkbGetMap(display_, XkbModifierMapMask, XkbUseCoreKbd));

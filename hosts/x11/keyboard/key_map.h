@@ -18,7 +18,7 @@ class KeyMap {
   /// Looks at an event of the connection; true when it said that the description changed.
   bool notice(const XEvent& event);
 
-  /// The virtual key code of the key that the display calls `keycode`; `unknownKey` for none.
+  /// The virtual key code of the key that the display calls `keycode`; `key_code::none` for none.
   [[nodiscard]] std::uint16_t keyCode(unsigned keycode) const { return keyCodes_[keycode & 0xFF]; }
 
   /// The display's number for a key; none when the keyboard has no such key.

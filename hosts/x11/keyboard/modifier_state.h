@@ -10,17 +10,17 @@ namespace keyvora::x11 {
 /// The flag of a modifier key; 0 for any other key, and for Caps Lock.
 constexpr std::uint64_t flagOf(std::uint16_t keyCode) {
   switch (keyCode) {
-    case modifier_key::leftShift:
-    case modifier_key::rightShift:
+    case key_code::leftShift:
+    case key_code::rightShift:
       return platform::event_flag::shift;
-    case modifier_key::leftControl:
-    case modifier_key::rightControl:
+    case key_code::leftControl:
+    case key_code::rightControl:
       return platform::event_flag::control;
-    case modifier_key::leftOption:
-    case modifier_key::rightOption:
+    case key_code::leftOption:
+    case key_code::rightOption:
       return platform::event_flag::option;
-    case modifier_key::leftCommand:
-    case modifier_key::rightCommand:
+    case key_code::leftCommand:
+    case key_code::rightCommand:
       return platform::event_flag::command;
     default:
       return 0;
@@ -34,7 +34,7 @@ class ModifierState {
  public:
   void set(std::uint16_t keyCode, bool down) {
     if (!isModifier(keyCode)) return;
-    const auto bit = std::uint16_t(1U << (keyCode - modifier_key::rightCommand));
+    const auto bit = std::uint16_t(1U << (keyCode - key_code::rightCommand));
     held_ = std::uint16_t(down ? held_ | bit : held_ & ~bit);
   }
 
@@ -42,8 +42,8 @@ class ModifierState {
 
   [[nodiscard]] std::uint64_t flags() const {
     std::uint64_t flags = 0;
-    for (auto key = modifier_key::rightCommand; key <= modifier_key::rightControl; ++key) {
-      if ((held_ >> (key - modifier_key::rightCommand) & 1U) != 0) flags |= flagOf(key);
+    for (auto key = key_code::rightCommand; key <= key_code::rightControl; ++key) {
+      if ((held_ >> (key - key_code::rightCommand) & 1U) != 0) flags |= flagOf(key);
     }
     return flags;
   }

@@ -20,8 +20,8 @@ namespace keyvora::x11 {
 namespace {
 
 /// The keys that stand for the flags, in the order in which they go down.
-constexpr std::array flagKeys{modifier_key::leftShift, modifier_key::leftControl, modifier_key::leftOption,
-                              modifier_key::leftCommand};
+constexpr std::array flagKeys{key_code::leftShift, key_code::leftControl, key_code::leftOption,
+                              key_code::leftCommand};
 
 }  // namespace
 

@@ -14,8 +14,8 @@
 namespace keyvora::x11 {
 
 bool KeyGrabs::apply(Extent extent, const std::vector<Window>& windows, const KeyMap& keys) {
-  const decltype(optionKeycodes_) optionKeycodes{keys.keycode(modifier_key::leftOption),
-                                                 keys.keycode(modifier_key::rightOption)};
+  const decltype(optionKeycodes_) optionKeycodes{keys.keycode(key_code::leftOption),
+                                                 keys.keycode(key_code::rightOption)};
   // Letting go of every key also lets go of the Option keys: a window whose keys change starts afresh.
   const bool sameKeys = extent == extent_ && optionKeycodes == optionKeycodes_;
   const auto before = std::exchange(windows_, windows);

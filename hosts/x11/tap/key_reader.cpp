@@ -90,7 +90,7 @@ void KeyReader::decide() {
   if (!undecided_) return;
   auto event = undecided_->event;
   undecided_.reset();
-  event.keyCode = unknownKey;
+  event.keyCode = key_code::none;
   listener_.keyRead({.event = event});
 }
 
@@ -107,7 +107,7 @@ void KeyReader::released(const XIRawEvent& raw) {
   const auto mark = markOf(raw);
   if (!down_[keycode]) return;
   auto event = changed(keycode, false, mark);
-  if (!wasHeld_[keycode]) event.keyCode = unknownKey;
+  if (!wasHeld_[keycode]) event.keyCode = key_code::none;
   listener_.keyRead({.event = event});
 }
 

@@ -48,7 +48,7 @@ class KeyListener {
 /// repeated press has only that. A release without a press is none.
 ///
 /// Events that went their way without a grab (typed elsewhere, or while the application has a grab of its
-/// own, as it does while a menu is open) bear the key code `unknownKey`: what could not be held back must
+/// own, as it does while a menu is open) bear the key code `key_code::none`: what could not be held back must
 /// neither count as a letter nor as an Option tap.
 class KeyReader {
  public:

@@ -157,7 +157,7 @@ void TapThread::notice(XEvent& event) {
 bool TapThread::mayBeHeld(std::uint16_t keyCode) const {
   if (grabs_.windows().empty()) return false;
   return grabs_.extent() == KeyGrabs::Extent::everyKey ||
-         (grabs_.extent() == KeyGrabs::Extent::option && isOption(keyCode));
+         (grabs_.extent() == KeyGrabs::Extent::option && key_code::isOption(keyCode));
 }
 
 void TapThread::keyRead(const ReadKey& key) {
@@ -190,7 +190,7 @@ void TapThread::letGo(Verdict verdict) {
   if (verdict == Verdict::swallow) {
     grabs_.swallow(*key.heldSince);
   } else {
-    if (enabled_ && isOption(key.event.keyCode) && key.event.userData == 0) {
+    if (enabled_ && key_code::isOption(key.event.keyCode) && key.event.userData == 0) {
       mayBeArmed_ = true;
       follow(KeyGrabs::Extent::everyKey);
     } else if (enabled_) {

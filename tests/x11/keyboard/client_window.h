@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "platform/applications.h"
+#include "platform/key_code.h"
 
 namespace keyvora::x11 {
 
 /// F19: a key that says to a window that all typed before has arrived. It is counted and not recorded.
-inline constexpr std::uint16_t sentinelKey = 80;
+inline constexpr std::uint16_t sentinelKey = platform::key_code::f19;
 
 /// A key event as a window got it.
 struct ReceivedKey {

@@ -19,7 +19,7 @@ Verdict Catcher::operator()(const KeyEvent& event) {
   }
   const bool withOption = (event.flags & platform::event_flag::option) != 0;
   if (event.type == event_type::flagsChanged) {
-    const bool isOption = event.keyCode == key::option || event.keyCode == key::rightOption;
+    const bool isOption = event.keyCode == key::leftOption || event.keyCode == key::rightOption;
     if (isOption && !withOption && std::exchange(optionAlone_, false)) {
       armed = !armed;
       lettersCaught_ = 0;
@@ -30,7 +30,7 @@ Verdict Catcher::operator()(const KeyEvent& event) {
   }
   if (withOption) optionAlone_ = false;
   if (withOption || event.type != event_type::keyDown || !armed) return Verdict::pass;
-  if (event.keyCode == unknownKey) {
+  if (event.keyCode == key_code::none) {
     armed = false;
     return Verdict::pass;
   }

@@ -9,6 +9,7 @@
 #include "hosts/x11/applications/applications.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
+#include "platform/key_code.h"
 #include "platform/keyboard.h"
 #include "tests/x11/keyboard/client_window.h"
 #include "tests/x11/keyboard/typist.h"
@@ -16,11 +17,7 @@
 
 namespace keyvora::x11 {
 
-/// The keys that the tests type, by their place on the ANSI keyboard.
-namespace key {
-inline constexpr std::uint16_t a = 0, s = 1, d = 2, f = 3, h = 4, b = 11, q = 12, w = 13, escape = 53,
-                               command = 55, shift = 56, option = 58, rightOption = 61, tab = 48, one = 18;
-}
+namespace key = platform::key_code;
 
 inline constexpr std::uint64_t keyEvents = 0x1C00;
 

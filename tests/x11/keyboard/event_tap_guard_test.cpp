@@ -34,8 +34,8 @@ TEST_F(EventTapGuardTest, AStalledVerdictHoldsTheKeyboardForASecondAndThenAllWor
     return catcher(event);
   });
   const auto typed = Clock::now();
-  user.tap({key::option, key::h, key::a, key::b});
-  expectPressed({key::option, key::h, key::a, key::b});
+  user.tap({key::leftOption, key::h, key::a, key::b});
+  expectPressed({key::leftOption, key::h, key::a, key::b});
   for (const auto& key : target.received()) {
     EXPECT_LT(key.at - typed, milliseconds(1500)) << key.keyCode;
     if (key.keyCode == key::h && key.down) {
@@ -46,8 +46,8 @@ TEST_F(EventTapGuardTest, AStalledVerdictHoldsTheKeyboardForASecondAndThenAllWor
   ASSERT_TRUE(awaitTap());
 
   catcher = Catcher(applications);
-  user.tap({key::option, key::h, key::f, key::a});
-  expectPressed({key::option, key::h, key::a, key::b, key::option, key::a});
+  user.tap({key::leftOption, key::h, key::f, key::a});
+  expectPressed({key::leftOption, key::h, key::a, key::b, key::leftOption, key::a});
   EXPECT_EQ(catcher.caught, (Keys{key::h, key::f})) << "enabling grabs again";
   EXPECT_EQ(disabled, 1);
 }
@@ -62,13 +62,13 @@ TEST_F(EventTapGuardTest, ATapThatWaitsForLettersStillDoesAfterATimeOut) {
     }
     return catcher(event);
   });
-  user.tap({key::option});
+  user.tap({key::leftOption});
   ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
   user.tap({key::h});
   std::this_thread::sleep_for(milliseconds(1300));  // the main loop does not run: that is the stall
   ASSERT_TRUE(runUntil([&] { return disabled == 1; }));
   ASSERT_TRUE(awaitTap());
-  EXPECT_EQ(target.pressed(), (Keys{key::option, key::h})) << "the late key went through";
+  EXPECT_EQ(target.pressed(), (Keys{key::leftOption, key::h})) << "the late key went through";
   EXPECT_TRUE(catcher.caught.empty()) << "and was never shown late";
   user.tap({key::f});
   ASSERT_TRUE(runUntil([&] { return !catcher.caught.empty(); }));
@@ -84,14 +84,14 @@ TEST_F(EventTapGuardTest, AnActionInsideTheHandlerHoldsNothingBack) {
     }
     return verdict;
   });
-  user.tap({key::option, key::h});
+  user.tap({key::leftOption, key::h});
   ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 1; }));
   user.press(key::f);
   const auto pressed = Clock::now();
   ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 2; }));
   user.release(key::f);
   EXPECT_GT(Clock::now() - pressed, milliseconds(600)) << "the handler did act";
-  expectPressed({key::option});
+  expectPressed({key::leftOption});
 }
 
 TEST_F(EventTapGuardTest, TheKeyboardIsFreeWhileAnActionRuns) {
@@ -105,7 +105,7 @@ TEST_F(EventTapGuardTest, TheKeyboardIsFreeWhileAnActionRuns) {
     }
     return verdict;
   });
-  user.tap({key::option, key::h});
+  user.tap({key::leftOption, key::h});
   ASSERT_TRUE(runUntil([&] { return !catcher.caught.empty(); }));
   EXPECT_TRUE(free);
 }
@@ -136,23 +136,23 @@ TEST_F(EventTapGuardTest, ATapIsRefusedWhileAnotherProgramHasTheKeys) {
 TEST_F(EventTapGuardTest, ATapThatIsGoneOrNeverEnabledLeavesTheKeyboardAlone) {
   tap = keyboard.createTap(keyEvents, [](const KeyEvent&) { return Verdict::swallow; });
   ASSERT_NE(tap, nullptr);
-  user.tap({key::option, key::a});
-  expectPressed({key::option, key::a});
+  user.tap({key::leftOption, key::a});
+  expectPressed({key::leftOption, key::a});
   tap->enable();
   tap.reset();
-  user.tap({key::option, key::a});
-  expectPressed({key::option, key::a, key::option, key::a});
+  user.tap({key::leftOption, key::a});
+  expectPressed({key::leftOption, key::a, key::leftOption, key::a});
 }
 
 TEST_F(EventTapGuardTest, KillingAnArmedProgramLeavesAWorkingKeyboard) {
   Child program({KEYVORA_TAP_PROCESS, display.name()}, {});
   ASSERT_TRUE(runUntil([&] { return target.sentinels() > 0; }));
-  user.tap({key::option, key::a});
-  expectPressed({key::option});
+  user.tap({key::leftOption, key::a});
+  expectPressed({key::leftOption});
   program.kill();
   EXPECT_TRUE(awaitTapPossible());
-  user.tap({key::a, key::option, key::b});
-  expectPressed({key::option, key::a, key::option, key::b});
+  user.tap({key::a, key::leftOption, key::b});
+  expectPressed({key::leftOption, key::a, key::leftOption, key::b});
 }
 
 }  // namespace

@@ -18,26 +18,26 @@ using Keys = vector<std::uint16_t>;
 
 TEST_F(EventTapTest, LettersAfterALoneOptionTapAreSwallowedAndTheRestArrives) {
   tapWithCatcher();
-  user.tap({key::option, key::h, key::f, key::a, key::b});
-  expectPressed({key::option, key::a, key::b});
+  user.tap({key::leftOption, key::h, key::f, key::a, key::b});
+  expectPressed({key::leftOption, key::a, key::b});
   EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
 }
 
 TEST_F(EventTapTest, EventsAreInTheTermsOfMacOS) {
   tapWithCatcher();
-  user.tap({key::option, key::h});
-  user.chord({key::shift}, key::f);
+  user.tap({key::leftOption, key::h});
+  user.chord({key::leftShift}, key::f);
   runUntil([&] { return catcher.shown.size() == 8; });
   using namespace platform::event_type;
   using namespace platform::event_flag;
-  EXPECT_EQ(catcher.shown, (vector<KeyEvent>{{flagsChanged, key::option, option, 0},
-                                             {flagsChanged, key::option, 0, 0},
+  EXPECT_EQ(catcher.shown, (vector<KeyEvent>{{flagsChanged, key::leftOption, option, 0},
+                                             {flagsChanged, key::leftOption, 0, 0},
                                              {keyDown, key::h, 0, 0},
                                              {keyUp, key::h, 0, 0},
-                                             {flagsChanged, key::shift, shift, 0},
+                                             {flagsChanged, key::leftShift, shift, 0},
                                              {keyDown, key::f, shift, 0},
                                              {keyUp, key::f, shift, 0},
-                                             {flagsChanged, key::shift, 0, 0}}));
+                                             {flagsChanged, key::leftShift, 0, 0}}));
 }
 
 TEST_F(EventTapTest, OnlyEventsOfTheMaskAreShown) {
@@ -53,15 +53,15 @@ TEST_F(EventTapTest, OnlyEventsOfTheMaskAreShown) {
   keyboard.createEvent(nullptr, sentinelKey, false)->postToHardware();
   ASSERT_TRUE(runUntil([&] { return shown.size() == 1; }));
   shown.clear();
-  user.tap({key::option, key::h});
-  expectPressed({key::option, key::h});
+  user.tap({key::leftOption, key::h});
+  expectPressed({key::leftOption, key::h});
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_EQ(shown.front().keyCode, key::h);
 }
 
 TEST_F(EventTapTest, ReleasesOfSwallowedKeysArrive) {
   tapWithCatcher();
-  user.tap({key::option, key::h});
+  user.tap({key::leftOption, key::h});
   ASSERT_TRUE(runUntil([&] { return target.received().size() == 3; }));
   EXPECT_EQ(target.received().back().keyCode, key::h);
   EXPECT_FALSE(target.received().back().down);
@@ -70,37 +70,37 @@ TEST_F(EventTapTest, ReleasesOfSwallowedKeysArrive) {
 TEST_F(EventTapTest, OrdinaryTypingIsNotEvenSeen) {
   tapWithCatcher();
   user.tap({key::a, key::b});
-  user.chord({key::shift}, key::d);
-  expectPressed({key::a, key::b, key::shift, key::d});
+  user.chord({key::leftShift}, key::d);
+  expectPressed({key::a, key::b, key::leftShift, key::d});
   EXPECT_EQ(catcher.shown, vector<KeyEvent>{});
 }
 
 TEST_F(EventTapTest, AfterASequenceTypingIsUnseenAgainFromTheSecondKeyOn) {
   tapWithCatcher();
-  user.tap({key::option, key::h, key::f, key::a});
-  expectPressed({key::option, key::a});
+  user.tap({key::leftOption, key::h, key::f, key::a});
+  expectPressed({key::leftOption, key::a});
   catcher.shown.clear();
   user.tap({key::b, key::d});
-  expectPressed({key::option, key::a, key::b, key::d});
+  expectPressed({key::leftOption, key::a, key::b, key::d});
   EXPECT_EQ(catcher.shown, vector<KeyEvent>{});
-  user.tap({key::option, key::h, key::f});
+  user.tap({key::leftOption, key::h, key::f});
   ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 4; }));
 }
 
 TEST_F(EventTapTest, AModifierThatWasHeldBeforeIsAFlagOfTheOptionTap) {
   tapWithCatcher();
-  user.press(key::shift);
-  expectPressed({key::shift});
+  user.press(key::leftShift);
+  expectPressed({key::leftShift});
   EXPECT_EQ(catcher.shown, vector<KeyEvent>{});
-  user.tap({key::option});
-  user.release(key::shift);
+  user.tap({key::leftOption});
+  user.release(key::leftShift);
   runUntil([&] { return catcher.shown.size() == 3; });
   using namespace platform::event_type;
   using namespace platform::event_flag;
   // Its release is told of without its code: its press was not held back.
-  EXPECT_EQ(catcher.shown, (vector<KeyEvent>{{flagsChanged, key::option, option | shift, 0},
-                                             {flagsChanged, key::option, shift, 0},
-                                             {flagsChanged, unknownKey, 0, 0}}));
+  EXPECT_EQ(catcher.shown, (vector<KeyEvent>{{flagsChanged, key::leftOption, option | shift, 0},
+                                             {flagsChanged, key::leftOption, shift, 0},
+                                             {flagsChanged, key_code::none, 0, 0}}));
 }
 
 TEST_F(EventTapTest, BurstsLoseAndLeakNothing) {
@@ -109,8 +109,8 @@ TEST_F(EventTapTest, BurstsLoseAndLeakNothing) {
   Keys expected;
   Keys caught;
   for (int i = 0; i < bursts; ++i) {
-    user.tap({key::option, key::h, key::f, key::a, key::b});
-    expected.insert(expected.end(), {key::option, key::a, key::b});
+    user.tap({key::leftOption, key::h, key::f, key::a, key::b});
+    expected.insert(expected.end(), {key::leftOption, key::a, key::b});
     caught.insert(caught.end(), {key::h, key::f});
   }
   expectPressed(expected);
@@ -126,8 +126,8 @@ TEST_F(EventTapTest, BurstsSurviveASlowHandler) {
   });
   Keys expected;
   for (int i = 0; i < bursts; ++i) {
-    user.tap({key::option, key::h, key::f, key::a, key::b});
-    expected.insert(expected.end(), {key::option, key::a, key::b});
+    user.tap({key::leftOption, key::h, key::f, key::a, key::b});
+    expected.insert(expected.end(), {key::leftOption, key::a, key::b});
   }
   expectPressed(expected);
   EXPECT_EQ(catcher.armings, bursts);
@@ -140,7 +140,7 @@ TEST_F(EventTapTest, ASecondTypistLosesNothing) {
   std::thread typing([&] {
     for (int i = 0; i < rounds; ++i) other.tap({key::d, key::s});
   });
-  for (int i = 0; i < rounds; ++i) user.tap({key::option, key::h, key::f, key::a});
+  for (int i = 0; i < rounds; ++i) user.tap({key::leftOption, key::h, key::f, key::a});
   typing.join();
   // Whose letters are swallowed depends on how the two mix; that none is lost or doubled does not.
   const auto total = [&] { return target.pressed().size() + catcher.caught.size(); };
@@ -149,15 +149,15 @@ TEST_F(EventTapTest, ASecondTypistLosesNothing) {
   EXPECT_EQ(total(), std::size_t(6 * rounds));
   auto all = target.pressed();
   all.insert(all.end(), catcher.caught.begin(), catcher.caught.end());
-  for (const auto key : {key::option, key::h, key::f, key::a, key::d, key::s}) {
+  for (const auto key : {key::leftOption, key::h, key::f, key::a, key::d, key::s}) {
     EXPECT_EQ(std::ranges::count(all, key), rounds) << key;
   }
 }
 
 TEST_F(EventTapTest, RolledOverKeysKeepTheirOrder) {
   tapWithCatcher();
-  user.press(key::option);
-  user.release(key::option);
+  user.press(key::leftOption);
+  user.release(key::leftOption);
   user.press(key::h);
   user.press(key::f);
   user.release(key::h);
@@ -166,14 +166,14 @@ TEST_F(EventTapTest, RolledOverKeysKeepTheirOrder) {
   user.press(key::b);
   user.release(key::a);
   user.release(key::b);
-  expectPressed({key::option, key::a, key::b});
+  expectPressed({key::leftOption, key::a, key::b});
   EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
 }
 
 TEST_F(EventTapTest, RepeatedKeysAreSwallowedLikeTheFirst) {
   Catcher three(applications, 3);
   tapWith([&](const KeyEvent& event) { return three(event); });
-  user.tap({key::option});
+  user.tap({key::leftOption});
   user.press(key::h);
   ASSERT_TRUE(runUntil([&] { return three.caught.size() == 3; }));
   ASSERT_TRUE(runUntil([&] { return target.pressed().size() > 1; }))
@@ -187,17 +187,17 @@ TEST_F(EventTapTest, RepeatedKeysAreSwallowedLikeTheFirst) {
 
 TEST_F(EventTapTest, OptionWithALetterIsTheApplications) {
   tapWithCatcher();
-  user.chord({key::option}, key::h);
+  user.chord({key::leftOption}, key::h);
   user.tap({key::f});
-  expectPressed({key::option, key::h, key::f});
+  expectPressed({key::leftOption, key::h, key::f});
   EXPECT_EQ(catcher.armings, 0);
 }
 
 TEST_F(EventTapTest, OptionWithShiftDoesNotArm) {
   tapWithCatcher();
-  user.chord({key::option}, key::shift);
+  user.chord({key::leftOption}, key::leftShift);
   user.tap({key::h});
-  expectPressed({key::option, key::shift, key::h});
+  expectPressed({key::leftOption, key::leftShift, key::h});
   EXPECT_EQ(catcher.armings, 0);
 }
 
@@ -211,10 +211,10 @@ TEST_F(EventTapTest, EitherOptionKeyArms) {
 TEST_F(EventTapTest, ThirdLevelCharactersAreNeverSwallowed) {
   display.setLayout("de");
   tapWithCatcher();
-  user.tap({key::option});
+  user.tap({key::leftOption});
   user.chord({key::rightOption}, key::q);
   user.tap({key::h});
-  expectPressed({key::option, key::rightOption, key::q});
+  expectPressed({key::leftOption, key::rightOption, key::q});
   const auto received = target.received();
   const auto at = std::ranges::find(received, key::q, &ReceivedKey::keyCode);
   ASSERT_NE(at, received.end());
@@ -230,8 +230,8 @@ TEST_F(EventTapTest, KeysAreTakenByTheirPlaceUnderAnyLayout) {
     display.setLayout(layout, variant);
     Typist typist(display.name(), Typist::Device::hardware);
     catcher.caught.clear();
-    typist.tap({key::option, key::h, key::q, key::a});
-    expected.insert(expected.end(), {key::option, key::a});
+    typist.tap({key::leftOption, key::h, key::q, key::a});
+    expected.insert(expected.end(), {key::leftOption, key::a});
     expectPressed(expected);
     EXPECT_EQ(catcher.caught, (Keys{key::h, key::q})) << layout << variant;
   }
@@ -239,9 +239,9 @@ TEST_F(EventTapTest, KeysAreTakenByTheirPlaceUnderAnyLayout) {
 
 TEST_F(EventTapTest, AReleaseWithoutAPressIsNone) {
   tapWithCatcher();
-  user.press(key::option);
-  user.release(key::option);
-  user.release(key::option);
+  user.press(key::leftOption);
+  user.release(key::leftOption);
+  user.release(key::leftOption);
   ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
   ASSERT_TRUE(awaitTap());
   EXPECT_EQ(catcher.shown.size(), 2U);
@@ -251,16 +251,16 @@ TEST_F(EventTapTest, AReleaseWithoutAPressIsNone) {
 TEST_F(EventTapTest, WhileTheApplicationHasTheKeyboardNothingArmsOrIsSwallowed) {
   tapWithCatcher();
   ASSERT_TRUE(target.grabKeyboard());
-  user.tap({key::option, key::h});
-  expectPressed({key::option, key::h});
+  user.tap({key::leftOption, key::h});
+  expectPressed({key::leftOption, key::h});
   EXPECT_EQ(catcher.armings, 0);
 
   target.ungrabKeyboard();
-  user.tap({key::option});
+  user.tap({key::leftOption});
   ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
   ASSERT_TRUE(target.grabKeyboard());
   user.tap({key::h});
-  expectPressed({key::option, key::h, key::option, key::h});
+  expectPressed({key::leftOption, key::h, key::leftOption, key::h});
   EXPECT_FALSE(catcher.armed);
   EXPECT_TRUE(catcher.caught.empty());
 }
@@ -270,19 +270,19 @@ TEST_F(EventTapTest, TypingElsewhereIsToldAndDisarms) {
   ClientWindow elsewhere(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
   ASSERT_TRUE(elsewhere.awaitFocus());
   ASSERT_TRUE(target.activate());
-  user.tap({key::option});
+  user.tap({key::leftOption});
   ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
   ASSERT_TRUE(elsewhere.activate());
   user.tap({key::h});
   expectPressed({key::h}, elsewhere);
   EXPECT_FALSE(catcher.armed);
-  EXPECT_EQ(catcher.shown.back().keyCode, unknownKey) << "what is typed elsewhere is nobody's business";
+  EXPECT_EQ(catcher.shown.back().keyCode, key_code::none) << "what is typed elsewhere is nobody's business";
 
   settle();
   catcher.shown.clear();
   user.tap({key::f, key::a});
-  user.tap({key::option});
-  expectPressed({key::h, key::f, key::a, key::option}, elsewhere);
+  user.tap({key::leftOption});
+  expectPressed({key::h, key::f, key::a, key::leftOption}, elsewhere);
   EXPECT_EQ(catcher.shown, vector<KeyEvent>{}) << "and all that follows is not even seen";
 }
 
@@ -292,13 +292,13 @@ TEST_F(EventTapTest, WindowsAndDialogsAreTappedAsTheyComeAndGo) {
     ClientWindow dialog(display.name(), {.transientFor = target.window()});
     ASSERT_TRUE(dialog.awaitFocus());
     ASSERT_TRUE(awaitTap());
-    user.tap({key::option, key::h, key::f, key::a});
-    expectPressed({key::option, key::a}, dialog);
+    user.tap({key::leftOption, key::h, key::f, key::a});
+    expectPressed({key::leftOption, key::a}, dialog);
   }
   ASSERT_TRUE(target.awaitFocus());
   ASSERT_TRUE(awaitTap());
-  user.tap({key::option, key::h, key::f, key::b});
-  expectPressed({key::option, key::b});
+  user.tap({key::leftOption, key::h, key::f, key::b});
+  expectPressed({key::leftOption, key::b});
   EXPECT_EQ(catcher.caught, (Keys{key::h, key::f, key::h, key::f}));
 }
 
@@ -307,10 +307,10 @@ TEST_F(EventTapTest, TheWindowManagersShortcutsWork) {
   ClientWindow other(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
   ASSERT_TRUE(other.awaitFocus());
   ASSERT_TRUE(target.activate());
-  user.press(key::option);
+  user.press(key::leftOption);
   user.tap({key::tab});
   settle();  // the window manager follows the keys with a grab of its own, which takes a moment
-  user.release(key::option);
+  user.release(key::leftOption);
   EXPECT_TRUE(other.awaitFocus());
   EXPECT_EQ(catcher.armings, 0);
 }
@@ -321,8 +321,8 @@ TEST_F(EventTapTest, ARestartOfTheWindowManagerIsSurvived) {
   display.startWindowManager();
   ASSERT_TRUE(target.activate());
   ASSERT_TRUE(awaitTap());
-  user.tap({key::option, key::h, key::f, key::a});
-  expectPressed({key::option, key::a});
+  user.tap({key::leftOption, key::h, key::f, key::a});
+  expectPressed({key::leftOption, key::a});
   EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
 }
 

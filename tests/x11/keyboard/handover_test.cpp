@@ -13,9 +13,9 @@ using platform::KeyEvent;
 using platform::Verdict;
 using std::chrono::milliseconds;
 
-constexpr KeyEvent letter{.type = 10, .keyCode = 4};
-constexpr KeyEvent other{.type = 10, .keyCode = 3};
-constexpr KeyEvent release{.type = 11, .keyCode = 4};
+constexpr KeyEvent letter{.type = 10, .keyCode = key_code::h};
+constexpr KeyEvent other{.type = 10, .keyCode = key_code::f};
+constexpr KeyEvent release{.type = 11, .keyCode = key_code::h};
 constexpr KeyEvent disabled{.type = platform::event_type::tapDisabledByTimeout};
 
 /// Any moment will do: the handover has no clock of its own.
@@ -119,7 +119,7 @@ TEST(Handover, SettlingOutsideTheHandlerPassesTheKeyAndTellsOfItWithoutItsCode) 
   tap.join();
   EXPECT_EQ(answer, Verdict::pass);
   auto told = letter;
-  told.keyCode = unknownKey;
+  told.keyCode = key_code::none;
   EXPECT_EQ(handover.next(), told);
   handover.handled(Verdict::swallow);
   EXPECT_EQ(handover.verdict(), std::nullopt);

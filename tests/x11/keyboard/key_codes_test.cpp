@@ -43,19 +43,19 @@ TEST(KeyCodes, EveryCodeThatHasANameComesBackFromIt) {
 }
 
 TEST(KeyCodes, KeysWithoutACodeAreUnknown) {
-  EXPECT_EQ(keyCodeNamed("I151"), unknownKey);
-  EXPECT_EQ(keyCodeNamed(""), unknownKey);
-  EXPECT_EQ(keyCodeNamed("ad01"), unknownKey);
-  EXPECT_EQ(keyName(unknownKey), std::nullopt);
+  EXPECT_EQ(keyCodeNamed("I151"), key_code::none);
+  EXPECT_EQ(keyCodeNamed(""), key_code::none);
+  EXPECT_EQ(keyCodeNamed("ad01"), key_code::none);
+  EXPECT_EQ(keyName(key_code::none), std::nullopt);
   EXPECT_EQ(keyName(127), std::nullopt);
 }
 
 TEST(KeyCodes, OnlyTheModifierKeysAreModifiers) {
   for (std::uint16_t code = 0; code < 256; ++code)
     EXPECT_EQ(isModifier(code), code >= 54 && code <= 62) << code;
-  EXPECT_FALSE(isModifier(unknownKey));
-  EXPECT_TRUE(isOption(58) && isOption(61));
-  EXPECT_FALSE(isOption(55) || isOption(59) || isOption(unknownKey));
+  EXPECT_FALSE(isModifier(key_code::none));
+  EXPECT_TRUE(key_code::isOption(58) && key_code::isOption(61));
+  EXPECT_FALSE(key_code::isOption(55) || key_code::isOption(59) || key_code::isOption(key_code::none));
 }
 
 }  // namespace

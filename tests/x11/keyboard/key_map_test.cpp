@@ -51,7 +51,7 @@ TEST_F(KeyMapTest, EveryKeyComesBackUnderEveryLayout) {
       ASSERT_TRUE(keycode) << layout << variant << " has no key " << keyCode;
       EXPECT_EQ(fresh.keyCode(*keycode), keyCode) << layout << variant;
     }
-    for (std::uint16_t modifier = 54; modifier <= 62; ++modifier) {
+    for (std::uint16_t modifier = key_code::rightCommand; modifier <= key_code::rightControl; ++modifier) {
       const auto keycode = fresh.keycode(modifier);
       ASSERT_TRUE(keycode) << layout << variant << " has no key " << modifier;
       EXPECT_EQ(fresh.keyCode(*keycode), modifier) << layout << variant;
@@ -68,7 +68,7 @@ TEST_F(KeyMapTest, TheLayoutMovesCharactersAndNotKeys) {
   for (const auto& row : std::initializer_list<Row>{
            {"us", "", XK_q}, {"fr", "", XK_a}, {"us", "dvorak", XK_apostrophe}, {"de", "", XK_q}}) {
     display.setLayout(row.layout, row.variant);
-    const auto key = KeyMap(connection->get()).keycode(12);
+    const auto key = KeyMap(connection->get()).keycode(key_code::q);
     ASSERT_TRUE(key);
     const auto reader = Connection::open(display.name());
     EXPECT_EQ(XkbKeycodeToKeysym(reader->get(), *key, 0, 0), row.onTheKeyOfQ) << row.layout << row.variant;
@@ -92,10 +92,10 @@ TEST_F(KeyMapTest, FollowsAChangeOfTheModifiers) {
 }
 
 TEST_F(KeyMapTest, WhatTheKeyboardLacksHasNoNumber) {
-  EXPECT_EQ(keys.keycode(unknownKey), std::nullopt);
+  EXPECT_EQ(keys.keycode(key_code::none), std::nullopt);
   EXPECT_EQ(keys.keycode(127), std::nullopt);
-  EXPECT_EQ(keys.keycode(63), std::nullopt);
-  EXPECT_EQ(keys.keyCode(0), unknownKey);
+  EXPECT_EQ(keys.keycode(key_code::function), std::nullopt);
+  EXPECT_EQ(keys.keyCode(0), key_code::none);
 }
 
 }  // namespace

@@ -12,17 +12,17 @@ TEST(ModifierState, EachModifierKeySetsItsFlagAndTakesItAway) {
     std::uint16_t key;
     std::uint64_t flag;
   };
-  for (const auto& [key, flag] : std::initializer_list<Row>{{54, command},
-                                                            {55, command},
-                                                            {56, shift},
-                                                            {60, shift},
-                                                            {58, option},
-                                                            {61, option},
-                                                            {59, control},
-                                                            {62, control},
-                                                            {57, 0},
-                                                            {0, 0},
-                                                            {unknownKey, 0}}) {
+  for (const auto& [key, flag] : std::initializer_list<Row>{{key_code::rightCommand, command},
+                                                            {key_code::leftCommand, command},
+                                                            {key_code::leftShift, shift},
+                                                            {key_code::rightShift, shift},
+                                                            {key_code::leftOption, option},
+                                                            {key_code::rightOption, option},
+                                                            {key_code::leftControl, control},
+                                                            {key_code::rightControl, control},
+                                                            {key_code::capsLock, 0},
+                                                            {key_code::a, 0},
+                                                            {key_code::none, 0}}) {
     ModifierState state;
     state.set(key, true);
     EXPECT_EQ(state.flags(), flag) << key;
@@ -33,18 +33,18 @@ TEST(ModifierState, EachModifierKeySetsItsFlagAndTakesItAway) {
 
 TEST(ModifierState, AFlagStaysUntilBothItsKeysAreUp) {
   ModifierState state;
-  state.set(modifier_key::leftOption, true);
-  state.set(modifier_key::rightOption, true);
-  state.set(modifier_key::leftOption, false);
+  state.set(key_code::leftOption, true);
+  state.set(key_code::rightOption, true);
+  state.set(key_code::leftOption, false);
   EXPECT_EQ(state.flags(), option);
-  state.set(modifier_key::rightOption, false);
+  state.set(key_code::rightOption, false);
   EXPECT_EQ(state.flags(), 0U);
 }
 
 TEST(ModifierState, FlagsAddUpAndClearTogether) {
   ModifierState state;
-  state.set(modifier_key::leftShift, true);
-  state.set(modifier_key::leftCommand, true);
+  state.set(key_code::leftShift, true);
+  state.set(key_code::leftCommand, true);
   EXPECT_EQ(state.flags(), shift | command);
   state.clear();
   EXPECT_EQ(state.flags(), 0U);

@@ -43,11 +43,12 @@ class PostingTest : public EventTapTest {
 };
 
 TEST_F(PostingTest, AKeyReachesTheProcessWithItsModifiers) {
-  event(key::one, true, command | shift)->postTo(targetProcess);
-  event(key::one, false, command | shift)->postTo(targetProcess);
+  event(key::digit1, true, command | shift)->postTo(targetProcess);
+  event(key::digit1, false, command | shift)->postTo(targetProcess);
   ASSERT_TRUE(runUntil([&] { return target.received().size() == 2; }));
   const unsigned state = ControlMask | ShiftMask;
-  EXPECT_EQ(strokes(target), (decltype(strokes(target)){{key::one, true, state}, {key::one, false, state}}));
+  EXPECT_EQ(strokes(target),
+            (decltype(strokes(target)){{key::digit1, true, state}, {key::digit1, false, state}}));
   EXPECT_TRUE(target.received().front().wasSent);
 }
 
@@ -57,28 +58,28 @@ TEST_F(PostingTest, ModifierChangesCarryTheStateBeforeThem) {
     bool down;
     std::uint64_t flags;
   };
-  for (const auto& step : std::initializer_list<Step>{{key::shift, true, shift},
-                                                      {key::option, true, shift | option},
-                                                      {key::option, false, shift},
-                                                      {key::shift, false, 0}}) {
+  for (const auto& step : std::initializer_list<Step>{{key::leftShift, true, shift},
+                                                      {key::leftOption, true, shift | option},
+                                                      {key::leftOption, false, shift},
+                                                      {key::leftShift, false, 0}}) {
     const auto made = event(step.keyCode, step.down);
     made->setType(event_type::flagsChanged);
     made->setFlags(step.flags);
     made->postTo(targetProcess);
   }
   ASSERT_TRUE(runUntil([&] { return target.received().size() == 4; }));
-  EXPECT_EQ(strokes(target), (decltype(strokes(target)){{key::shift, true, 0},
-                                                        {key::option, true, ShiftMask},
-                                                        {key::option, false, ShiftMask | Mod1Mask},
-                                                        {key::shift, false, ShiftMask}}));
+  EXPECT_EQ(strokes(target), (decltype(strokes(target)){{key::leftShift, true, 0},
+                                                        {key::leftOption, true, ShiftMask},
+                                                        {key::leftOption, false, ShiftMask | Mod1Mask},
+                                                        {key::leftShift, false, ShiftMask}}));
 }
 
 TEST_F(PostingTest, KeysSentToAProcessAreInvisibleToTheTap) {
   tapWithCatcher();
-  event(key::option, true)->postTo(targetProcess);
-  event(key::option, false)->postTo(targetProcess);
+  event(key::leftOption, true)->postTo(targetProcess);
+  event(key::leftOption, false)->postTo(targetProcess);
   event(key::h, true)->postTo(targetProcess);
-  expectPressed({key::option, key::h});
+  expectPressed({key::leftOption, key::h});
   EXPECT_TRUE(catcher.shown.empty());
 }
 
@@ -129,16 +130,16 @@ TEST_F(PostingTest, KeysAtTheHardwareLevelReachTheFocusAndCarryTheMarker) {
     return Verdict::pass;
   });
   all.clear();
-  user.tap({key::option});
+  user.tap({key::leftOption});
   ASSERT_TRUE(runUntil([&] { return all.size() == 2; }));
   event(key::b, true, shift)->postToHardware();
   event(key::b, false, shift)->postToHardware();
-  expectPressed({key::option, key::shift, key::b});
-  EXPECT_EQ(all, (std::vector<KeyEvent>{{event_type::flagsChanged, key::option, option, 0},
-                                        {event_type::flagsChanged, key::option, 0, 0},
-                                        {event_type::flagsChanged, key::shift, shift, marker},
+  expectPressed({key::leftOption, key::leftShift, key::b});
+  EXPECT_EQ(all, (std::vector<KeyEvent>{{event_type::flagsChanged, key::leftOption, option, 0},
+                                        {event_type::flagsChanged, key::leftOption, 0, 0},
+                                        {event_type::flagsChanged, key::leftShift, shift, marker},
                                         {event_type::keyDown, key::b, shift, marker},
-                                        {event_type::flagsChanged, key::shift, shift, marker},
+                                        {event_type::flagsChanged, key::leftShift, shift, marker},
                                         {event_type::keyUp, key::b, shift, marker}}));
 }
 
@@ -161,7 +162,7 @@ TEST_F(PostingTest, OwnKeysAreToldFromThoseOfOtherProgramsAndOfTheUser) {
       event(key::s, false)->postToHardware();
     }
   });
-  for (int i = 0; i < rounds; ++i) user.tap({key::option, key::a});
+  for (int i = 0; i < rounds; ++i) user.tap({key::leftOption, key::a});
   EXPECT_TRUE(runUntil([&] { return target.pressed().size() == std::size_t(4 * rounds); }));
   typing.join();
   posting.join();
@@ -190,11 +191,11 @@ TEST_F(PostingTest, KeysThatAnotherProgramTypedBeforeAreNotTakenForOwn) {
   all.clear();
   Typist other(display.name(), Typist::Device::xtest);
   // All are on their way before the tap sees the first.
-  other.tap({key::option, key::h, key::a});
+  other.tap({key::leftOption, key::h, key::a});
   ASSERT_TRUE(runUntil([&] { return target.pressed().size() == 3; }));
   settle();
   EXPECT_EQ(catcher.caught, Keys{key::h});
-  EXPECT_EQ(target.pressed(), (Keys{key::option, key::a, key::s}));
+  EXPECT_EQ(target.pressed(), (Keys{key::leftOption, key::a, key::s}));
   const auto isA = [](const KeyEvent& each) { return each.keyCode == key::a && each.userData == 0; };
   EXPECT_TRUE(std::ranges::any_of(all, isA));
   const auto isOwn = [](const KeyEvent& each) { return each.userData == marker; };
@@ -205,7 +206,7 @@ TEST_F(PostingTest, WithoutATapKeysAtTheHardwareLevelStillArrive) {
   event(key::a, true, command)->postToHardware();
   event(key::a, false, command)->postToHardware();
   ASSERT_TRUE(runUntil([&] { return target.received().size() == 4; }));
-  EXPECT_EQ(target.pressed(), (Keys{key::command, key::a}));
+  EXPECT_EQ(target.pressed(), (Keys{key::leftCommand, key::a}));
   EXPECT_EQ(target.received()[1].state, unsigned(ControlMask));
 }
 
@@ -214,14 +215,14 @@ TEST_F(PostingTest, PostingInsideTheHandlerComesAfterTheSwallowedKeyAndDoesNotWa
     const auto verdict = catcher(shown);
     if (verdict == Verdict::swallow) {
       const auto start = std::chrono::steady_clock::now();
-      event(key::one, true, command)->postTo(targetProcess);
-      event(key::one, false, command)->postTo(targetProcess);
+      event(key::digit1, true, command)->postTo(targetProcess);
+      event(key::digit1, false, command)->postTo(targetProcess);
       EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
     }
     return verdict;
   });
-  user.tap({key::option, key::h});
-  expectPressed({key::option, key::one});
+  user.tap({key::leftOption, key::h});
+  expectPressed({key::leftOption, key::digit1});
 }
 
 TEST(Posting, WithoutADisplayNothingCanBeMade) {

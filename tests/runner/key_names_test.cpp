@@ -1,4 +1,4 @@
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 namespace keyvora {
 namespace {
 
-TEST(KeyCodesTest, HoldsEveryKeyOnce) {
+TEST(KeyNamesTest, HoldsEveryKeyOnce) {
   const std::vector<std::pair<std::string, int>> expected{
       {"a", 0},    {"b", 11},      {"c", 8},    {"d", 2},    {"e", 14},    {"f", 3},      {"g", 5},
       {"h", 4},    {"i", 34},      {"j", 38},   {"k", 40},   {"l", 37},    {"m", 46},     {"n", 45},
@@ -25,7 +25,7 @@ TEST(KeyCodesTest, HoldsEveryKeyOnce) {
 
   std::set<std::string_view> names;
   std::set<int> codes;
-  for (const auto& key : keyCodes) {
+  for (const auto& key : keyNames) {
     names.insert(key.name);
     codes.insert(key.code);
   }
@@ -38,7 +38,7 @@ struct Case {
   std::optional<std::uint16_t> code;
 };
 
-TEST(KeyCodesTest, NamesAreMatchedInAnyCaseAndNotOtherwise) {
+TEST(KeyNamesTest, NamesAreMatchedInAnyCaseAndNotOtherwise) {
   for (const auto& [name, code] : {
            Case{"Return", 36},    Case{"RETURN", 36}, Case{"rEtUrN", 36},
            Case{"A", 0},          Case{"F12", 111},   Case{"\u212A", 40},  // the Kelvin sign is a capital K

@@ -1,4 +1,4 @@
-#include "runner/key_codes.h"
+#include "runner/key_names.h"
 
 #include "text/text.h"
 
@@ -7,7 +7,7 @@ namespace keyvora {
 std::optional<std::uint16_t> keyCodeFor(std::string_view name) {
   // Canonical equivalence matters even here: the Greek question mark is a semicolon.
   const auto lower = text::lowerCased(name);
-  for (const auto& key : keyCodes) {
+  for (const auto& key : keyNames) {
     if (text::equal(key.name, lower)) return key.code;
   }
   return std::nullopt;
