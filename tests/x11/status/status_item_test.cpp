@@ -3,6 +3,7 @@
 
 #include <csignal>
 
+#include "hosts/x11/keyboard/current_tap.h"
 #include "tests/x11/conversation.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/reader.h"
@@ -217,7 +218,7 @@ TEST_F(StatusItemTest, AnAssistiveToolClicksTheItemAndChooses) {
   tell("click");  // trayer does not pass the item's button on to the accessibility bus, as other trays do
   ASSERT_TRUE(awaitMenu());
   AccessibilityCalls calls;
-  EXPECT_TRUE(calls.press(reader_->await(ATSPI_ROLE_MENU_ITEM, "Edit mappings.json")));
+  EXPECT_TRUE(calls.press(reader_->await(ATSPI_ROLE_MENU_ITEM, "Edit mappings.json"), CurrentTap().letGo()));
   EXPECT_TRUE(program().hears("chose Edit mappings.json"));
 }
 
