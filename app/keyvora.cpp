@@ -33,6 +33,7 @@ std::shared_ptr<Keyvora> Keyvora::create() {
 
 void Keyvora::applicationDidFinishLaunching() {
   const auto& host = platform::current();
+  host.statusBar.onUnseen = [](std::string_view line) { Log::line(line); };
   status_ = host.statusBar.createItem();
   if (status_->hasButton()) status_->setTitle(optionKey);
   rebuildMenu();

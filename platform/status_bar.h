@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -30,6 +31,10 @@ class StatusBar {
   /// A new item as wide as its title; never null. Where no status bar exists, the item shows when one
   /// appears.
   virtual std::unique_ptr<StatusItem> createItem() = 0;
+
+  /// Hears once, with a line for the log, that the desktop has nothing to show an item in, and what to do
+  /// about it. Set before an item is made. Empty: nobody is told.
+  std::function<void(std::string_view line)> onUnseen;
 };
 
 }  // namespace keyvora::platform

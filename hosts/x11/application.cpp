@@ -16,7 +16,7 @@ namespace {
 /// Calls `visit` for every window of ours that a user could take for one.
 template <class Visit>
 void forEachWindow(Visit visit) {
-  if (!hasDisplay()) return;
+  if (!isToolkitOpen()) return;
   GList* windows = gtk_window_list_toplevels();
   for (GList* at = windows; at != nullptr; at = at->next) {
     auto* window = GTK_WINDOW(at->data);

@@ -7,7 +7,7 @@
 namespace keyvora::x11 {
 
 Host::Host()
-    : hasToolkit_(startToolkit()),
+    : hasDisplay_(openDisplay()),
       notices_(console_),
       bundles_(executableFile()),
       fileSystem_(mainLoop_),
@@ -16,7 +16,7 @@ Host::Host()
       keyboard_("", currentTap_),
       loginService_(executableFile()),
       scripts_(currentTap_),
-      statusBar_(mainLoop_, notices_),
+      statusBar_(mainLoop_),
       workspace_(notices_),
       updates_(bundles_, mainLoop_, workspace_),
       application_(process_, notices_, [this] { return updates_.isBusy(); }),

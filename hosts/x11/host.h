@@ -33,8 +33,8 @@ class Host final : public platform::Host {
   [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
 
  private:
-  /// The first member: the others may expect the toolkit to run.
-  bool hasToolkit_;
+  /// The first member: the others may expect Xlib to be ready for them.
+  bool hasDisplay_;
   posix::Clock clock_;
   posix::Console console_;
   Notices notices_;

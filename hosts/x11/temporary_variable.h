@@ -7,7 +7,8 @@
 namespace keyvora::x11 {
 
 /// Sets a variable of the environment, or takes it out, and puts it back: the programs that the user opens
-/// from here are to find it as it was. Not while other threads look at the environment.
+/// from here are to find it as it was. While other threads look at the environment, only for a variable that
+/// is there, and not to take it out: the others then stay where they are.
 class TemporaryVariable {
  public:
   TemporaryVariable(const char* name, const std::optional<std::string>& value) : name_(name) {

@@ -31,8 +31,8 @@ void opened(GObject*, GAsyncResult* result, gpointer data) {
 void open(const char* address, const std::string& what, Notices& notices) {
   // The context tells the window manager that the user asked for the window which now comes.
   const GObjectRef<GAppLaunchContext> context(
-      hasDisplay() ? G_APP_LAUNCH_CONTEXT(gdk_display_get_app_launch_context(gdk_display_get_default()))
-                   : g_app_launch_context_new());
+      openToolkit() ? G_APP_LAUNCH_CONTEXT(gdk_display_get_app_launch_context(gdk_display_get_default()))
+                    : g_app_launch_context_new());
   g_app_info_launch_default_for_uri_async(address, context.get(), nullptr, opened,
                                           new Opening{what, notices});
 }

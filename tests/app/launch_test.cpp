@@ -93,6 +93,13 @@ TEST_F(LaunchTest, ArmingShowsTheLettersAfterABlank) {
   EXPECT_EQ(host.statusBar.title(), "⌥");
 }
 
+TEST_F(LaunchTest, ThatNothingShowsTheItemIsLogged) {
+  launch();
+  ASSERT_TRUE(host.statusBar.onUnseen);
+  host.statusBar.onUnseen("no tray: start one");
+  EXPECT_EQ(host.trace.logged().back(), "no tray: start one");
+}
+
 TEST_F(LaunchTest, StatesAreShownAsTheTapGivesThem) {
   launch();
   const auto& report = KeySequenceTap::shared().onStateChange;

@@ -1,6 +1,9 @@
 #include "hosts/x11/status/status_bar.h"
 
+#include <cstdlib>
+
 #include "hosts/x11/status/status_item.h"
+#include "hosts/x11/status/tray_advice.h"
 #include "hosts/x11/toolkit.h"
 
 namespace keyvora::x11 {
@@ -18,13 +21,10 @@ class UnseenItem final : public platform::StatusItem {
 
 std::unique_ptr<platform::StatusItem> StatusBar::createItem() {
   if (!hasDisplay()) return std::make_unique<UnseenItem>();
-  auto item = std::make_unique<StatusItem>(loop_);
-  if (!item->hasTray()) {
-    notices_.say(
-        "There is no system tray: key sequences work, but their letters and the menu show only once a "
-        "tray has started. SIGTERM ends keyvora.");
-  }
-  return item;
+  return std::make_unique<StatusItem>(loop_, patience_, [this] {
+    const char* desktop = std::getenv("XDG_CURRENT_DESKTOP");
+    if (onUnseen) onUnseen(noTrayAdvice(desktop == nullptr ? "" : desktop));
+  });
 }
 
 }  // namespace keyvora::x11

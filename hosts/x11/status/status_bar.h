@@ -1,21 +1,24 @@
 #pragma once
 
 #include "hosts/x11/main_loop.h"
-#include "hosts/x11/notices.h"
 #include "platform/status_bar.h"
 
 namespace keyvora::x11 {
 
-/// The system tray as the status bar.
+/// The desktop's panels as the status bar.
 class StatusBar final : public platform::StatusBar {
  public:
-  StatusBar(MainLoop& loop, Notices& notices) : loop_(loop), notices_(notices) {}
+  /// A desktop that starts may start its panel last: so long nothing is said.
+  static constexpr platform::Seconds usualPatience{15.0};
+
+  explicit StatusBar(MainLoop& loop, platform::Seconds patience = usualPatience)
+      : loop_(loop), patience_(patience) {}
 
   std::unique_ptr<platform::StatusItem> createItem() override;
 
  private:
   MainLoop& loop_;
-  Notices& notices_;
+  platform::Seconds patience_;
 };
 
 }  // namespace keyvora::x11

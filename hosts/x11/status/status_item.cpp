@@ -1,35 +1,12 @@
 #include "hosts/x11/status/status_item.h"
 
-#include <gtk/gtkx.h>
-
 #include <utility>
 
 #include "hosts/x11/gobject.h"
+#include "hosts/x11/toolkit.h"
 
 namespace keyvora::x11 {
 namespace {
-
-/// The text stands on a ground of its own, so that it can be read on light trays and on dark ones. Nothing
-/// moves: an animation would keep the program awake.
-constexpr auto style = R"css(
-  .keyvora-tray { background: transparent; }
-  .keyvora-tray.opaque { background: #2e3436; }
-  .keyvora-item {
-    min-width: 0; min-height: 0; margin: 0; padding: 0 6px;
-    border: none; border-radius: 4px; outline: none; box-shadow: none; text-shadow: none;
-    background: #2e3436; color: #ffffff; transition: none; animation: none;
-  }
-  .keyvora-item:hover { background: #555753; }
-)css";
-
-void addStyle(GtkWidget* widget, const char* name) {
-  const GObjectRef<GtkCssProvider> provider(gtk_css_provider_new());
-  gtk_css_provider_load_from_data(provider.get(), style, -1, nullptr);
-  auto* context = gtk_widget_get_style_context(widget);
-  gtk_style_context_add_provider(context, GTK_STYLE_PROVIDER(provider.get()),
-                                 GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-  gtk_style_context_add_class(context, name);
-}
 
 std::string validText(std::string_view text) {
   const GText valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
@@ -38,77 +15,77 @@ std::string validText(std::string_view text) {
 
 }  // namespace
 
-StatusItem::StatusItem(MainLoop& loop)
-    : loop_(loop), tray_([this] {
-        undock();
-        dock();
-      }) {
-  dock();
-}
+StatusItem::StatusItem(MainLoop& loop, platform::Seconds patience, std::function<void()> onUnseen)
+    : loop_(loop),
+      patience_(patience),
+      onUnseen_(std::move(onUnseen)),
+      tray_(loop,
+            [this] {
+              plug_.reset();
+              if (!notifier_) show();
+            }),
+      host_([this] { show(); }) {}
 
 StatusItem::~StatusItem() {
   if (open_ && open_->isOpen()) loop_.endTracking();
-  open_.reset();
-  undock();
 }
 
 void StatusItem::setTitle(std::string_view title) {
   auto text = validText(title);
   if (text == title_) return;
   title_ = std::move(text);
-  if (plug_ != nullptr) showTitle();
+  if (notifier_) notifier_->setTitle(title_);
+  if (plug_) plug_->setTitle(title_);
 }
 
 void StatusItem::setMenu(platform::Menu menu) {
   menu_ = std::move(menu);
+  if (notifier_) notifier_->setMenu(menu_);
 }
 
-void StatusItem::dock() {
-  if (!tray_.isPresent()) return;
-  plug_ = gtk_plug_new(0);
-  button_ = gtk_button_new_with_label("");
-  addStyle(plug_, "keyvora-tray");
-  addStyle(button_, "keyvora-item");
-  if (auto* visual = tray_.transparentVisual()) {
-    gtk_widget_set_visual(plug_, visual);
-  } else {
-    gtk_style_context_add_class(gtk_widget_get_style_context(plug_), "opaque");
+/// Shows the item in what is there now.
+void StatusItem::show() {
+  if (!host_.isKnown()) return;  // the tray waits for the answer: the item must not appear in both
+  notifier_.reset();
+  if (host_.isPresent()) {
+    plug_.reset();
+    notifier_ = std::make_unique<Notifier>(loop_, host_, [this](int x, int y) { openMenuAt(x, y); });
+    notifier_->setTitle(title_);
+    notifier_->setMenu(menu_);
+  } else if (tray_.isPresent()) {
+    showInTray();
   }
-  gtk_widget_set_can_focus(button_, FALSE);
-  gtk_container_add(GTK_CONTAINER(plug_), button_);
-
-  // A press opens the menu as menus open everywhere; a click without one is an assistive tool's.
-  const auto pressed = +[](GtkWidget*, GdkEvent* event, StatusItem* self) -> gboolean {
-    self->openMenu(event);
-    return GDK_EVENT_STOP;
-  };
-  const auto clicked = +[](GtkWidget*, StatusItem* self) { self->openMenu(nullptr); };
-  const auto destroyed = +[](GtkWidget*, StatusItem* self) { self->plug_ = self->button_ = nullptr; };
-  g_signal_connect(button_, "button-press-event", G_CALLBACK(pressed), this);
-  g_signal_connect(button_, "clicked", G_CALLBACK(clicked), this);
-  g_signal_connect(plug_, "destroy", G_CALLBACK(destroyed), this);
-
-  showTitle();
-  gtk_widget_realize(plug_);
-  // When its tray goes, a window falls back to the root; a window manager is to leave it alone there.
-  gdk_window_set_override_redirect(gtk_widget_get_window(plug_), TRUE);
-  gtk_widget_show_all(plug_);
-  tray_.dock(gtk_plug_get_id(GTK_PLUG(plug_)));
+  awaitPanel();
 }
 
-void StatusItem::undock() {
-  if (plug_ != nullptr) gtk_widget_destroy(plug_);
+void StatusItem::showInTray() {
+  if (plug_) return;
+  plug_ = std::make_unique<TrayPlug>(tray_, title_, [this](const GdkEvent* event) {
+    openMenu([this, event](StatusMenu& menu) { return menu.open(plug_->button(), event); });
+  });
 }
 
-void StatusItem::showTitle() {
-  gtk_button_set_label(GTK_BUTTON(button_), title_.c_str());
-  gtk_window_set_title(GTK_WINDOW(plug_), title_.c_str());
+void StatusItem::awaitPanel() {
+  if (notifier_ || plug_ || !onUnseen_) {
+    unseen_.reset();
+  } else if (!unseen_) {
+    unseen_ = loop_.schedule(patience_, false, platform::TimerMode::commonModes,
+                             [this] { std::exchange(onUnseen_, nullptr)(); });
+  }
 }
 
-void StatusItem::openMenu(const GdkEvent* event) {
+void StatusItem::openMenuAt(int x, int y) {
+  // The panel first gets its answer: it may hold the mouse until then.
+  opening_ = loop_.schedule({}, false, platform::TimerMode::commonModes, [this, x, y] {
+    if (!openToolkit()) return;
+    openMenu([x, y](StatusMenu& menu) { return menu.openAt(x, y); });
+  });
+}
+
+void StatusItem::openMenu(const std::function<bool(StatusMenu&)>& open) {
   if (open_ && open_->isOpen()) return;
   open_ = std::make_unique<StatusMenu>(menu_, [this] { menuClosed(); });
-  if (!open_->open(button_, event)) {
+  if (!open(*open_)) {
     open_.reset();
     return;
   }

@@ -97,6 +97,25 @@ bool StatusMenu::open(GtkWidget* widget, const GdkEvent* event) {
   return isOpen();
 }
 
+bool StatusMenu::openAt(int x, int y) {
+  GdkDisplay* display = gdk_display_get_default();
+  GdkWindow* root = gdk_screen_get_root_window(gdk_display_get_default_screen(display));
+  const int scale = gdk_window_get_scale_factor(root);
+  const GdkRectangle place{x / scale, y / scale, 1, 1};
+
+  // The menu takes hold of the device that an event came from. The panel had that event: one of its kind
+  // stands in. Its time is now: asking the server for it would wait on the panel.
+  GdkEvent* event = gdk_event_new(GDK_BUTTON_RELEASE);
+  event->button.window = GDK_WINDOW(g_object_ref(root));
+  event->button.time = GDK_CURRENT_TIME;
+  event->button.button = GDK_BUTTON_PRIMARY;
+  gdk_event_set_device(event, gdk_seat_get_pointer(gdk_display_get_default_seat(display)));
+  gtk_menu_popup_at_rect(GTK_MENU(menu_), root, &place, GDK_GRAVITY_SOUTH_WEST, GDK_GRAVITY_NORTH_WEST,
+                         event);
+  gdk_event_free(event);
+  return isOpen();
+}
+
 bool StatusMenu::isOpen() const {
   return gtk_widget_get_visible(menu_);
 }

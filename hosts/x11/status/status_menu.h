@@ -24,6 +24,9 @@ class StatusMenu {
   /// when it could not be opened.
   bool open(GtkWidget* widget, const GdkEvent* event);
 
+  /// Opens the menu at a place of the screen, in its pixels, for a click that came from elsewhere.
+  bool openAt(int x, int y);
+
   [[nodiscard]] bool isOpen() const;
 
  private:

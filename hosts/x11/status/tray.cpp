@@ -5,93 +5,96 @@
 #include <string>
 #include <utility>
 
-#include "hosts/x11/display.h"
-
 namespace keyvora::x11 {
 namespace {
 
 /// SYSTEM_TRAY_REQUEST_DOCK, from the System Tray Protocol.
 constexpr long requestDock = 0;
 
+constexpr int ordinaryPriority = 0;
+
 }  // namespace
 
-Tray::Tray(std::function<void()> onChange)
-    : onChange_(std::move(onChange)),
-      screen_(gdk_screen_get_default()),
-      display_(gdk_screen_get_display(screen_)),
-      x_(GDK_DISPLAY_XDISPLAY(display_)),
-      selection_(XInternAtom(x_, ("_NET_SYSTEM_TRAY_S" + std::to_string(GDK_SCREEN_XNUMBER(screen_))).c_str(),
-                             False)),
-      manager_(XInternAtom(x_, "MANAGER", False)) {
-  // A new tray announces itself on the root window.
-  auto* root = gdk_screen_get_root_window(screen_);
-  gdk_window_set_events(root, static_cast<GdkEventMask>(gdk_window_get_events(root) | GDK_STRUCTURE_MASK));
-  gdk_window_add_filter(nullptr, filter, this);
+Tray::Tray(MainLoop& loop, std::function<void()> onChange)
+    : loop_(loop), onChange_(std::move(onChange)), connection_(Connection::open("")) {
+  if (!connection_) return;
+  auto* display = connection_->get();
+  selection_ = connection_->atom(("_NET_SYSTEM_TRAY_S" + std::to_string(DefaultScreen(display))).c_str());
+  XSelectInput(display, connection_->root(), StructureNotifyMask);  // where a new tray announces itself
   findOwner();
+  events_.emplace(connection_->fileDescriptor(), ordinaryPriority, [this] { readEvents(); });
+  readSoon();
 }
 
-Tray::~Tray() {
-  gdk_window_remove_filter(nullptr, filter, this);
+void Tray::readEvents() {
+  auto* display = connection_->get();
+  bool changed = false;
+  while (XPending(display) > 0) {
+    XEvent event;
+    XNextEvent(display, &event);
+    changed = concerns(event) || changed;
+  }
+  if (!changed) return;
+  findOwner();
+  readSoon();
+  onChange_();
 }
 
-GdkFilterReturn Tray::filter(GdkXEvent* event, GdkEvent*, gpointer tray) {
-  static_cast<Tray*>(tray)->see(*static_cast<XEvent*>(event));
-  return GDK_FILTER_CONTINUE;
+/// What arrived with the answer to a request no longer makes the connection readable.
+void Tray::readSoon() {
+  reading_ = loop_.schedule({}, false, platform::TimerMode::commonModes, [this] { readEvents(); });
 }
 
-void Tray::see(const XEvent& event) {
-  const bool appeared = event.type == ClientMessage && event.xclient.message_type == manager_ &&
+bool Tray::concerns(const XEvent& event) const {
+  const bool appeared = event.type == ClientMessage &&
+                        event.xclient.message_type == connection_->atom("MANAGER") &&
                         static_cast<Atom>(event.xclient.data.l[1]) == selection_;
   const bool gone = event.type == DestroyNotify && owner_ != None && event.xdestroywindow.window == owner_;
-  if (!appeared && !gone) return;
-  owner_ = None;
-  findOwner();
-  onChange_();
+  return appeared || gone;
 }
 
 /// Looks for the owner and listens for its end, with the server held so that it cannot end in between.
 void Tray::findOwner() {
-  XGrabServer(x_);
-  owner_ = XGetSelectionOwner(x_, selection_);
-  if (owner_ != None) XSelectInput(x_, owner_, StructureNotifyMask);
-  XUngrabServer(x_);
-  XFlush(x_);
+  auto* display = connection_->get();
+  XGrabServer(display);
+  owner_ = XGetSelectionOwner(display, selection_);
+  if (owner_ != None) XSelectInput(display, owner_, StructureNotifyMask);
+  XUngrabServer(display);
+  XFlush(display);
 }
 
-GdkVisual* Tray::transparentVisual() const {
-  const Atom property = XInternAtom(x_, "_NET_SYSTEM_TRAY_VISUAL", False);
+std::optional<VisualID> Tray::visual() {
+  auto* display = connection_->get();
   Atom type = None;
   int format = 0;
   unsigned long count = 0;
   unsigned long rest = 0;
   unsigned char* data = nullptr;
-  const ErrorTrap trap(x_);
-  if (XGetWindowProperty(x_, owner_, property, 0, 1, False, XA_VISUALID, &type, &format, &count, &rest,
-                         &data) != Success) {
-    return nullptr;
+  const ErrorTrap trap(display);
+  readSoon();
+  if (XGetWindowProperty(display, owner_, connection_->atom("_NET_SYSTEM_TRAY_VISUAL"), 0, 1, False,
+                         XA_VISUALID, &type, &format, &count, &rest, &data) != Success) {
+    return std::nullopt;
   }
-  GdkVisual* visual = nullptr;
-  if (type == XA_VISUALID && format == 32 && count == 1) {
-    const auto identifier = *reinterpret_cast<const VisualID*>(data);
-    visual = gdk_x11_screen_lookup_visual(screen_, identifier);
-  }
+  std::optional<VisualID> visual;
+  if (type == XA_VISUALID && format == 32 && count == 1) visual = *reinterpret_cast<const VisualID*>(data);
   if (data != nullptr) XFree(data);
-  constexpr int depthWithAlpha = 32;
-  if (visual == nullptr || gdk_visual_get_depth(visual) != depthWithAlpha) return nullptr;
   return visual;
 }
 
-void Tray::dock(Window window) const {
+void Tray::dock(Window window) {
+  auto* display = connection_->get();
   XClientMessageEvent message{};
   message.type = ClientMessage;
   message.window = owner_;
-  message.message_type = XInternAtom(x_, "_NET_SYSTEM_TRAY_OPCODE", False);
+  message.message_type = connection_->atom("_NET_SYSTEM_TRAY_OPCODE");
   message.format = 32;
   message.data.l[0] = CurrentTime;
   message.data.l[1] = requestDock;
   message.data.l[2] = static_cast<long>(window);
-  const ErrorTrap trap(x_);
-  XSendEvent(x_, owner_, False, NoEventMask, reinterpret_cast<XEvent*>(&message));
+  const ErrorTrap trap(display);
+  XSendEvent(display, owner_, False, NoEventMask, reinterpret_cast<XEvent*>(&message));
+  readSoon();
 }
 
 }  // namespace keyvora::x11

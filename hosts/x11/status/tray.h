@@ -1,42 +1,49 @@
 #pragma once
 
-#include <gdk/gdkx.h>
+#include <X11/Xlib.h>
 
 #include <functional>
+#include <memory>
+#include <optional>
+
+#include "hosts/x11/display.h"
+#include "hosts/x11/glib_source.h"
+#include "hosts/x11/main_loop.h"
 
 namespace keyvora::x11 {
 
 /// The system tray of the default X screen, as it comes and goes: the owner of the manager selection
-/// `_NET_SYSTEM_TRAY_S<n>` (freedesktop.org's System Tray Protocol). Main thread; needs a display.
+/// `_NET_SYSTEM_TRAY_S<n>` (freedesktop.org's System Tray Protocol). Main thread.
 class Tray {
  public:
   /// `onChange` runs when a tray has appeared or the present one has gone.
-  explicit Tray(std::function<void()> onChange);
-  ~Tray();
+  Tray(MainLoop& loop, std::function<void()> onChange);
   Tray(const Tray&) = delete;
   Tray& operator=(const Tray&) = delete;
 
   /// Whether there is one.
   [[nodiscard]] bool isPresent() const { return owner_ != None; }
 
-  /// The visual with transparency that the tray asks its icons to use; null when it has none.
-  [[nodiscard]] GdkVisual* transparentVisual() const;
+  /// The visual that the tray asks its icons to use; none when it does not say.
+  [[nodiscard]] std::optional<VisualID> visual();
 
   /// Asks the tray to take this window in.
-  void dock(Window window) const;
+  void dock(Window window);
 
  private:
-  static GdkFilterReturn filter(GdkXEvent* event, GdkEvent* translated, gpointer tray);
-  void see(const XEvent& event);
+  void readEvents();
+  void readSoon();
+  bool concerns(const XEvent& event) const;
   void findOwner();
 
+  MainLoop& loop_;
   std::function<void()> onChange_;
-  GdkScreen* screen_;
-  GdkDisplay* display_;
-  Display* x_;
-  Atom selection_;
-  Atom manager_;
+  /// Null where the display takes no more connections: there is no tray then.
+  std::unique_ptr<Connection> connection_;
+  Atom selection_ = None;
   Window owner_ = None;
+  std::optional<ReadableSource> events_;
+  std::unique_ptr<platform::Timer> reading_;
 };
 
 }  // namespace keyvora::x11

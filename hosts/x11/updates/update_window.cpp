@@ -5,6 +5,8 @@
 #include <memory>
 #include <utility>
 
+#include "hosts/x11/toolkit.h"
+
 namespace keyvora::x11 {
 namespace {
 
@@ -87,10 +89,11 @@ UpdateWindow::~UpdateWindow() {
 }
 
 bool UpdateWindow::isAvailable() const {
-  return gdk_display_get_default() != nullptr;
+  return hasDisplay();
 }
 
 void UpdateWindow::showChecking(std::function<void()> cancelled) {
+  if (!openToolkit()) return;  // nobody can cancel: the check goes on
   GtkWidget* box = beginContents("Looking for updates…", "", std::move(cancelled));
   GtkWidget* spinner = gtk_spinner_new();
   gtk_spinner_start(GTK_SPINNER(spinner));
@@ -102,6 +105,7 @@ void UpdateWindow::showChecking(std::function<void()> cancelled) {
 void UpdateWindow::showUpdate(const appcast::Announcement& announcement,
                               std::function<void(appcast::Choice)> chosen) {
   using appcast::Choice;
+  if (!openToolkit()) return chosen(Choice::later);
   std::string details =
       "This is version " + announcement.currentVersion + ". Your package manager installs updates.";
   if (!announcement.address.empty()) details += "\n" + announcement.address;
@@ -121,6 +125,7 @@ void UpdateWindow::showUpdate(const appcast::Announcement& announcement,
 
 void UpdateWindow::showMessage(const std::string& title, const std::string& details,
                                std::function<void()> acknowledged) {
+  if (!openToolkit()) return acknowledged();
   GtkWidget* box = beginContents(title, details, std::move(acknowledged));
   gtk_widget_grab_focus(addButton(addButtonBox(box), "OK", closed_));
   showAll(false);

@@ -4,6 +4,7 @@
 //   menu NAME    sets one of the menus below
 //   click        clicks the item as an assistive tool does
 //   draws        prints how often the item was drawn since this was first asked
+//   toolkit      prints whether GTK is open
 //   timer        starts a timer in the default mode, which prints "tick"
 //   destroy      takes the item away
 //
@@ -16,7 +17,6 @@
 #include <iostream>
 #include <map>
 
-#include "hosts/posix/console.h"
 #include "hosts/x11/glib_source.h"
 #include "hosts/x11/status/status_bar.h"
 #include "hosts/x11/toolkit.h"
@@ -78,6 +78,9 @@ int draws() {
   return count;
 }
 
+/// Long enough for a panel that is there to say so.
+constexpr platform::Seconds shortPatience{0.5};
+
 class Program {
  public:
   void obey(const std::string& line) {
@@ -90,6 +93,8 @@ class Program {
       item_->setMenu(menus().at(rest));
     } else if (verb == "draws") {
       say(std::to_string(draws()));
+    } else if (verb == "toolkit") {
+      say(x11::isToolkitOpen() ? "open" : "closed");
     } else if (verb == "click") {
       gtk_button_clicked(GTK_BUTTON(gtk_bin_get_child(GTK_BIN(plug()))));
     } else if (verb == "timer") {
@@ -101,29 +106,34 @@ class Program {
   }
 
  private:
-  posix::Console console_;
-  x11::Notices notices_{console_};
+  std::unique_ptr<platform::StatusItem> makeItem() {
+    bar_.onUnseen = [](std::string_view line) { say(std::string(line)); };
+    return bar_.createItem();
+  }
+
   x11::MainLoop loop_;
-  x11::StatusBar bar_{loop_, notices_};
-  std::unique_ptr<platform::StatusItem> item_ = bar_.createItem();
+  x11::StatusBar bar_{loop_, shortPatience};
+  std::unique_ptr<platform::StatusItem> item_ = makeItem();
   std::unique_ptr<platform::Timer> timer_;
 };
 
 }  // namespace
 
 int main() {
-  if (!x11::startToolkit()) return 1;
+  if (!x11::openDisplay()) return 1;
   Program program;
   std::string pending;
+  GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
   const x11::ReadableSource input(STDIN_FILENO, G_PRIORITY_DEFAULT, [&] {
     char bytes[4096];
     const auto size = read(STDIN_FILENO, bytes, sizeof bytes);
-    if (size <= 0) gtk_main_quit();
+    if (size <= 0) g_main_loop_quit(loop);
     pending.append(bytes, size > 0 ? static_cast<std::size_t>(size) : 0);
     for (std::size_t end = 0; (end = pending.find('\n')) != std::string::npos; pending.erase(0, end + 1)) {
       program.obey(pending.substr(0, end));
     }
   });
   say("ready");
-  gtk_main();
+  g_main_loop_run(loop);
+  g_main_loop_unref(loop);
 }

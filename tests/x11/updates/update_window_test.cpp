@@ -27,7 +27,7 @@ void ensureToolkit() {
   static const bool started = [] {
     setenv("DISPLAY", display.name().c_str(), 1);
     setenv("NO_AT_BRIDGE", "1", 1);
-    return startToolkit();
+    return openDisplay() && openToolkit();
   }();
   ASSERT_TRUE(started);
 }

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <map>
+
+#include "hosts/x11/gobject.h"
+#include "hosts/x11/status/bus_object.h"
+#include "platform/menu.h"
+
+namespace keyvora::x11 {
+
+/// The menu of a status notifier item: its rows on the session bus, for panels that draw menus themselves
+/// (com.canonical.dbusmenu). Main thread.
+class NotifierMenu {
+ public:
+  static constexpr auto path = "/MenuBar";
+
+  /// `onTracking` hears when a panel has opened the menu and when that has ended; `run` runs a row's action
+  /// after the panel has had its answer.
+  NotifierMenu(GDBusConnection* bus, std::function<void(bool isOpen)> onTracking,
+               std::function<void(std::function<void()> action)> run);
+
+  /// Replaces the rows, in an open menu as well. Rows get new identifiers each time: a choice from what was
+  /// there before chooses nothing.
+  void setRows(const platform::Menu& menu);
+
+ private:
+  GVariant* call(std::string_view method, GVariant* parameters);
+  GVariant* getLayout(GVariant* parameters) const;
+  GVariant* getGroupProperties(GVariant* parameters) const;
+  GVariant* event(GVariant* parameters);
+  GVariant* eventGroup(GVariant* parameters);
+  bool happened(int identifier, std::string_view what);
+  [[nodiscard]] GVariant* layoutOf(int identifier, bool withChildren) const;
+  [[nodiscard]] GVariant* propertiesOf(int identifier) const;
+  [[nodiscard]] bool isKnown(int identifier) const;
+
+  BusObject object_;
+  std::function<void(bool)> onTracking_;
+  std::function<void(std::function<void()>)> run_;
+  std::map<int, platform::MenuRow> rows_;
+  int nextIdentifier_ = 1;
+  unsigned revision_ = 0;
+};
+
+}  // namespace keyvora::x11

@@ -1,0 +1,120 @@
+#include "hosts/x11/status/tray_plug.h"
+
+#include <gtk/gtkx.h>
+
+#include <utility>
+
+#include "hosts/x11/gobject.h"
+#include "hosts/x11/status/status_icon.h"
+#include "hosts/x11/toolkit.h"
+
+namespace keyvora::x11 {
+namespace {
+
+/// The text stands on a ground of its own, so that it can be read on light trays and on dark ones. Nothing
+/// moves: an animation would keep the program awake.
+constexpr auto style = R"css(
+  .keyvora-tray { background: transparent; }
+  .keyvora-tray.opaque { background: #2e3436; }
+  .keyvora-item {
+    min-width: 0; min-height: 0; margin: 0; padding: 0 6px;
+    border: none; border-radius: 4px; outline: none; box-shadow: none; text-shadow: none;
+    background: #2e3436; color: #ffffff; transition: none; animation: none;
+  }
+  .keyvora-item:hover { background: #555753; }
+)css";
+
+void addStyle(GtkWidget* widget, const char* name) {
+  const GObjectRef<GtkCssProvider> provider(gtk_css_provider_new());
+  gtk_css_provider_load_from_data(provider.get(), style, -1, nullptr);
+  auto* context = gtk_widget_get_style_context(widget);
+  gtk_style_context_add_provider(context, GTK_STYLE_PROVIDER(provider.get()),
+                                 GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+  gtk_style_context_add_class(context, name);
+}
+
+/// The tray's visual if it has transparency; null otherwise.
+GdkVisual* transparentVisual(Tray& tray) {
+  const auto identifier = tray.visual();
+  if (!identifier) return nullptr;
+  GdkVisual* visual = gdk_x11_screen_lookup_visual(gdk_screen_get_default(), *identifier);
+  constexpr int depthWithAlpha = 32;
+  if (visual == nullptr || gdk_visual_get_depth(visual) != depthWithAlpha) return nullptr;
+  return visual;
+}
+
+}  // namespace
+
+TrayPlug::TrayPlug(Tray& tray, const std::string& title, std::function<void(const GdkEvent*)> onPress)
+    : onPress_(std::move(onPress)), title_(title) {
+  if (openToolkit()) make(tray);
+}
+
+TrayPlug::~TrayPlug() {
+  if (plug_ != nullptr) gtk_widget_destroy(plug_);
+}
+
+void TrayPlug::make(Tray& tray) {
+  plug_ = gtk_plug_new(0);
+  button_ = gtk_button_new_with_label("");
+  addStyle(plug_, "keyvora-tray");
+  addStyle(button_, "keyvora-item");
+  if (auto* visual = transparentVisual(tray)) {
+    gtk_widget_set_visual(plug_, visual);
+  } else {
+    gtk_style_context_add_class(gtk_widget_get_style_context(plug_), "opaque");
+  }
+  gtk_widget_set_can_focus(button_, FALSE);
+  gtk_container_add(GTK_CONTAINER(plug_), button_);
+
+  // A press opens the menu as menus open everywhere; a click without one is an assistive tool's.
+  const auto pressed = +[](GtkWidget*, GdkEvent* event, TrayPlug* self) -> gboolean {
+    self->onPress_(event);
+    return GDK_EVENT_STOP;
+  };
+  const auto clicked = +[](GtkWidget*, TrayPlug* self) { self->onPress_(nullptr); };
+  const auto drawn = +[](GtkWidget*, cairo_t* context, TrayPlug* self) -> gboolean {
+    return self->drawNarrow(context) ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
+  };
+  const auto destroyed = +[](GtkWidget*, TrayPlug* self) { self->plug_ = self->button_ = nullptr; };
+  g_signal_connect(button_, "button-press-event", G_CALLBACK(pressed), this);
+  g_signal_connect(button_, "clicked", G_CALLBACK(clicked), this);
+  g_signal_connect(button_, "draw", G_CALLBACK(drawn), this);
+  g_signal_connect(plug_, "destroy", G_CALLBACK(destroyed), this);
+
+  setTitle(title_);
+  gtk_widget_realize(plug_);
+  // When its tray goes, a window falls back to the root; a window manager is to leave it alone there.
+  gdk_window_set_override_redirect(gtk_widget_get_window(plug_), TRUE);
+  gtk_widget_show_all(plug_);
+  tray.dock(gtk_plug_get_id(GTK_PLUG(plug_)));
+}
+
+void TrayPlug::setTitle(const std::string& title) {
+  title_ = title;
+  if (plug_ == nullptr) return;
+  gtk_button_set_label(GTK_BUTTON(button_), title_.c_str());
+  gtk_window_set_title(GTK_WINDOW(plug_), title_.c_str());
+  gtk_widget_queue_draw(button_);
+}
+
+/// Draws the icon when the slot has no room for the text; false when it has.
+bool TrayPlug::drawNarrow(cairo_t* context) const {
+  auto* window = gtk_widget_get_window(plug_);
+  const int width = gdk_window_get_width(window);
+  const int height = gdk_window_get_height(window);
+  int needed = 0;
+  gtk_widget_get_preferred_width(button_, &needed, nullptr);
+  if (width >= needed) return false;
+  cairo_save(context);
+  // A widget that was given less than it needs may lie outside its window.
+  int left = 0;
+  int top = 0;
+  gtk_widget_translate_coordinates(button_, plug_, 0, 0, &left, &top);
+  cairo_translate(context, -left, -top);
+  drawStatusIcon(context, StatusTitle::of(title_), width, height);
+  cairo_restore(context);
+  return true;
+}
+
+}  // namespace keyvora::x11
