@@ -1,6 +1,16 @@
 # Sourced by ./test for --full: what takes too long for every change.
 # shellcheck shell=bash
 
+# What needs no build.
+if check "Linting" scripts/lint; then
+  passed=$((passed + 1))
+fi
+
+# As a packager builds it: optimised, with the checks of the C library that sanitized builds lack.
+if check "Building (release-ci)" scripts/build release-ci; then
+  run_tests release-ci --label-exclude full
+fi
+
 # The core under the thread sanitizer; the hosts' own libraries are not built for it.
 if check "Building (tsan)" scripts/build tsan; then
   run_tests tsan

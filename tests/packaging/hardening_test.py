@@ -25,6 +25,9 @@ def cached(name: str) -> str:
 
 
 class Hardening(unittest.TestCase):
+    scratch: tempfile.TemporaryDirectory[str]
+    programs: list[str]
+
     @classmethod
     def setUpClass(cls):
         cls.scratch = tempfile.TemporaryDirectory(prefix="keyvora-hardening-")

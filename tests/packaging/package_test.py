@@ -50,6 +50,10 @@ def files_in(folder: pathlib.Path) -> set[str]:
 
 
 class Package(unittest.TestCase):
+    scratch: tempfile.TemporaryDirectory[str]
+    folder: pathlib.Path
+    package: pathlib.Path
+
     @classmethod
     def setUpClass(cls):
         cls.scratch = tempfile.TemporaryDirectory(prefix="keyvora-package-")

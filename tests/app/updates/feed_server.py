@@ -6,7 +6,6 @@ import pathlib
 import ssl
 import subprocess
 import threading
-import time
 
 SPARKLE = "http://www.andymatuschak.org/xml-namespaces/sparkle"
 
@@ -46,8 +45,25 @@ REDIRECTS = {
 MEBIBYTE = b" " * (1 << 20)
 
 
+class Server(http.server.ThreadingHTTPServer):
+    """Notes the paths that are asked for, in order; a program that hears enough and leaves is no error."""
+
+    daemon_threads = True
+
+    def __init__(self, plain_address: str) -> None:
+        super().__init__(("127.0.0.1", 0), Handler)
+        self.asked: list[str] = []
+        self.closing = threading.Event()
+        self.plain_address = plain_address
+
+    def handle_error(self, *_: object) -> None:
+        pass
+
+
 class Handler(http.server.BaseHTTPRequestHandler):
     """Each path is a story."""
+
+    server: Server
 
     def do_GET(self):
         self.server.asked.append(self.path)
@@ -112,12 +128,8 @@ class FeedServer:
     """Serves until it is left; with a certificate over HTTPS."""
 
     def __init__(self, certificate: pathlib.Path | None = None, plain_address: str = ""):
-        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
-        self.server.daemon_threads = True
-        self.server.closing = threading.Event()
-        self.server.asked = self.asked = []  # the paths, in order
-        self.server.plain_address = plain_address
-        self.server.handle_error = lambda *_: None
+        self.server = Server(plain_address)
+        self.asked = self.server.asked
         scheme = "http"
         if certificate:
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)

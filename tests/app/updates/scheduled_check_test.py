@@ -53,6 +53,7 @@ class ScheduledCheck(unittest.TestCase):
         program.terminate()
         self.assertEqual(program.wait(PATIENCE), 0)
         self.assertLess(time.monotonic() - asked, 5)
+        assert program.stderr
         self.assertNotIn("Sanitizer", program.stderr.read())
 
     def test_an_update_is_shown_and_the_check_recorded(self):

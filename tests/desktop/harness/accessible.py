@@ -4,6 +4,7 @@ Never ask the library for an empty cache mask instead: the next read then waits 
 """
 
 from collections.abc import Iterator
+from typing import TypeAlias
 
 import gi
 
@@ -12,7 +13,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 from .x11 import Area  # noqa: E402
 
-Element = Atspi.Accessible
+Element: TypeAlias = Atspi.Accessible
 
 
 def connect() -> None:

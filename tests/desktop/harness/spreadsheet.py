@@ -39,7 +39,9 @@ class Spreadsheet(ABC):
         accessible.connect()
         self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus")
         until(self._has_menus, f"the menus of {self.name}", 20)
-        self._name_box, self._input_line = until(self._find_texts, "the name box and the input line")
+        texts = until(self._find_texts, "the name box and the input line")
+        assert texts
+        self._name_box, self._input_line = texts
 
     def is_in_front(self) -> bool:
         """Whether its main window is the active one."""
@@ -70,8 +72,8 @@ class Spreadsheet(ABC):
     def open_menu(self) -> str:
         """The name of the menu that its menu bar has open, or the empty text."""
         bar = accessible.find(self._root, "menu bar")
-        opened = [menu for menu in accessible.children(bar) if accessible.is_selected(menu)] if bar else []
-        return accessible.name(opened[0]) if opened else ""
+        opened = next(filter(accessible.is_selected, accessible.children(bar)), None) if bar else None
+        return accessible.name(opened) if opened else ""
 
     def dialog(self) -> str:
         """The title of its dialog in front, or the empty text."""
@@ -141,4 +143,4 @@ class Calc(Spreadsheet):
         return (name_box, paragraph) if name_box and paragraph else None
 
 
-SPREADSHEETS: dict[str, type[Spreadsheet]] = {kind.name: kind for kind in (Gnumeric, Calc)}
+SPREADSHEETS: dict[str, type[Spreadsheet]] = {"gnumeric": Gnumeric, "calc": Calc}

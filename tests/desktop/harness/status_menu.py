@@ -51,7 +51,9 @@ class StatusMenu:
             seen[:] = [*seen[1:], x11.window_area(self._keyvora.status_window())]
             return seen[-1] if len(set(seen)) == 1 else None
 
-        return until(rests, "the status item at rest in the tray", seen=lambda: seen)
+        area = until(rests, "the status item at rest in the tray", seen=lambda: seen)
+        assert area
+        return area
 
     def _menu(self) -> accessible.Element | None:
         root = accessible.application(self._keyvora.process_id())

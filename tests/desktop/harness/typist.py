@@ -1,6 +1,5 @@
 """The simulated user's hands."""
 
-import subprocess
 from pathlib import Path
 
 from .children import Children

@@ -11,6 +11,7 @@ import shutil
 import sys
 import unittest
 from pathlib import Path
+from typing import Any, TypeAlias
 
 from harness.private_desktop import PrivateDesktop
 
@@ -55,21 +56,26 @@ def every_module() -> list[str]:
     return sorted(path.stem for path in HERE.glob("test_*.py"))
 
 
+# What unittest says of a failure.
+Fault: TypeAlias = Any
+
+
 class Result(unittest.TextTestResult):
     """Keeps what a person needs who was not there: the screen and the logs at the moment of a failure."""
 
     artifacts: Path
 
-    def addFailure(self, test: unittest.TestCase, err: object) -> None:  # type: ignore[override]
-        super().addFailure(test, err)  # type: ignore[arg-type]
+    def addFailure(self, test: unittest.TestCase, err: Fault) -> None:
+        super().addFailure(test, err)
         self._keep(test, self.failures[-1][1])
 
-    def addError(self, test: unittest.TestCase, err: object) -> None:  # type: ignore[override]
-        super().addError(test, err)  # type: ignore[arg-type]
+    def addError(self, test: unittest.TestCase, err: Fault) -> None:
+        super().addError(test, err)
         self._keep(test, self.errors[-1][1])
 
-    def addSubTest(self, test: unittest.TestCase, subtest: unittest.TestCase, err: object) -> None:  # type: ignore[override]
-        super().addSubTest(test, subtest, err)  # type: ignore[arg-type]
+    def addSubTest(self, test: unittest.TestCase, subtest: unittest.TestCase,
+                   err: Fault | None) -> None:
+        super().addSubTest(test, subtest, err)
         if err:
             self._keep(test, (self.failures + self.errors)[-1][1])
 

@@ -27,8 +27,8 @@ EXAMPLE = Path(__file__).resolve().parents[3] / "resources/examples/calc.json"
 SAVE_LIMIT = 2.0
 END = "</office:document>"
 
-CELLS = [["Name", "Amount", "City", "Twice"], ["Pear", 30, "Rome", "=[.B2]*2"], ["Apple", 10, "Oslo", "=RAND()"],
-         ["Fig", 20, "Bern", None]]
+CELLS: list[list[str | int | None]] = [["Name", "Amount", "City", "Twice"], ["Pear", 30, "Rome", "=[.B2]*2"],
+                                       ["Apple", 10, "Oslo", "=RAND()"], ["Fig", 20, "Bern", None]]
 
 
 def workbook() -> str:
@@ -206,7 +206,7 @@ class CalcExample(unittest.TestCase):
     def setUp(self) -> None:
         environment = DesktopTest.environment
         self.desktop = environment.desktop
-        assert environment.sheet
+        assert isinstance(environment.sheet, Calc)
         self.end(environment.sheet)
         self.typist = Typist(self.desktop.children, environment.typist)
         self.typist.pace(Calc.pace)
@@ -284,7 +284,8 @@ class CalcExample(unittest.TestCase):
             def title() -> str:
                 window = x11.active_window()
                 return x11.window_title(window) if window not in ("", self.sheet.window) else ""
-            until(lambda: re.fullmatch(outcome.title, title()) and title(), f"the window {outcome.title!r}", seen=title)
+            expected = outcome.title
+            until(lambda: re.fullmatch(expected, title()) and title(), f"the window {expected!r}", seen=title)
         elif isinstance(outcome, Cells):
             # Calc carries a command out some time after its key: who goes on at once takes the selection from it.
             for cell, content in outcome.content.items():

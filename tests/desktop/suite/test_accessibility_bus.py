@@ -30,8 +30,8 @@ class AccessibilityBus(DesktopTest):
         self.assertEqual(0, self.keyvora.stop())
 
     def kill_bus(self) -> None:
-        launcher = self.session("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                "GetConnectionUnixProcessID", GLib.Variant("(s)", ("org.a11y.Bus",)))
+        launcher = int(self.session("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                    "GetConnectionUnixProcessID", GLib.Variant("(s)", ("org.a11y.Bus",))))
         for task in [launcher, *self.children_of(launcher)]:
             os.kill(task, signal.SIGKILL)
 

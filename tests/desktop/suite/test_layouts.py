@@ -10,7 +10,8 @@ LAYOUTS = [("us", "", "wxz"), ("fr", "", "zxw"), ("de", "", "wxy"), ("us", "dvor
 
 class Layouts(DesktopTest):
     def test_sequences_are_typed_on_the_same_keys_everywhere(self) -> None:
-        for layout, variant, (w, x, z) in LAYOUTS:
+        for layout, variant, keys in LAYOUTS:
+            w, x, z = tuple(keys)
             with self.subTest(layout=layout, variant=variant):
                 self.desktop.set_layout(layout, variant)
                 self.new_cell()

@@ -184,8 +184,10 @@ class Commands(MenuTest):
         for title, letter, file in (("Edit mappings.json", "e", self.keyvora.mappings),
                                     ("Show log", "l", self.keyvora.log.path)):
             self.opened.unlink(missing_ok=True)
-            self.each_way(title, letter, lambda number, file=file: equal(
-                lambda: lines(self.opened), [str(file)] * number, "what was opened"))
+
+            def opened(number: int, file: Path = file) -> None:
+                equal(lambda: lines(self.opened), [str(file)] * number, "what was opened")
+            self.each_way(title, letter, opened)
 
     def test_reload(self) -> None:
         message = "mappings reloaded, 4 sequences"
