@@ -1,0 +1,31 @@
+// GNUstep's AppKit, and what it lacks of Apple's: declared here, provided by the recorders.
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include_next <AppKit/AppKit.h>
+
+enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
+
+@interface NSApplication (Apple)
+@property(retain) id delegate;
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
+- (void)activate;
+@end
+
+@interface NSMenuItem (Apple)
+@property(readonly, getter=isSeparatorItem) BOOL separatorItem;
+@property(getter=isEnabled) BOOL enabled;
+@end
+
+@interface NSStatusItem (Apple)
+@property(readonly) NSStatusBarButton* button;
+@end
+
+@interface NSRunningApplication (Apple)
++ (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:(NSString*)identifier;
+@end
+
+@interface NSWorkspace (Apple)
+@property(readonly) NSRunningApplication* frontmostApplication;
+@end

@@ -1,0 +1,111 @@
+"""keyvora.app while it runs in the rig: its keys, its menu, its files, its log."""
+
+import os
+import pathlib
+import re
+import signal
+import socket
+import subprocess
+import time
+
+from display import environment
+import record
+
+# How long a condition may take, however busy the machine is.
+PATIENCE = 60.0
+
+
+class Failed(Exception):
+    """What the session expects is not what happened."""
+
+
+def wait_for(what: str, condition):
+    """The condition's value, once it holds."""
+    end = time.monotonic() + PATIENCE
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise Failed(f"did not happen: {what}")
+        time.sleep(0.01)
+
+
+class Program:
+    def __init__(self, executable: pathlib.Path, home: pathlib.Path, screen: str, number: int):
+        self.executable = executable
+        self.home = home
+        self.screen = screen
+        self.record_path = home / f"record-{number}"
+        self.log_path = home / "Library" / "Logs" / "keyvora.log"
+        self.stderr_path = home / f"stderr-{number}"
+        self.stdout_path = home / f"stdout-{number}"
+        self.mappings = home / "Library" / "Application Support" / "keyvora" / "mappings.json"
+        self.process = None
+        self.socket = None
+        self.answers = None
+        # Records of the log that an earlier launch wrote.
+        self.log_start = len(self.log())
+
+    def launch(self, arguments: list[str], setup: list[list[str]]) -> None:
+        ours, theirs = socket.socketpair()
+        self.process = subprocess.Popen(
+            [self.executable, *arguments],
+            env=environment(
+                str(self.home),
+                self.screen,
+                KEYVORA_RIG_RECORD=str(self.record_path),
+                KEYVORA_RIG_SOCKET=str(theirs.fileno()),
+            ),
+            pass_fds=[theirs.fileno()],
+            stdin=subprocess.DEVNULL,
+            stdout=self.stdout_path.open("wb"),
+            stderr=self.stderr_path.open("wb"),
+        )
+        theirs.close()
+        self.socket = ours
+        self.socket.settimeout(PATIENCE)
+        self.answers = ours.makefile("r", encoding="utf-8")
+        for words in setup:
+            self.command(*words)
+        self.command("go")
+
+    def command(self, *words: str) -> str:
+        """Has the program's driver carry a command out; its answer, or "" when the program ended meanwhile."""
+        try:
+            self.socket.sendall(("\t".join(words) + "\n").encode())
+            return self.answers.readline().rstrip("\n")
+        except (BrokenPipeError, ConnectionResetError):
+            return ""
+        except TimeoutError as silence:
+            raise Failed(f"no answer to {' '.join(words)}") from silence
+
+    def lines(self) -> list[record.Line]:
+        return record.read(self.record_path)
+
+    def log(self) -> list[str]:
+        """The log's records without their times."""
+        if not self.log_path.exists():
+            return []
+        text = self.log_path.read_text(encoding="utf-8")
+        return [re.sub(r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d ", "", line) for line in text[: text.rfind("\n") + 1].splitlines()]
+
+    def wait(self) -> int:
+        """The exit status."""
+        try:
+            return self.process.wait(timeout=PATIENCE)
+        except subprocess.TimeoutExpired as running:
+            raise Failed("still running") from running
+
+    def stderr(self) -> str:
+        return self.stderr_path.read_text(encoding="utf-8", errors="replace")
+
+    def stdout(self) -> str:
+        return self.stdout_path.read_text(encoding="utf-8", errors="replace")
+
+    def end(self) -> None:
+        if self.process is not None and self.process.poll() is None:
+            os.kill(self.process.pid, signal.SIGKILL)
+            self.process.wait()
+        if self.socket is not None:
+            self.socket.close()

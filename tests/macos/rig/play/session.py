@@ -1,0 +1,240 @@
+"""Plays the commands of a script and holds what happened against what it expects."""
+
+import os
+import pathlib
+import time
+
+import keys
+import record
+from program import Failed, Program, wait_for
+from script import Command
+
+# What lives at the end of a run from launch to quit; everything else must be gone.
+LIVE_AT_THE_END = {
+    "dispatch source": 1,
+    "mach port": 1,
+    "run-loop source": 1,
+    "serial queue": 1,
+    "status item": 1,
+    "updater controller": 1,
+}
+# What may have been made or not: the source of events is made with the first of them.
+LIVE_AT_MOST = {"event source": 1}
+# Commands that the program's driver knows under the same name, with as many words as they come.
+FORWARDED = {
+    "trust", "limit", "run", "quit", "front", "nomenus", "fail", "hang", "login", "feed", "disable", "kill",
+    "wake", "active", "unlock", "track", "untrack", "sync",
+}  # fmt: skip
+
+
+class Session:
+    def __init__(self, executable: pathlib.Path, home: pathlib.Path, screen: str):
+        self.executable = executable
+        self.home = home
+        self.screen = screen
+        self.launches = 0
+        self.program: Program | None = None
+        self.setup: list[list[str]] = []
+        self.live: dict[str, int] = {}
+        self.seen = 0
+        self.posts = 0
+        self.logged = 0
+
+    # What the script's commands are.
+
+    def play(self, command: Command) -> None:
+        try:
+            if command.name in FORWARDED:
+                self.forward(command.name, *command.text.split())
+            else:
+                getattr(self, "do_" + command.name)(command)
+        except Failed as failure:
+            raise Failed(f"{command.place}: {command.name} {command.text}: {failure}") from None
+
+    def forward(self, *words: str) -> None:
+        if self.program is None:
+            self.setup.append(list(words))
+            return
+        answer = self.program.command(*words)
+        if answer != "done":
+            raise Failed(answer or "the program has ended")
+
+    def do_menuitem(self, command: Command) -> None:
+        self.forward("menuitem", *command.text.split(" > "))
+
+    def do_launch(self, command: Command) -> None:
+        self.launches += 1
+        program = Program(self.executable, self.home, self.screen, self.launches)
+        self.seen = self.posts = 0
+        self.logged = program.log_start
+        self.live = {}
+        program.launch(command.text.split(), self.setup)
+        self.program, self.setup = program, []
+
+    def do_document(self, command: Command) -> None:
+        """The mapping document as an editor writes it in place; before a launch, the one that is found."""
+        self.mappings().parent.mkdir(parents=True, exist_ok=True)
+        self.mappings().write_text(self.document(command), encoding="utf-8")
+
+    def do_rename(self, command: Command) -> None:
+        """The mapping document as most editors save it: a new file moved over the old."""
+        beside = self.mappings().with_suffix(".new")
+        beside.write_text(self.document(command), encoding="utf-8")
+        os.rename(beside, self.mappings())
+
+    def document(self, command: Command) -> str:
+        if command.text.startswith("from "):
+            return (pathlib.Path(__file__).parent.parent / "sessions" / command.text[5:]).read_text(encoding="utf-8")
+        return "\n".join(command.block) + "\n"
+
+    def mappings(self) -> pathlib.Path:
+        return self.home / "Library" / "Application Support" / "keyvora" / "mappings.json"
+
+    # The keyboard.
+
+    def do_tap(self, command: Command) -> None:
+        """A modifier pressed and released by itself; both events reach the application."""
+        code, flags = keys.MODIFIERS[command.text]
+        self.expect_fate("down", code, flags, "passed")
+        self.expect_fate("up", code, 0, "passed")
+
+    def do_key(self, command: Command) -> None:
+        """`key MODIFIERS+NAME FATE`: a key down, with that fate, and up, which always reaches the application."""
+        name, fate = command.text.split(" ", 1)
+        *modifiers, key = name.split("+")
+        flags = keys.flags(modifiers)
+        self.expect_fate("down", keys.CODES[key.lower()], flags, fate)
+        self.expect_fate("up", keys.CODES[key.lower()], flags, "passed")
+
+    def do_down(self, command: Command) -> None:
+        code, flags = keys.MODIFIERS[command.text]
+        self.expect_fate("down", code, flags, "passed")
+
+    def do_up(self, command: Command) -> None:
+        code, _ = keys.MODIFIERS[command.text]
+        self.expect_fate("up", code, 0, "passed")
+
+    def expect_fate(self, direction: str, code: int, flags: int, fate: str) -> None:
+        answer = self.program.command(direction, str(code), hex(flags))
+        if answer != fate:
+            raise Failed(f"the key {direction} was {answer or 'not answered'}, not {fate}")
+
+    # The status item.
+
+    def do_title(self, command: Command) -> None:
+        wait_for(f"title {command.text!r}", lambda: self.program.command("title") == command.text)
+
+    def do_rows(self, command: Command) -> None:
+        wait_for("rows", lambda: self.program.command("rows") == "\t".join(self.filled(command.block))
+                 or self.explain("the rows are", self.program.command("rows").split("\t")))  # fmt: skip
+
+    def do_choose(self, command: Command) -> None:
+        answer = self.program.command("choose", command.text)
+        if answer not in ("done", ""):
+            raise Failed(answer)
+
+    # What happened.
+
+    def do_log(self, command: Command) -> None:
+        """All that was logged since the last look."""
+        expected = self.filled(command.block)
+        end = self.logged + len(expected)
+        self.attempt("log", lambda: self.program.log()[self.logged : end], expected)
+        self.logged = end
+
+    def do_record(self, command: Command) -> None:
+        """Lines of the record in this order, with any others between."""
+        for expected in self.filled(command.block):
+            self.seen = 1 + wait_for(expected, lambda: self.index_of(expected))  # index 0 is the start's own
+
+    def do_posts(self, command: Command) -> None:
+        """All that was posted since the last look, with the pauses between."""
+        self.attempt("posts", lambda: self.new_posts()[: len(command.block)], command.block)
+        if self.new_posts() != command.block:
+            raise Failed(self.difference(self.new_posts(), command.block))
+        self.posts = len(self.program.lines())
+
+    def do_never(self, command: Command) -> None:
+        """No line of the record so far is this one."""
+        if any(line.text == command.text for line in self.program.lines()):
+            raise Failed("it was")
+
+    def do_times(self, command: Command) -> None:
+        """`times N TEXT`: the line was in the record as often as that so far."""
+        number, text = command.text.split(" ", 1)
+        found = sum(line.text == text for line in self.program.lines())
+        if found != int(number):
+            raise Failed(f"{found} times")
+
+    def do_within(self, command: Command) -> None:
+        """`within SECONDS FROM => TO`: the last such line came at least half of and at most this long after the first."""
+        seconds, rest = command.text.split(" ", 1)
+        first, last = rest.split(" => ")
+        times = {line.text: line.seconds for line in self.program.lines()}
+        took = times[last] - times[first]
+        if not float(seconds.split("-")[0]) <= took <= float(seconds.split("-")[1]):
+            raise Failed(f"it took {took:.3f} s")
+
+    def do_pause(self, command: Command) -> None:
+        """Lets real time pass: for what must not happen."""
+        time.sleep(float(command.text))
+
+    def do_output(self, command: Command) -> None:
+        if self.program.stdout() != command.text + "\n":
+            raise Failed(f"standard output is {self.program.stdout()!r}")
+
+    def do_live(self, command: Command) -> None:
+        """`live N KIND`: at the end of this launch, other than usual."""
+        number, kind = command.text.split(" ", 1)
+        self.live[kind] = int(number)
+
+    def do_exit(self, command: Command) -> None:
+        """The program ends with this status, having kept all rules, logged nothing more and left nothing behind."""
+        status = self.program.wait()
+        lines, stderr = self.program.lines(), self.program.stderr()
+        problems = record.faults(lines, stderr)
+        if status != int(command.text):
+            problems.append(f"exit status {status}")
+        left = record.live(lines)
+        wanted = {**LIVE_AT_THE_END, **self.live}
+        for kind in sorted({*left, *wanted}):
+            count = left.get(kind, 0)
+            if count != wanted.get(kind, 0) and not 0 <= count <= LIVE_AT_MOST.get(kind, 0):
+                problems.append(f"{count} {kind} alive at the end, not {wanted.get(kind, 0)}")
+        if more := self.program.log()[self.logged :]:
+            problems.append(f"also logged: {more}")
+        if more := self.new_posts():
+            problems.append(f"also posted: {more}")
+        if problems:
+            raise Failed("\n  ".join(["", *problems]))
+        self.program.end()
+        self.program = None
+
+    # Helpers.
+
+    def index_of(self, expected: str) -> int:
+        """Index of the next line of the record that is this one, or 0."""
+        lines = self.program.lines()
+        return next((index for index in range(max(self.seen, 1), len(lines)) if str(lines[index]) == expected), 0)
+
+    def new_posts(self) -> list[str]:
+        return [str(line) for line in self.program.lines()[self.posts :] if line.text.startswith(("post ", "usleep "))]
+
+    def attempt(self, what: str, actual, expected: list[str]) -> None:
+        try:
+            wait_for(what, lambda: len(actual()) >= len(expected))
+        except Failed:
+            raise Failed(self.difference(actual(), expected)) from None
+        if actual() != expected:
+            raise Failed(self.difference(actual(), expected))
+
+    def explain(self, what: str, actual: list[str]) -> bool:
+        self.explanation = f"{what} {actual}"
+        return False
+
+    @staticmethod
+    def difference(actual: list[str], expected: list[str]) -> str:
+        return "\n  ".join(["expected", *expected, "but was", *actual])
+
+    def filled(self, lines: list[str]) -> list[str]:
+        return [line.replace("{home}", str(self.home)) for line in lines]

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <atomic>
+
+namespace keyvora::rig {
+
+/// A Core Foundation object of ours, made with one reference. Its memory is never given back: a use after its
+/// end, one release too many and one too few are all seen.
+class CFObject {
+ public:
+  CFObject(const CFObject&) = delete;
+  CFObject& operator=(const CFObject&) = delete;
+
+  void retain();
+  void release();
+  [[nodiscard]] int references() const { return references_; }
+  [[nodiscard]] const char* kind() const { return kind_; }
+  [[nodiscard]] virtual CFTypeID type() const = 0;
+
+  /// The object behind a reference, when it is one of ours; null for Foundation's objects.
+  static CFObject* find(CFTypeRef object);
+
+ protected:
+  /// `kind` is a literal: by it objects are counted and told apart.
+  explicit CFObject(const char* kind);
+  virtual ~CFObject() = default;
+
+ private:
+  /// The last reference was given back.
+  virtual void ended() {}
+
+  const char* kind_;
+  std::atomic<int> references_ = 1;
+};
+
+/// Core Foundation's numbers of types; any will do that differ.
+namespace type_id {
+inline constexpr CFTypeID other = 1;
+inline constexpr CFTypeID string = 7;
+inline constexpr CFTypeID array = 19;
+inline constexpr CFTypeID element = 40;
+}  // namespace type_id
+
+void useFailed(const char* call, const char* expected, const CFObject* found);
+
+/// The object as a `T`, for a call named `call`: a reference to anything else, or to one that has ended, is a
+/// violation, and null comes back.
+template <class T>
+T* use(const void* reference, const char* call) {
+  CFObject* found = CFObject::find(reference);
+  T* object = dynamic_cast<T*>(found);
+  if (object == nullptr || object->references() < 1) {
+    useFailed(call, T::name, found);
+    return nullptr;
+  }
+  return object;
+}
+
+}  // namespace keyvora::rig
