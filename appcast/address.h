@@ -9,4 +9,8 @@ namespace keyvora::appcast {
 /// https, or forms no address. Any thread.
 std::optional<std::string> webAddress(const std::string& reference, const std::string& base);
 
+/// Whether the address is under ".invalid", where by convention no server ever is: the feed of a build that
+/// was given none. Any thread.
+bool namesNoServer(const std::string& address);
+
 }  // namespace keyvora::appcast

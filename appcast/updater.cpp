@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "appcast/address.h"
 #include "appcast/notes_text.h"
 #include "appcast/version_order.h"
 
@@ -71,7 +72,7 @@ void Updater::begin(Kind kind) {
   session_->kind = kind;
   if (kind == Kind::userAsked) to_.presenter.showChecking([this] { endSession(); });
   if (kind != Kind::probe) to_.history.recordCheck();
-  if (settings_.feedAddress.empty()) {
+  if (settings_.feedAddress.empty() || namesNoServer(settings_.feedAddress)) {
     soon_ = to_.mainLoop.schedule(platform::Seconds::zero(), false, platform::TimerMode::commonModes, [this] {
       fail("No update feed is configured (SUFeedURL in Info.plist).");
     });

@@ -38,5 +38,15 @@ TEST(AddressTest, WithoutABaseItMustBeWhole) {
   EXPECT_EQ(webAddress("http://", ""), std::nullopt);
 }
 
+TEST(AddressTest, UnderInvalidThereIsNoServer) {
+  for (const auto* none : {"https://updates.invalid/appcast.xml", "http://a.b.INVALID:8080/x"}) {
+    EXPECT_TRUE(namesNoServer(none)) << none;
+  }
+  for (const auto* some : {"https://example.org/x.invalid", "https://invalid.example.org/", "https://invalid",
+                           "", "not an address.invalid", "https://x.invalid.org/"}) {
+    EXPECT_FALSE(namesNoServer(some)) << some;
+  }
+}
+
 }  // namespace
 }  // namespace keyvora::appcast

@@ -61,6 +61,13 @@ TEST_F(ProbeTest, WithoutAFeedItSaysWhereToNameOneOnTheNextPassOfTheLoop) {
   EXPECT_THAT(take(), ElementsAre("aborted: No update feed is configured (SUFeedURL in Info.plist)."));
 }
 
+TEST_F(ProbeTest, AFeedUnderAReservedNameIsNeverAskedFor) {
+  settings.feedAddress = "https://updates.invalid/appcast.xml";
+  start().checkForUpdateInformation();
+  host.advance(0);
+  EXPECT_THAT(take(), ElementsAre("aborted: No update feed is configured (SUFeedURL in Info.plist)."));
+}
+
 TEST_F(ProbeTest, LeavesNoTraceInTheHistory) {
   serve(feedAddress, same);
   probe();

@@ -8,7 +8,10 @@ calls in that file must be named.
 import pathlib
 import plistlib
 import re
+import subprocess
+import tempfile
 import unittest
+import urllib.parse
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 HOST = ROOT / "hosts" / "macos"
@@ -22,6 +25,8 @@ FUNCTION = re.compile(
 CLASS = re.compile(r"\[\[?((?:NS|SM|SPU)[A-Z]\w+) |\b((?:NS|SM|SPU)[A-Z]\w+)\.[a-z]")
 # Names of ours that look like the system's.
 OURS = {"AXElement"}
+# 32 bytes in base64.
+KEY = "A" * 43 + "="
 
 
 def read(*names: str) -> str:
@@ -33,15 +38,21 @@ def code(text: str) -> str:
     return re.sub(r'//[^\n]*|"(?:\\.|[^"\\])*"', "", text)
 
 
+def write_information(**settings: str) -> tuple[str, dict | None]:
+    """What CMake says, and the information dictionary that it writes for a build with these settings, or none."""
+    with tempfile.TemporaryDirectory() as folder:
+        file = pathlib.Path(folder, "Info.plist")
+        values = {"OUTPUT": str(file), "PROJECT_VERSION": "1.2.3", "KEYVORA_BUILD": "45", **settings}
+        command = ["cmake", *(f"-D{name}={value}" for name, value in values.items())]
+        script = ROOT / "resources" / "information_dictionary.cmake"
+        run = subprocess.run([*command, "-P", str(script)], capture_output=True, text=True, check=False)
+        return run.stderr, plistlib.loads(file.read_bytes()) if run.returncode == 0 else None
+
+
 def information() -> dict:
-    template = read("resources", "Info.plist.in")
-    values = {
-        "PROJECT_VERSION": "1.2.3",
-        "KEYVORA_BUILD": "45",
-        "KEYVORA_UPDATE_FEED": "https://example.org/appcast.xml",
-        "update_key_entry": "\n\t<key>SUPublicEDKey</key>\n\t<string>key</string>",
-    }
-    return plistlib.loads(re.sub(r"@(\w+)@", lambda match: values[match.group(1)], template).encode())
+    said, found = write_information(KEYVORA_UPDATE_FEED="https://example.org/appcast.xml", KEYVORA_UPDATE_KEY=KEY)
+    assert found is not None, said
+    return found
 
 
 def sections() -> dict[str, str]:
@@ -71,12 +82,24 @@ class Bundle(unittest.TestCase):
             "NSPrincipalClass": "NSApplication",
             "SUEnableAutomaticChecks": True,
             "SUFeedURL": "https://example.org/appcast.xml",
-            "SUPublicEDKey": "key",
+            "SUPublicEDKey": KEY,
             "SUScheduledCheckInterval": 86400,
         }
         found = information()
         self.assertEqual({key: found.get(key) for key in expected}, expected)
         self.assertIn("Microsoft Excel", found["NSAppleEventsUsageDescription"])
+
+    def test_a_build_without_a_feed_of_its_own_asks_nobody(self):
+        _, found = write_information()
+        self.assertTrue(urllib.parse.urlsplit(found["SUFeedURL"]).hostname.endswith(".invalid"))
+        self.assertIs(found["SUEnableAutomaticChecks"], False)
+        self.assertNotIn("SUPublicEDKey", found)
+
+    def test_a_malformed_update_key_is_refused(self):
+        for key in ("key", KEY + "A", KEY[:-1] + "!"):
+            said, found = write_information(KEYVORA_UPDATE_KEY=key)
+            self.assertIsNone(found)
+            self.assertIn("KEYVORA_UPDATE_KEY must be 32 bytes in base64", said)
 
     def test_the_oldest_system_is_the_compilers_too(self):
         target = re.search(r"CMAKE_OSX_DEPLOYMENT_TARGET ([\d.]+)", read("CMakeLists.txt")).group(1)
