@@ -64,7 +64,9 @@ platform::Menu Keyvora::menu() {
   add(row("keyvora " + version(bundle)));
   add(MenuRow::separator());
   // Not the delegate's: quitting is the application's own business.
-  add(row("Quit keyvora", 'q', [] { platform::current().application.terminate(); }));
+  MenuRow quit = row("Quit keyvora", 'q', [] { platform::current().application.terminate(); });
+  quit.endsApplication = true;
+  add(std::move(quit));
   return menu;
 }
 

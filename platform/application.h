@@ -18,14 +18,17 @@ class Application {
  public:
   virtual ~Application() = default;
 
+  /// Gives the application its delegate, which calls `didFinishLaunching` once when the main loop has
+  /// started. Before everything else that is asked of the application.
+  virtual void setDelegate(std::function<void()> didFinishLaunching) = 0;
+
   virtual void setActivationPolicy(ActivationPolicy policy) = 0;
 
   /// Brings the application's windows to the front.
   virtual void activate() = 0;
 
-  /// Runs the main loop until `terminate`; calls `didFinishLaunching` once when the loop has started. Returns
-  /// the process's exit status, where it returns.
-  virtual int run(std::function<void()> didFinishLaunching) = 0;
+  /// Runs the main loop until `terminate`. Returns the process's exit status, where it returns.
+  virtual int run() = 0;
 
   /// Ends the application normally, with status 0.
   virtual void terminate() = 0;

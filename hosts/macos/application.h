@@ -1,5 +1,7 @@
 #pragma once
 
+#import <AppKit/AppKit.h>
+
 #include "platform/application.h"
 
 namespace keyvora::macos {
@@ -8,11 +10,19 @@ namespace keyvora::macos {
 class Application final : public platform::Application {
  public:
   Application();
+  ~Application() override;
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
 
+  void setDelegate(std::function<void()> didFinishLaunching) override;
   void setActivationPolicy(platform::ActivationPolicy policy) override;
   void activate() override;
-  int run(std::function<void()> didFinishLaunching) override;
+  int run() override;
   void terminate() override;
+
+ private:
+  /// The system's application holds its delegate weakly.
+  id<NSApplicationDelegate> delegate_;
 };
 
 }  // namespace keyvora::macos

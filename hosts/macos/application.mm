@@ -1,12 +1,13 @@
 #import "hosts/macos/application.h"
 
-#import <AppKit/AppKit.h>
-
 #include "hosts/macos/guarded.h"
+#import "hosts/macos/menu_action.h"
 
-/// Hears that launching has finished; everything else is the core's.
+/// Hears that launching has finished and which menu item was chosen; everything else is the core's.
 @interface KVApplicationDelegate : NSObject <NSApplicationDelegate>
 - (instancetype)initWithDidFinishLaunching:(std::function<void()>)block;
+/// The action of every menu item of ours.
+- (void)choose:(NSMenuItem*)item;
 @end
 
 @implementation KVApplicationDelegate {
@@ -23,11 +24,30 @@
   keyvora::macos::guarded([self] { self->_didFinishLaunching(); });
 }
 
+- (void)choose:(NSMenuItem*)item {
+  keyvora::macos::guarded([item] {
+    id action = item.representedObject;
+    if ([action isKindOfClass:KVMenuAction.class]) [static_cast<KVMenuAction*>(action) run];
+  });
+}
+
 @end
 
 namespace keyvora::macos {
 
 Application::Application() { [NSApplication sharedApplication]; }
+
+Application::~Application() {
+  NSApplication* application = NSApplication.sharedApplication;
+  if (delegate_ != nil && application.delegate == delegate_) application.delegate = nil;
+}
+
+void Application::setDelegate(std::function<void()> didFinishLaunching) {
+  @autoreleasepool {
+    delegate_ = [[KVApplicationDelegate alloc] initWithDidFinishLaunching:std::move(didFinishLaunching)];
+    NSApplication.sharedApplication.delegate = delegate_;
+  }
+}
 
 void Application::setActivationPolicy(platform::ActivationPolicy policy) {
   @autoreleasepool {
@@ -47,13 +67,8 @@ void Application::activate() {
   }
 }
 
-int Application::run(std::function<void()> didFinishLaunching) {
-  NSApplication* application = NSApplication.sharedApplication;
-  // The application holds its delegate weakly; this frame lasts as long as its loop.
-  NS_VALID_UNTIL_END_OF_SCOPE KVApplicationDelegate* delegate =
-      [[KVApplicationDelegate alloc] initWithDidFinishLaunching:std::move(didFinishLaunching)];
-  application.delegate = delegate;
-  [application run];
+int Application::run() {
+  [NSApplication.sharedApplication run];
   return 0;
 }
 

@@ -12,6 +12,29 @@
 
 namespace keyvora::macos {
 
+/// The port that the system gave for a tap, with its source on the main run loop. Main thread.
+class TapPort {
+ public:
+  /// An active session-wide tap; null when the system refuses it.
+  static std::unique_ptr<TapPort> create(std::uint64_t eventMask, CGEventTapCallBack callback,
+                                         void* userInfo);
+  /// From here on nothing calls back with `userInfo`.
+  ~TapPort();
+  TapPort(const TapPort&) = delete;
+  TapPort& operator=(const TapPort&) = delete;
+
+  /// False once the system has ended the tap: it cannot be switched on any more.
+  [[nodiscard]] bool isAlive() const;
+  [[nodiscard]] bool isEnabled() const;
+  void enable();
+
+ private:
+  explicit TapPort(CFRef<CFMachPortRef> port) : port_(std::move(port)) {}
+
+  CFRef<CFMachPortRef> port_;
+  CFRef<CFRunLoopSourceRef> source_;
+};
+
 /// An active session-wide event tap on the main run loop. Main thread.
 class EventTap final : public platform::EventTap {
  public:
@@ -21,17 +44,20 @@ class EventTap final : public platform::EventTap {
   EventTap(const EventTap&) = delete;
   EventTap& operator=(const EventTap&) = delete;
 
+  /// A port that the system has ended is made anew; while the system refuses one the tap stays off.
   void enable() override;
 
  private:
-  explicit EventTap(platform::TapHandler handler) : handler_(std::move(handler)) {}
+  EventTap(std::uint64_t eventMask, platform::TapHandler handler)
+      : eventMask_(eventMask), handler_(std::move(handler)) {}
   static CGEventRef callback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);
+  bool makePort();
   platform::Verdict decide(CGEventType type, CGEventRef event) const;
   void reportIfDisabled() const;
 
+  std::uint64_t eventMask_;
   platform::TapHandler handler_;
-  CFRef<CFMachPortRef> port_;
-  CFRef<CFRunLoopSourceRef> source_;
+  std::unique_ptr<TapPort> port_;
   std::optional<SessionWatch> sessionWatch_;
   /// Keeps the process from App Nap, which lowers its priority and puts its timers off: the whole session's
   /// keys wait for this tap.

@@ -5,15 +5,34 @@
 
 namespace keyvora::macos {
 
+std::unique_ptr<TapPort> TapPort::create(std::uint64_t eventMask, CGEventTapCallBack callback,
+                                         void* userInfo) {
+  auto made = CFRef<CFMachPortRef>::adopt(CGEventTapCreate(
+      kCGSessionEventTap, kCGHeadInsertEventTap, kCGEventTapOptionDefault, eventMask, callback, userInfo));
+  if (!made) return nullptr;
+  std::unique_ptr<TapPort> port(new TapPort(std::move(made)));
+  port->source_ = CFRef<CFRunLoopSourceRef>::adopt(
+      CFMachPortCreateRunLoopSource(kCFAllocatorDefault, port->port_.get(), 0));
+  if (!port->source_) return nullptr;
+  CFRunLoopAddSource(CFRunLoopGetMain(), port->source_.get(), kCFRunLoopCommonModes);
+  return port;
+}
+
+TapPort::~TapPort() {
+  CGEventTapEnable(port_.get(), false);
+  if (source_) CFRunLoopRemoveSource(CFRunLoopGetMain(), source_.get(), kCFRunLoopCommonModes);
+  CFMachPortInvalidate(port_.get());
+}
+
+bool TapPort::isAlive() const { return CFMachPortIsValid(port_.get()); }
+
+bool TapPort::isEnabled() const { return CGEventTapIsEnabled(port_.get()); }
+
+void TapPort::enable() { CGEventTapEnable(port_.get(), true); }
+
 std::unique_ptr<EventTap> EventTap::create(std::uint64_t eventMask, platform::TapHandler handler) {
-  std::unique_ptr<EventTap> tap(new EventTap(std::move(handler)));
-  tap->port_ = CFRef<CFMachPortRef>::adopt(CGEventTapCreate(
-      kCGSessionEventTap, kCGHeadInsertEventTap, kCGEventTapOptionDefault, eventMask, callback, tap.get()));
-  if (!tap->port_) return nullptr;
-  tap->source_ = CFRef<CFRunLoopSourceRef>::adopt(
-      CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap->port_.get(), 0));
-  if (!tap->source_) return nullptr;
-  CFRunLoopAddSource(CFRunLoopGetMain(), tap->source_.get(), kCFRunLoopCommonModes);
+  std::unique_ptr<EventTap> tap(new EventTap(eventMask, std::move(handler)));
+  if (!tap->makePort()) return nullptr;
   tap->sessionWatch_.emplace([owner = tap.get()] { owner->reportIfDisabled(); });
   tap->activity_ =
       [NSProcessInfo.processInfo beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
@@ -23,14 +42,19 @@ std::unique_ptr<EventTap> EventTap::create(std::uint64_t eventMask, platform::Ta
 
 EventTap::~EventTap() {
   if (activity_ != nil) [NSProcessInfo.processInfo endActivity:activity_];
-  if (!port_) return;
-  CGEventTapEnable(port_.get(), false);
-  if (source_) CFRunLoopRemoveSource(CFRunLoopGetMain(), source_.get(), kCFRunLoopCommonModes);
-  // From here on nothing calls back with the pointer to this object.
-  CFMachPortInvalidate(port_.get());
 }
 
-void EventTap::enable() { CGEventTapEnable(port_.get(), true); }
+void EventTap::enable() {
+  if (!port_->isAlive() && !makePort()) return;
+  port_->enable();
+}
+
+bool EventTap::makePort() {
+  auto port = TapPort::create(eventMask_, callback, this);
+  if (!port) return false;
+  port_ = std::move(port);
+  return true;
+}
 
 CGEventRef EventTap::callback(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event, void* userInfo) {
   if (userInfo == nullptr) platform::fatal("an event tap was called without its owner");
@@ -55,7 +79,7 @@ platform::Verdict EventTap::decide(CGEventType type, CGEventRef event) const {
 }
 
 void EventTap::reportIfDisabled() const {
-  if (CGEventTapIsEnabled(port_.get())) return;
+  if (port_->isAlive() && port_->isEnabled()) return;
   platform::KeyEvent notice;
   notice.type = platform::event_type::tapDisabledByTimeout;
   handler_(notice);

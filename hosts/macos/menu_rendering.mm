@@ -1,15 +1,9 @@
 #import "hosts/macos/menu_rendering.h"
 
-#include "hosts/macos/guarded.h"
+#import "hosts/macos/menu_action.h"
 #include "hosts/macos/strings.h"
 
-/// Target of one menu item: an item holds its target weakly, so it also carries it as its represented object.
-@interface KVMenuTarget : NSObject
-- (instancetype)initWithAction:(std::function<void()>)action;
-- (void)choose:(id)sender;
-@end
-
-@implementation KVMenuTarget {
+@implementation KVMenuAction {
  @private
   std::function<void()> _action;
 }
@@ -19,12 +13,9 @@
   return self;
 }
 
-- (void)choose:(id)sender {
-  keyvora::macos::guarded([self] {
-    // The action may replace the menu, and with it this target.
-    const auto running = self->_action;
-    running();
-  });
+- (void)run {
+  const auto running = _action;  // outlives this object, should the menu be replaced meanwhile
+  running();
 }
 
 @end
@@ -32,16 +23,22 @@
 namespace keyvora::macos {
 namespace {
 
+/// What the item of a row sends when it is chosen: to the application's delegate, but for the command that
+/// every application has, which finds the application by itself.
+SEL selectorOf(const platform::MenuRow& row) {
+  if (!row.isEnabled()) return nil;
+  return row.endsApplication ? @selector(terminate:) : @selector(choose:);
+}
+
 NSMenuItem* itemOf(const platform::MenuRow& row) {
   if (row.isSeparator) return [NSMenuItem separatorItem];
   NSString* key = row.keyEquivalent == 0 ? @"" : nsString(std::string_view(&row.keyEquivalent, 1));
   NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:nsString(row.title)
-                                                action:row.isEnabled() ? @selector(choose:) : nil
+                                                action:selectorOf(row)
                                          keyEquivalent:key];
-  if (row.isEnabled()) {
-    KVMenuTarget* target = [[KVMenuTarget alloc] initWithAction:row.action];
-    item.target = target;
-    item.representedObject = target;
+  if (row.isEnabled() && !row.endsApplication) {
+    item.target = NSApplication.sharedApplication.delegate;
+    item.representedObject = [[KVMenuAction alloc] initWithAction:row.action];
   }
   item.state = row.checked ? NSControlStateValueOn : NSControlStateValueOff;
   return item;

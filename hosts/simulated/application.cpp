@@ -24,6 +24,11 @@ void Process::end(int status) {
   world_.trace.add(trace::Exited{status});
 }
 
+void Application::setDelegate(std::function<void()> didFinishLaunching) {
+  didFinishLaunching_ = std::move(didFinishLaunching);
+  world_.trace.add(trace::DelegateSet{});
+}
+
 void Application::setActivationPolicy(platform::ActivationPolicy policy) {
   if (!world_.fails(Call::setActivationPolicy)) world_.trace.add(trace::PolicySet{policy});
 }
@@ -32,8 +37,8 @@ void Application::activate() {
   if (!world_.fails(Call::activate)) world_.trace.add(trace::Activated{});
 }
 
-int Application::run(std::function<void()> didFinishLaunching) {
-  didFinishLaunching();
+int Application::run() {
+  if (didFinishLaunching_) didFinishLaunching_();
   if (whileRunning) whileRunning();
   return 0;
 }

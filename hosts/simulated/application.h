@@ -32,17 +32,19 @@ class Application final : public platform::Application {
  public:
   Application(World& world, Process& process) : world_(world), process_(process) {}
 
-  /// What `run` does after it called `didFinishLaunching`; it returns when this does.
+  /// What `run` does once launching has finished; it returns when this does.
   std::function<void()> whileRunning;
 
+  void setDelegate(std::function<void()> didFinishLaunching) override;
   void setActivationPolicy(platform::ActivationPolicy policy) override;
   void activate() override;
-  int run(std::function<void()> didFinishLaunching) override;
+  int run() override;
   void terminate() override { process_.end(0); }
 
  private:
   World& world_;
   Process& process_;
+  std::function<void()> didFinishLaunching_;
 };
 
 }  // namespace keyvora::simulated

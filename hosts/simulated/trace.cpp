@@ -44,6 +44,7 @@ struct Printer {
   void operator()(const trace::AddressOpened& entry) const { out << "AddressOpened " << entry.address; }
   void operator()(const trace::Printed& entry) const { out << "Printed " << std::quoted(entry.line); }
   void operator()(const trace::Exited& entry) const { out << "Exited " << entry.status; }
+  void operator()(const trace::DelegateSet&) const { out << "DelegateSet"; }
   void operator()(const trace::PolicySet& entry) const {
     out << "PolicySet " << static_cast<int>(entry.policy);
   }

@@ -102,6 +102,11 @@ struct Exited {
   bool operator==(const Exited&) const = default;
 };
 
+/// The application was given its delegate.
+struct DelegateSet {
+  bool operator==(const DelegateSet&) const = default;
+};
+
 struct PolicySet {
   platform::ActivationPolicy policy;
   bool operator==(const PolicySet&) const = default;
@@ -132,11 +137,11 @@ struct Note {
 
 }  // namespace trace
 
-using TraceEntry =
-    std::variant<trace::Console, trace::Posted, trace::Tapped, trace::Slept, trace::TapEnabled,
-                 trace::Performed, trace::AskedForTrust, trace::ScriptRun, trace::TitleShown,
-                 trace::MenuShown, trace::FileOpened, trace::AddressOpened, trace::Printed, trace::Exited,
-                 trace::PolicySet, trace::Activated, trace::LoginChanged, trace::UpdaterCalled, trace::Note>;
+using TraceEntry = std::variant<trace::Console, trace::Posted, trace::Tapped, trace::Slept, trace::TapEnabled,
+                                trace::Performed, trace::AskedForTrust, trace::ScriptRun, trace::TitleShown,
+                                trace::MenuShown, trace::FileOpened, trace::AddressOpened, trace::Printed,
+                                trace::Exited, trace::DelegateSet, trace::PolicySet, trace::Activated,
+                                trace::LoginChanged, trace::UpdaterCalled, trace::Note>;
 
 /// Writes an entry for a person, such as `Console "keyvora: launch 1.2 (42)"`.
 void PrintTo(const TraceEntry& entry, std::ostream* out);

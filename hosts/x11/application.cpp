@@ -55,6 +55,10 @@ Application::~Application() {
   g_main_loop_unref(loop_);
 }
 
+void Application::setDelegate(std::function<void()> didFinishLaunching) {
+  didFinishLaunching_ = std::move(didFinishLaunching);
+}
+
 void Application::setActivationPolicy(platform::ActivationPolicy policy) {
   const gboolean hidden = policy == platform::ActivationPolicy::accessory;
   forEachWindow([hidden](GtkWindow* window) {
@@ -69,7 +73,7 @@ void Application::activate() {
   });
 }
 
-int Application::run(std::function<void()> didFinishLaunching) {
+int Application::run() {
   if (!hasDisplay() && !worksWithoutDisplay_()) {
     notices_.say(displayProblem("").value_or("The X display cannot be used.") +
                  " keyvora needs one to see the keyboard, and ends.");
@@ -83,7 +87,8 @@ int Application::run(std::function<void()> didFinishLaunching) {
   }
   const EndingSignal onTerminate(SIGTERM, *this);
   const EndingSignal onInterrupt(SIGINT, *this);
-  didFinishLaunching();  // first: the answer to a probe may be waiting on the loop already
+  if (didFinishLaunching_)
+    didFinishLaunching_();  // first: the answer to a probe may be waiting on the loop already
   if (!terminated_) g_main_loop_run(loop_);
   process_.runExitBlocks();
   return 0;

@@ -19,19 +19,21 @@ class Application final : public platform::Application {
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 
+  void setDelegate(std::function<void()> didFinishLaunching) override;
   /// The windows of an accessory stay out of task bars and pagers.
   void setActivationPolicy(platform::ActivationPolicy policy) override;
   void activate() override;
 
   /// Returns 1 at once, with a notice, when there is no display and no work that needs none. SIGTERM and
   /// SIGINT end it normally.
-  int run(std::function<void()> didFinishLaunching) override;
+  int run() override;
   void terminate() override;
 
  private:
   Process& process_;
   Notices& notices_;
   WorkWithoutDisplay worksWithoutDisplay_;
+  std::function<void()> didFinishLaunching_;
   GMainLoop* loop_;
   bool terminated_ = false;
 };

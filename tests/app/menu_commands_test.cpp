@@ -107,6 +107,12 @@ TEST_F(MenuCommandsTest, CheckForUpdatesComesToTheFrontFirst) {
               ElementsAre(TraceEntry(Activated{}), TraceEntry(UpdaterCalled{UpdaterCalled::What::checked})));
 }
 
+TEST_F(MenuCommandsTest, OnlyQuitIsTheSystemsToCarryOut) {
+  for (const auto& row : host.statusBar.menu().rows) {
+    EXPECT_EQ(row.endsApplication, row.title == "Quit keyvora") << row.title;
+  }
+}
+
 TEST_F(MenuCommandsTest, QuitEndsTheApplicationNormally) {
   host.statusBar.choose("Quit keyvora");
   EXPECT_THAT(host.trace.entries(), ElementsAre(TraceEntry(Exited{0})));

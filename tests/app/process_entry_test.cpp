@@ -9,6 +9,7 @@ namespace {
 
 using platform::ActivationPolicy;
 using simulated::TraceEntry;
+using simulated::trace::DelegateSet;
 using simulated::trace::Exited;
 using simulated::trace::PolicySet;
 using simulated::trace::Printed;
@@ -31,12 +32,13 @@ class ProcessEntryTest : public ShellTest {
   }
 };
 
-TEST_F(ProcessEntryTest, MakesAnAccessoryOfTheProcessBeforeItLaunches) {
+TEST_F(ProcessEntryTest, GivesTheApplicationItsDelegateThenMakesItAnAccessoryThenLaunches) {
   EXPECT_EQ(run({"keyvora"}), 0);
   const auto entries = host.trace.entries();
-  ASSERT_GE(entries.size(), 2U);
-  EXPECT_EQ(entries[0], TraceEntry(PolicySet{ActivationPolicy::accessory}));
-  EXPECT_EQ(entries[1], TraceEntry(TitleShown{"⌥"}));
+  ASSERT_GE(entries.size(), 3U);
+  EXPECT_EQ(entries[0], TraceEntry(DelegateSet{}));
+  EXPECT_EQ(entries[1], TraceEntry(PolicySet{ActivationPolicy::accessory}));
+  EXPECT_EQ(entries[2], TraceEntry(TitleShown{"⌥"}));
 }
 
 TEST_F(ProcessEntryTest, KeepsTheDelegateWhileTheLoopRuns) {
@@ -56,8 +58,8 @@ TEST_F(ProcessEntryTest, TheProbeStartsBeforeTheLoopAndTheLaunchStillFollows) {
   EXPECT_THAT(updaterCalls(), ElementsAre(What::created, What::started, What::probed, What::started));
   EXPECT_THAT(host.trace.logged(), Contains("launch 1.2 (42)"));
   const auto entries = host.trace.entries();
-  EXPECT_EQ(entries[3], TraceEntry(UpdaterCalled{What::probed}));
-  EXPECT_EQ(entries[4], TraceEntry(TitleShown{"⌥"}));
+  EXPECT_EQ(entries[4], TraceEntry(UpdaterCalled{What::probed}));
+  EXPECT_EQ(entries[5], TraceEntry(TitleShown{"⌥"}));
 }
 
 TEST_F(ProcessEntryTest, TheOptionCountsAnywhereInTheCommandLineEvenAsTheProgramsName) {

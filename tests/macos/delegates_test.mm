@@ -24,7 +24,7 @@ std::map<std::string, std::string> methodsOf(const char* name) {
   Method* list = class_copyMethodList(objc_getClass(name), &count);
   for (unsigned index = 0; index < count; ++index) {
     const std::string selector = sel_getName(method_getName(list[index]));
-    if (selector.starts_with("init") || selector.starts_with(".cxx_")) continue;
+    if (selector.starts_with("init") || selector.starts_with(".cxx_") || selector == "choose:") continue;
     methods[selector] = method_getTypeEncoding(list[index]);
   }
   free(list);

@@ -131,7 +131,8 @@ TEST_F(SimulatedHostTest, TheEndOfTheProcessRunsItsBlocksBackwardsOnce) {
 
 TEST_F(SimulatedHostTest, RunningTheApplicationIsWhatTheTestDoesMeanwhile) {
   host.application.whileRunning = [this] { host.trace.note("running"); };
-  EXPECT_EQ(host.application.run([this] { host.trace.note("did finish launching"); }), 0);
+  host.application.setDelegate([this] { host.trace.note("did finish launching"); });
+  EXPECT_EQ(host.application.run(), 0);
   EXPECT_THAT(host.trace.of<trace::Note>(),
               ElementsAre(trace::Note{"did finish launching"}, trace::Note{"running"}));
 }

@@ -29,11 +29,11 @@ class ApplicationTest : public testing::Test {
 using Happened = std::vector<std::string>;
 
 TEST_F(ApplicationTest, RunsFromLaunchToTermination) {
-  const int status = application.run([this] {
+  application.setDelegate([this] {
     happened.emplace_back("launched");
     loop.after(platform::Seconds(0.01), [this] { application.terminate(); });
   });
-  EXPECT_EQ(status, 0);
+  EXPECT_EQ(application.run(), 0);
   EXPECT_EQ(happened, (Happened{"launched", "exit block"}));
 }
 
@@ -42,20 +42,22 @@ TEST_F(ApplicationTest, SignalsEndItNormally) {
     happened.clear();
     process.atExit([this] { happened.emplace_back("exit block"); });
     Application again(process, notices, [] { return true; });
-    EXPECT_EQ(again.run([signal] { raise(signal); }), 0);
+    again.setDelegate([signal] { raise(signal); });
+    EXPECT_EQ(again.run(), 0);
     EXPECT_FALSE(happened.empty());
   }
 }
 
 TEST_F(ApplicationTest, TerminationBeforeTheStartIsRemembered) {
   application.terminate();
-  EXPECT_EQ(application.run([] {}), 0);
+  EXPECT_EQ(application.run(), 0);
 }
 
 TEST_F(ApplicationTest, WithoutADisplayAndWithoutWorkItEndsAtOnce) {
   unsetenv("DISPLAY");
   hasWork = false;
-  EXPECT_EQ(application.run([this] { happened.emplace_back("launched"); }), 1);
+  application.setDelegate([this] { happened.emplace_back("launched"); });
+  EXPECT_EQ(application.run(), 1);
   EXPECT_EQ(happened, Happened{"exit block"});
   EXPECT_EQ(console.records,
             Happened{"keyvora: There is no X display: DISPLAY is not set. keyvora needs one to see "
