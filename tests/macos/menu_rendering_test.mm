@@ -63,11 +63,14 @@ TEST_F(MenuRendering, TheCheckMarkIsTheItemsState) {
 }
 
 TEST_F(MenuRendering, RowsGoToTheApplicationsDelegate) {
-  ASSERT_NE(NSApplication.sharedApplication.delegate, nil);
-  for (NSInteger row : {2, 3}) {
-    EXPECT_EQ([menu_ itemAtIndex:row].target, NSApplication.sharedApplication.delegate);
+  id delegate = NSApplication.sharedApplication.delegate;
+  ASSERT_NE(delegate, nil);
+  for (NSInteger index : {2, 3}) {
+    id target = [menu_ itemAtIndex:index].target;
+    EXPECT_EQ(target, delegate);
   }
-  EXPECT_EQ([menu_ itemAtIndex:0].target, nil);
+  id none = [menu_ itemAtIndex:0].target;
+  EXPECT_EQ(none, nil);
   EXPECT_EQ([menu_ itemAtIndex:0].action, SEL());
 }
 
