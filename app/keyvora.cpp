@@ -55,6 +55,7 @@ void Keyvora::applicationDidFinishLaunching() {
 }
 
 void Keyvora::installTap() {
+  platform::current().keyboard.onFault([](const std::string& sentence) { Log::line(sentence); });
   if (KeySequenceTap::shared().install()) {
     // The menu is left as it was built: a snapshot, until something calls for the next one.
     Log::line("tap installed, " + sequenceCount() + " sequences, log at " + Log::url().string());

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/applications.h"
 
@@ -96,6 +97,10 @@ class Keyboard {
   /// event whose user data is 0. Any thread.
   virtual std::unique_ptr<SyntheticEvent> createEvent(const EventSource* source, std::uint16_t keyCode,
                                                       bool down) = 0;
+
+  /// Has `report` told, on the main thread, of faults of the tap that the user should find in the log, a
+  /// sentence each. A host whose tap has no such faults never calls it. Main thread.
+  virtual void onFault(std::function<void(const std::string& sentence)> report) { (void)report; }
 };
 
 }  // namespace keyvora::platform

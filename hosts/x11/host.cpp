@@ -13,7 +13,7 @@ Host::Host()
       fileSystem_(mainLoop_),
       accessibility_(notices_, currentTap_),
       applications_(""),
-      keyboard_("", currentTap_),
+      keyboard_("", tapProgramOf(executableFile()), currentTap_),
       loginService_(executableFile()),
       scripts_(currentTap_),
       statusBar_(mainLoop_),

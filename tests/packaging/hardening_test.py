@@ -12,7 +12,7 @@ import unittest
 
 CMAKE = sys.argv.pop(1)
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
-PROGRAMS = ("keyvora", "keyvora-mappings")
+PROGRAMS = ("bin/keyvora", "bin/keyvora-mappings", "libexec/keyvora/keyvora-tap")
 
 
 def output(*command: str) -> str:
@@ -32,7 +32,7 @@ class Hardening(unittest.TestCase):
     def setUpClass(cls):
         cls.scratch = tempfile.TemporaryDirectory(prefix="keyvora-hardening-")
         output(CMAKE, "--install", str(BUILD), "--prefix", cls.scratch.name)
-        cls.programs = [f"{cls.scratch.name}/bin/{name}" for name in PROGRAMS]
+        cls.programs = [f"{cls.scratch.name}/{name}" for name in PROGRAMS]
 
     @classmethod
     def tearDownClass(cls):
@@ -69,6 +69,13 @@ class Hardening(unittest.TestCase):
             self.skipTest("only in optimised builds without sanitizers")
         for symbols in self.each("readelf", "--wide", "--dyn-syms"):
             self.assertRegex(symbols, r"__\w+_chk\b(?<!__stack_chk)")
+
+    def test_what_holds_the_keyboard_has_no_toolkit_in_it(self):
+        (tap,) = (program for program in self.programs if program.endswith("-tap"))
+        needed = re.findall(r"\(NEEDED\).*\[lib([\w+-]+)\.so", output("readelf", "--wide", "--dynamic", tap))
+        own = {"X11", "Xi", "Xtst", "stdc++", "m", "gcc_s", "c", "asan", "ubsan"}
+        self.assertLessEqual(set(needed), own)
+        self.assertIn("X11", needed)
 
     def test_indirect_jumps_land_where_they_may(self):
         if "X86-64" not in output("readelf", "--file-header", self.programs[0]):

@@ -25,6 +25,7 @@ PATIENCE = 60  # seconds until a test gives up
 # Below the prefix, besides what comes with keyvora-mappings.
 INSTALLED = {
     "bin/keyvora",
+    "libexec/keyvora/keyvora-tap",
     "share/applications/org.keyvora.keyvora.desktop",
     "share/icons/hicolor/scalable/apps/keyvora.svg",
     "share/keyvora/Info.plist",

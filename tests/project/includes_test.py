@@ -27,7 +27,7 @@ FOLDERS = {
     "hosts/posix": {"platform"},
     "hosts/simulated": {"platform"},
     "hosts/x11": {"platform", "appcast", "hosts/posix", "hosts/x11/tap"},
-    "hosts/x11/tap": {"platform", "hosts/x11"},
+    "hosts/x11/tap": {"platform", "hosts/posix", "hosts/x11"},
     "hosts/macos": {"platform"},
     "tools": {"json", "mapping", "runner", "tap", "text", "platform", "hosts/simulated"},
 }

@@ -3,7 +3,7 @@
 #include <chrono>
 
 #include "hosts/x11/keyboard/current_tap.h"
-#include "hosts/x11/keyboard/verdict_limit.h"
+#include "hosts/x11/tap/records.h"
 
 namespace keyvora::x11 {
 namespace {

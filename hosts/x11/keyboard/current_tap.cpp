@@ -2,17 +2,17 @@
 
 #include <utility>
 
-#include "hosts/x11/tap/tap_thread.h"
+#include "hosts/x11/keyboard/owner_end.h"
 
 namespace keyvora::x11 {
 
-void CurrentTap::set(std::weak_ptr<TapThread> tap) {
+void CurrentTap::set(std::weak_ptr<OwnerEnd> tap) {
   const std::scoped_lock lock(mutex_);
   tap_ = std::move(tap);
 }
 
 KeyboardIsFree CurrentTap::letGo() {
-  if (const auto current = tap()) current->handover().settle();
+  if (const auto current = tap()) current->settle();
   return {};
 }
 
@@ -22,7 +22,7 @@ bool CurrentTap::inject(std::uint8_t keycode, bool down, const OwnMark& mark) {
   return current != nullptr;
 }
 
-std::shared_ptr<TapThread> CurrentTap::tap() {
+std::shared_ptr<OwnerEnd> CurrentTap::tap() {
   const std::scoped_lock lock(mutex_);
   return tap_.lock();
 }

@@ -7,7 +7,7 @@
 namespace keyvora::x11 {
 
 struct OwnMark;
-class TapThread;
+class OwnerEnd;
 
 /// Says that no key of the user's was held back for a verdict just now. Only `CurrentTap::letGo` makes one,
 /// and every way of acting on the target takes one: none can be used without letting the keyboard go first.
@@ -21,7 +21,7 @@ class KeyboardIsFree {
 class CurrentTap {
  public:
   /// From now on this one, for as long as it exists. Any thread.
-  void set(std::weak_ptr<TapThread> tap);
+  void set(std::weak_ptr<OwnerEnd> tap);
 
   /// Lets the keyboard go before the program acts. While a key waits for the tap's verdict the server holds
   /// the keyboard back, and an application that wants to open a menu or a dialog just then cannot take it.
@@ -41,10 +41,10 @@ class CurrentTap {
   bool inject(std::uint8_t keycode, bool down, const OwnMark& mark);
 
  private:
-  std::shared_ptr<TapThread> tap();
+  std::shared_ptr<OwnerEnd> tap();
 
   std::mutex mutex_;
-  std::weak_ptr<TapThread> tap_;
+  std::weak_ptr<OwnerEnd> tap_;
 };
 
 }  // namespace keyvora::x11

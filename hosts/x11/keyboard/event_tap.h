@@ -1,29 +1,56 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "hosts/x11/glib_source.h"
-#include "hosts/x11/tap/tap_thread.h"
+#include "hosts/x11/keyboard/tap_process.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {
 
-/// The main thread's end of the tap: shows the handler what the tap's thread hands over. Main thread.
+class CurrentTap;
+
+/// The main thread's side of the tap: shows the handler what the tap's program hands over, and starts a new
+/// program when that one has ended, at most once a second. Main thread.
 class EventTap : public platform::EventTap {
  public:
-  EventTap(std::shared_ptr<TapThread> thread, std::uint64_t eventMask, platform::TapHandler handler);
+  /// Hears of faults, a sentence each.
+  using Report = std::function<void(const std::string&)>;
 
-  void enable() override { thread_->enable(); }
+  /// `process` was started by `command` and is now the `current` tap.
+  EventTap(std::unique_ptr<TapProcess> process, TapCommand command, CurrentTap& current,
+           std::uint64_t eventMask, platform::TapHandler handler, Report report);
+  ~EventTap() override;
+  EventTap(const EventTap&) = delete;
+  EventTap& operator=(const EventTap&) = delete;
+
+  void enable() override;
 
  private:
+  using Clock = OwnerEnd::Clock;
+
+  void attach();
   void showEvents();
   platform::Verdict show(const platform::KeyEvent& event);
+  void lost();
+  void restart();
 
-  std::shared_ptr<TapThread> thread_;
+  std::unique_ptr<TapProcess> process_;
+  TapCommand command_;
+  CurrentTap& current_;
   std::uint64_t eventMask_;
   platform::TapHandler handler_;
-  ReadableSource source_;
+  Report report_;
+  std::optional<ReadableSource> said_;
+  std::optional<ReadableSource> received_;
+  Clock::time_point started_ = Clock::now();
+  /// The timer of the next start; 0 for none.
+  unsigned nextStart_ = 0;
 };
 
 }  // namespace keyvora::x11

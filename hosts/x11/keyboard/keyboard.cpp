@@ -6,21 +6,24 @@
 #include "hosts/x11/keyboard/event_tap.h"
 #include "hosts/x11/keyboard/poster.h"
 #include "hosts/x11/keyboard/synthetic_event.h"
-#include "hosts/x11/tap/tap_thread.h"
 
 namespace keyvora::x11 {
 
-Keyboard::Keyboard(std::string displayName, CurrentTap& currentTap)
-    : displayName_(std::move(displayName)), currentTap_(currentTap) {}
+Keyboard::Keyboard(std::string displayName, std::filesystem::path tapProgram, CurrentTap& currentTap)
+    : tapCommand_{std::move(tapProgram), std::move(displayName)}, currentTap_(currentTap) {}
 
 Keyboard::~Keyboard() = default;
 
 std::unique_ptr<platform::EventTap> Keyboard::createTap(std::uint64_t eventMask,
                                                         platform::TapHandler handler) {
-  auto thread = TapThread::start(displayName_);
-  if (!thread) return nullptr;
-  currentTap_.set(thread);
-  return std::make_unique<EventTap>(std::move(thread), eventMask, std::move(handler));
+  std::string problem;
+  auto process = TapProcess::start(tapCommand_, problem);
+  // Asked again every few seconds while there is no tap: a problem that stays is told of once.
+  if (std::exchange(problem_, problem) != problem && !problem.empty()) report(problem);
+  if (!process) return nullptr;
+  return std::make_unique<EventTap>(std::move(process), tapCommand_, currentTap_, eventMask,
+                                    std::move(handler),
+                                    [this](const std::string& sentence) { report(sentence); });
 }
 
 std::unique_ptr<platform::EventSource> Keyboard::createSource() {
@@ -38,9 +41,17 @@ std::unique_ptr<platform::SyntheticEvent> Keyboard::createEvent(const platform::
   return std::make_unique<SyntheticEvent>(std::move(posting), currentTap_, stroke);
 }
 
+void Keyboard::onFault(std::function<void(const std::string& sentence)> report) {
+  report_ = std::move(report);
+}
+
+void Keyboard::report(const std::string& sentence) {
+  if (report_) report_(sentence);
+}
+
 std::shared_ptr<Poster> Keyboard::poster() {
   const std::scoped_lock lock(posterMutex_);
-  if (!poster_) poster_ = Poster::open(displayName_);
+  if (!poster_) poster_ = Poster::open(tapCommand_.display);
   return poster_;
 }
 

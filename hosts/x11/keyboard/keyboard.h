@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 
+#include "hosts/x11/keyboard/tap_process.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {
@@ -15,8 +17,9 @@ class Poster;
 class Keyboard : public platform::Keyboard {
  public:
   /// The display of this name, or the one that DISPLAY names when it is empty. Connects when first used. A
-  /// tap that it makes becomes `currentTap`, which outlives the keyboard and its events.
-  Keyboard(std::string displayName, CurrentTap& currentTap);
+  /// tap that it makes is `tapProgram` running, and becomes `currentTap`, which outlives the keyboard and its
+  /// events.
+  Keyboard(std::string displayName, std::filesystem::path tapProgram, CurrentTap& currentTap);
   ~Keyboard() override;
 
   /// The tap's events are dispatched by GLib's default main context, ahead of timers and drawing.
@@ -25,13 +28,19 @@ class Keyboard : public platform::Keyboard {
   std::unique_ptr<platform::EventSource> createSource() override;
   std::unique_ptr<platform::SyntheticEvent> createEvent(const platform::EventSource* source,
                                                         std::uint16_t keyCode, bool down) override;
+  void onFault(std::function<void(const std::string& sentence)> report) override;
 
  private:
   /// Connects on first use; null without a display. Any thread.
   std::shared_ptr<Poster> poster();
 
-  std::string displayName_;
+  void report(const std::string& sentence);
+
+  TapCommand tapCommand_;
   CurrentTap& currentTap_;
+  std::function<void(const std::string&)> report_;
+  /// Why there was no tap, when that was last asked for.
+  std::string problem_;
   std::mutex posterMutex_;
   std::shared_ptr<Poster> poster_;
 };

@@ -88,10 +88,10 @@ void KeyReader::inject(KeyCode key, bool down, OwnMark mark) {
 
 void KeyReader::decide() {
   if (!undecided_) return;
-  auto event = undecided_->event;
+  auto press = *undecided_;
   undecided_.reset();
-  event.keyCode = key_code::none;
-  listener_.keyRead({.event = event});
+  press.event.keyCode = key_code::none;
+  listener_.keyRead({.event = press.event, .keycode = press.keycode});
 }
 
 void KeyReader::pressed(const XIRawEvent& raw) {
@@ -108,7 +108,7 @@ void KeyReader::released(const XIRawEvent& raw) {
   if (!down_[keycode]) return;
   auto event = changed(keycode, false, mark);
   if (!wasHeld_[keycode]) event.keyCode = key_code::none;
-  listener_.keyRead({.event = event});
+  listener_.keyRead({.event = event, .keycode = keycode});
 }
 
 void KeyReader::held(const XIDeviceEvent& press) {

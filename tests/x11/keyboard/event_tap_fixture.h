@@ -73,7 +73,7 @@ class EventTapTest : public testing::Test {
   PrivateDisplay display;
   Applications applications{display.name()};
   CurrentTap currentTap;
-  Keyboard keyboard{display.name(), currentTap};
+  Keyboard keyboard{display.name(), KEYVORA_TAP_PROGRAM, currentTap};
   ClientWindow target{display.name(), {}};
   Typist user{display.name(), Typist::Device::hardware};
   Catcher catcher{applications};

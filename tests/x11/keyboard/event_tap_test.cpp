@@ -14,6 +14,7 @@ namespace {
 using platform::KeyEvent;
 using platform::Verdict;
 using std::vector;
+using std::chrono::milliseconds;
 using Keys = vector<std::uint16_t>;
 
 TEST_F(EventTapTest, LettersAfterALoneOptionTapAreSwallowedAndTheRestArrives) {
@@ -170,19 +171,34 @@ TEST_F(EventTapTest, RolledOverKeysKeepTheirOrder) {
   EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
 }
 
-TEST_F(EventTapTest, RepeatedKeysAreSwallowedLikeTheFirst) {
-  Catcher three(applications, 3);
-  tapWith([&](const KeyEvent& event) { return three(event); });
+TEST_F(EventTapTest, ASwallowedKeyDoesNotRepeatUntilItIsReleased) {
+  user.setRepetition(milliseconds(200), milliseconds(25));
+  Catcher one(applications, 1);
+  tapWith([&](const KeyEvent& event) { return one(event); });
   user.tap({key::leftOption});
   user.press(key::h);
-  ASSERT_TRUE(runUntil([&] { return three.caught.size() == 3; }));
-  ASSERT_TRUE(runUntil([&] { return target.pressed().size() > 1; }))
-      << "the next repetition is not held back";
+  ASSERT_TRUE(runUntil([&] { return one.caught.size() == 1; }));
+  runUntil([] { return false; }, milliseconds(700));
+  EXPECT_EQ(one.caught, Keys{key::h});
+  EXPECT_EQ(target.pressed(), Keys{key::leftOption});
   user.release(key::h);
-  settle();
-  EXPECT_EQ(three.caught, (Keys{key::h, key::h, key::h}));
-  const auto pressed = target.pressed();
-  EXPECT_TRUE(std::all_of(pressed.begin() + 1, pressed.end(), [](auto code) { return code == key::h; }));
+
+  user.press(key::h);
+  EXPECT_TRUE(runUntil([&] { return target.pressed().size() > 4; })) << "as the user has it set";
+  user.release(key::h);
+}
+
+TEST_F(EventTapTest, ASwallowedKeyDoesNotRepeatWhileTheTapWaitsForMore) {
+  user.setRepetition(milliseconds(200), milliseconds(25));
+  tapWithCatcher();
+  user.tap({key::leftOption});
+  user.press(key::h);
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 1; }));
+  runUntil([] { return false; }, milliseconds(700));
+  EXPECT_EQ(catcher.caught, Keys{key::h});
+  user.release(key::h);
+  user.tap({key::h});
+  EXPECT_TRUE(runUntil([&] { return catcher.caught.size() == 2; })) << "and is swallowed when pressed anew";
 }
 
 TEST_F(EventTapTest, OptionWithALetterIsTheApplications) {

@@ -227,7 +227,7 @@ TEST_F(PostingTest, PostingInsideTheHandlerComesAfterTheSwallowedKeyAndDoesNotWa
 
 TEST(Posting, WithoutADisplayNothingCanBeMade) {
   CurrentTap tap;
-  Keyboard keyboard(":4711", tap);
+  Keyboard keyboard(":4711", KEYVORA_TAP_PROGRAM, tap);
   EXPECT_EQ(keyboard.createSource(), nullptr);
   EXPECT_EQ(keyboard.createEvent(nullptr, 0, true), nullptr);
   EXPECT_EQ(keyboard.createTap(keyEvents, [](const KeyEvent&) { return Verdict::pass; }), nullptr);

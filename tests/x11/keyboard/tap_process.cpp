@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "hosts/x11/applications/applications.h"
 #include "hosts/x11/display.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
@@ -14,8 +15,9 @@ int main(int argc, char** argv) {
   using namespace keyvora;
   if (argc != 2) return 2;
   x11::setDisplayLossHandler([] { std::fputs("records are safe\n", stderr); });
+  const x11::Applications applications(argv[1]);  // notices the end of the display
   x11::CurrentTap currentTap;
-  x11::Keyboard keyboard(argv[1], currentTap);
+  x11::Keyboard keyboard(argv[1], KEYVORA_TAP_PROGRAM, currentTap);
   std::unique_ptr<platform::EventTap> tap;
   const auto swallow = [](const platform::KeyEvent& event) {
     return event.type == platform::event_type::keyDown && event.userData == 0 ? platform::Verdict::swallow

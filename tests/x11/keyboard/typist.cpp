@@ -1,5 +1,6 @@
 #include "tests/x11/keyboard/typist.h"
 
+#include <X11/XKBlib.h>
 #include <X11/extensions/XInput.h>
 #include <X11/extensions/XTest.h>
 
@@ -57,6 +58,12 @@ void Typist::chord(std::initializer_list<std::uint16_t> held, std::uint16_t keyC
   for (const auto key : held) press(key);
   tap({keyCode});
   for (const auto key : held) release(key);
+}
+
+void Typist::setRepetition(std::chrono::milliseconds delay, std::chrono::milliseconds interval) {
+  Display* display = state_->connection->get();
+  XkbSetAutoRepeatRate(display, XkbUseCoreKbd, unsigned(delay.count()), unsigned(interval.count()));
+  XSync(display, False);
 }
 
 void Typist::send(std::uint16_t keyCode, bool down) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -26,6 +27,9 @@ class Typist {
 
   /// Presses and releases each key in turn.
   void tap(std::initializer_list<std::uint16_t> keyCodes);
+
+  /// How long a key is held before it repeats, and how long it takes from one repetition to the next.
+  void setRepetition(std::chrono::milliseconds delay, std::chrono::milliseconds interval);
 
   /// Presses and releases a key while others are down.
   void chord(std::initializer_list<std::uint16_t> held, std::uint16_t keyCode);

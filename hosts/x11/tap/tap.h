@@ -1,25 +1,24 @@
 #pragma once
 
-#include <atomic>
-#include <functional>
+#include <bitset>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "hosts/x11/applications/window_list.h"
 #include "hosts/x11/display.h"
-#include "hosts/x11/keyboard/handover.h"
 #include "hosts/x11/keyboard/key_map.h"
 #include "hosts/x11/tap/key_grabs.h"
 #include "hosts/x11/tap/key_reader.h"
+#include "hosts/x11/tap/tap_end.h"
 
 namespace keyvora::x11 {
 
-/// The tap's own thread and connection. It decides nothing: it carries key events to the main thread, waits
-/// for verdicts while the server holds the keyboard, and lets go when one takes too long. Only the connection
-/// that grabbed a frozen keyboard can free it, so this thread never waits for anything else.
+/// What the tap's program does, on its one thread and connection. It decides nothing: it carries key events
+/// to its owner, waits for verdicts while the server holds the keyboard, and lets go when one takes too long.
+/// Only the connection that grabbed a frozen keyboard can free it, so it is in no process that may stand
+/// still, and it never waits for anything else.
 ///
 /// Which keys are grabbed. Ordinary typing is left alone: as long as the handler cannot be about to swallow,
 /// only the Option keys are grabbed. From an Option press on every key is, before the press goes on to its
@@ -34,43 +33,42 @@ namespace keyvora::x11 {
 /// While only the Option keys are grabbed the reader rests, as soon as no modifier key is down: nothing of
 /// what is typed then reaches this process, in the target or elsewhere, until the next Option press in the
 /// target.
-class TapThread : private KeyListener {
+class Tap : private KeyListener {
  public:
-  /// Starts the thread, with the tap switched off; null when the display lacks something, another tap is
-  /// there, or another program holds the target's keys. Main thread.
-  static std::shared_ptr<TapThread> start(const std::string& displayName);
+  using Clock = TapEnd::Clock;
 
-  /// Ends the thread; a key that is held back goes to its window. Main thread.
-  ~TapThread() override;
-  TapThread(const TapThread&) = delete;
-  TapThread& operator=(const TapThread&) = delete;
+  /// Connects, switched off; null when the display lacks something, another tap is there, or another program
+  /// holds the target's keys. The owner's end outlives the tap.
+  static std::unique_ptr<Tap> open(const std::string& displayName, TapEnd& owner);
 
-  /// Grabs, and waits until that is done, for a moment at the most. Any thread but the tap's own.
-  void enable();
+  /// Lets go of everything; a key that is held back goes to its window.
+  ~Tap() override;
+  Tap(const Tap&) = delete;
+  Tap& operator=(const Tap&) = delete;
 
-  /// Injects a key with XTEST from the tap's connection, which is how the tap knows it again. Any thread.
-  void inject(KeyCode key, bool down, OwnMark mark);
+  /// Works until the owner has closed its end: the steps below, again and again.
+  void run();
 
-  Handover& handover() { return handover_; }
+  /// Does what the owner has said.
+  void heedOwner();
+
+  /// Reads what the server has said.
+  void readEvents();
+
+  /// Ends the repetition of a key that is held back for long, and gives up on an owner that takes too long.
+  void keepTime(Clock::time_point now);
 
  private:
-  using Command = std::function<void()>;
-
-  TapThread(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices);
+  Tap(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices, TapEnd& owner);
 
   [[nodiscard]] bool mayBeHeld(std::uint16_t keyCode) const override;
   void keyRead(const ReadKey& key) override;
 
   bool claim();
-  void send(Command command);
-  void run();
-  void runCommands();
-  void readEvents();
+  void disclaim();
+  void enable();
   void notice(XEvent& event);
-  void answerVerdict();
   void letGo(platform::Verdict verdict);
-  void stopRepeating();
-  void giveUpOnMain();
   void passed(const platform::KeyEvent& event);
   void follow(KeyGrabs::Extent extent);
   [[nodiscard]] std::vector<Window> targetWindows() const;
@@ -78,23 +76,19 @@ class TapThread : private KeyListener {
 
   std::unique_ptr<Connection> connection_;
   int opcode_;
+  TapEnd& owner_;
   KeyMap keys_;
   WindowList windows_;
   KeyGrabs grabs_;
   KeyReader reader_;
-  Handover handover_;
 
-  // The thread's own.
   bool enabled_ = false;
   bool mayBeArmed_ = false;
   std::optional<ReadKey> held_;
   /// When the held key is to stop repeating; none when it has, or repeats no more.
-  std::optional<Handover::Clock::time_point> repeatEnd_;
-
-  std::mutex commandMutex_;
-  std::vector<Command> commands_;
-  std::atomic<bool> stopping_ = false;
-  std::thread thread_;
+  std::optional<Clock::time_point> repeatEnd_;
+  /// The keys that were swallowed and are still down, by the display's numbers.
+  std::bitset<256> swallowed_;
 };
 
 }  // namespace keyvora::x11

@@ -1,4 +1,4 @@
-#include "hosts/x11/tap/tap_thread.h"
+#include "hosts/x11/tap/tap.h"
 
 #include <X11/XKBlib.h>
 #include <X11/extensions/XInput2.h>
@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <future>
 #include <utility>
 
 #include "hosts/x11/keyboard/key_codes.h"
@@ -18,11 +17,11 @@ namespace {
 using platform::Verdict;
 namespace event_type = platform::event_type;
 
-/// For a few round trips to the server: who asks for the tap may take it that keys are caught from then on.
-constexpr std::chrono::milliseconds grabbingLimit{250};
-
 /// Well before a key begins to repeat, which takes 200 ms at the very least, and long for a verdict.
 constexpr std::chrono::milliseconds longestRepeating{100};
+
+/// A button that no pointer has.
+constexpr int noPointersButton = 255;
 
 bool hasKeyExtensions(Display* display) {
   int unused = 0;
@@ -36,57 +35,38 @@ bool hasKeyExtensions(Display* display) {
 
 }  // namespace
 
-std::shared_ptr<TapThread> TapThread::start(const std::string& displayName) {
+std::unique_ptr<Tap> Tap::open(const std::string& displayName, TapEnd& owner) {
   auto connection = Connection::open(displayName);
   if (!connection) return nullptr;
   const auto opcode = xinputOpcode(connection->get());
   const auto devices = findKeyDevices(connection->get());
   if (!opcode || !devices || !hasKeyExtensions(connection->get())) return nullptr;
 
-  std::shared_ptr<TapThread> tap(new TapThread(std::move(connection), *opcode, *devices));
+  std::unique_ptr<Tap> tap(new Tap(std::move(connection), *opcode, *devices, owner));
   if (!tap->claim()) return nullptr;
-  tap->thread_ = std::thread([raw = tap.get()] { raw->run(); });
   return tap;
 }
 
-TapThread::TapThread(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices)
+Tap::Tap(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices, TapEnd& owner)
     : connection_(std::move(connection)),
       opcode_(opcode),
+      owner_(owner),
       keys_(connection_->get()),
       windows_(connection_->get()),
       grabs_(connection_->get(), devices.master),
       reader_(connection_->get(), devices, keys_, *this) {}
 
-TapThread::~TapThread() {
-  if (!thread_.joinable()) return;
-  stopping_ = true;
-  handover_.toTap().signal();
-  thread_.join();
-}
-
-void TapThread::enable() {
-  const auto grabbed = std::make_shared<std::promise<void>>();
-  const auto done = grabbed->get_future();
-  send([this, grabbed] {
-    if (!enabled_) {
-      enabled_ = true;
-      reader_.resynchronise();  // what was read while the tap was off was not followed
-      follow(mayBeArmed_ ? KeyGrabs::Extent::everyKey : KeyGrabs::Extent::option);
-    }
-    grabbed->set_value();
-  });
-  done.wait_for(grabbingLimit);
-}
-
-void TapThread::inject(KeyCode key, bool down, OwnMark mark) {
-  send([this, key, down, mark] { reader_.inject(key, down, mark); });
+Tap::~Tap() {
+  grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
+  letGo(Verdict::pass);
+  disclaim();
+  XSync(connection_->get(), False);
 }
 
 /// Makes this the session's only tap, with what X has that only one client can hold and that ends with its
-/// connection, however that ends: the passive grab of a button, one that no pointer has. It is refused to a
-/// second tap even while the target has no window whose keys could be.
-bool TapThread::claim() {
-  constexpr int noPointersButton = 255;
+/// connection, however that ends: the passive grab of a button. It is refused to a second tap even while the
+/// target has no window whose keys could be.
+bool Tap::claim() {
   XIEventMask nothing{.deviceid = XIAllMasterDevices, .mask_len = 0, .mask = nullptr};
   XIGrabModifiers modifiers{.modifiers = int(XIAnyModifier), .status = 0};
   const int refused =
@@ -100,37 +80,45 @@ bool TapThread::claim() {
   return granted;
 }
 
-void TapThread::send(Command command) {
-  {
-    const std::scoped_lock lock(commandMutex_);
-    commands_.push_back(std::move(command));
-  }
-  handover_.toTap().signal();
+void Tap::disclaim() {
+  XIGrabModifiers modifiers{.modifiers = int(XIAnyModifier), .status = 0};
+  XIUngrabButton(connection_->get(), XIAllMasterDevices, noPointersButton, connection_->root(), 1,
+                 &modifiers);
 }
 
-void TapThread::run() {
-  while (!stopping_) {
-    runCommands();
-    answerVerdict();
+void Tap::run() {
+  for (;;) {
+    heedOwner();
+    if (owner_.ended()) return;
     readEvents();
-    stopRepeating();
-    giveUpOnMain();
+    keepTime(Clock::now());
     wait();
   }
-  grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
-  letGo(Verdict::pass);
 }
 
-void TapThread::runCommands() {
-  std::vector<Command> commands;
-  {
-    const std::scoped_lock lock(commandMutex_);
-    commands.swap(commands_);
+void Tap::heedOwner() {
+  while (const auto wanted = owner_.next()) {
+    if (wanted->kind == OwnerRecord::Kind::enable) enable();
+    if (wanted->kind == OwnerRecord::Kind::inject)
+      reader_.inject(wanted->keycode, wanted->down, wanted->mark);
   }
-  for (const auto& command : commands) command();
+  const auto verdict = owner_.takeVerdict();
+  if (!verdict) return;
+  letGo(*verdict);
+  owner_.released();
 }
 
-void TapThread::readEvents() {
+void Tap::enable() {
+  if (!enabled_) {
+    enabled_ = true;
+    reader_.resynchronise();  // the owner was not told of what was read while the tap was off
+    follow(mayBeArmed_ ? KeyGrabs::Extent::everyKey : KeyGrabs::Extent::option);
+    XSync(connection_->get(), False);
+  }
+  owner_.enabled();
+}
+
+void Tap::readEvents() {
   Display* display = connection_->get();
   while (XPending(display) > 0) {
     XEvent event;
@@ -144,7 +132,7 @@ void TapThread::readEvents() {
   }
 }
 
-void TapThread::notice(XEvent& event) {
+void Tap::notice(XEvent& event) {
   if (event.type == GenericEvent && event.xcookie.extension == opcode_) {
     if (!XGetEventData(connection_->get(), &event.xcookie)) return;
     reader_.notice(event.xcookie);
@@ -154,41 +142,43 @@ void TapThread::notice(XEvent& event) {
   }
 }
 
-bool TapThread::mayBeHeld(std::uint16_t keyCode) const {
+bool Tap::mayBeHeld(std::uint16_t keyCode) const {
   if (grabs_.windows().empty()) return false;
   return grabs_.extent() == KeyGrabs::Extent::everyKey ||
          (grabs_.extent() == KeyGrabs::Extent::option && key_code::isOption(keyCode));
 }
 
-void TapThread::keyRead(const ReadKey& key) {
+void Tap::keyRead(const ReadKey& key) {
   const bool isHeld = key.heldSince.has_value();
+  if (key.repeated && swallowed_[key.keycode]) {
+    if (isHeld) grabs_.swallow(*key.heldSince);
+    return;
+  }
+  swallowed_.reset(key.keycode);
   const bool repeatedModifier = key.repeated && key.event.type == event_type::flagsChanged;
   if (!enabled_ || repeatedModifier) {
     if (isHeld) grabs_.replay(*key.heldSince);
   } else if (isHeld) {
-    const auto now = Handover::Clock::now();
+    const auto now = Clock::now();
     held_ = key;
     repeatEnd_ = now + longestRepeating;
-    handover_.ask(key.event, now);
+    owner_.ask(key.event, now);
   } else {
-    handover_.tell(key.event, Handover::Clock::now());
+    owner_.tell(key.event, Clock::now());
     passed(key.event);
   }
 }
 
-void TapThread::answerVerdict() {
-  const auto verdict = handover_.verdict();
-  if (!verdict) return;
-  letGo(*verdict);
-  handover_.released();
-}
-
-void TapThread::letGo(Verdict verdict) {
+void Tap::letGo(Verdict verdict) {
   if (!held_) return;
   const auto key = *std::exchange(held_, std::nullopt);
-  repeatEnd_.reset();
+  const bool mayRepeat = std::exchange(repeatEnd_, std::nullopt).has_value();
   if (verdict == Verdict::swallow) {
+    swallowed_.set(key.keycode);
     grabs_.swallow(*key.heldSince);
+    // For as long as it is down: what the owner swallowed once must not begin to write into the window when
+    // the owner waits for letters no more.
+    if (mayRepeat) grabs_.stopRepeating(key.keycode);
   } else {
     if (enabled_ && key_code::isOption(key.event.keyCode) && key.event.userData == 0) {
       mayBeArmed_ = true;
@@ -202,7 +192,7 @@ void TapThread::letGo(Verdict verdict) {
 }
 
 /// Listens less where the handler lets this event pass, or could not do otherwise.
-void TapThread::passed(const platform::KeyEvent& event) {
+void Tap::passed(const platform::KeyEvent& event) {
   const bool withOption = (event.flags & platform::event_flag::option) != 0;
   const bool isOwn = event.userData != 0;
   if (event.type == event_type::keyDown && !withOption && !isOwn && mayBeArmed_) {
@@ -212,28 +202,27 @@ void TapThread::passed(const platform::KeyEvent& event) {
   if (!mayBeArmed_) reader_.rest();
 }
 
-void TapThread::stopRepeating() {
-  if (!repeatEnd_ || Handover::Clock::now() < *repeatEnd_) return;
-  grabs_.stopRepeating(held_->keycode);
-  repeatEnd_.reset();
-}
-
-void TapThread::giveUpOnMain() {
-  if (!handover_.expire(Handover::Clock::now())) return;
+void Tap::keepTime(Clock::time_point now) {
+  if (repeatEnd_ && now >= *repeatEnd_) {
+    grabs_.stopRepeating(held_->keycode);
+    repeatEnd_.reset();
+  }
+  if (!owner_.expire(now)) return;
   enabled_ = false;
   mayBeArmed_ = true;
   // The grabs first: a key that waits behind the one that is let go would be caught by them.
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
   letGo(Verdict::pass);
+  XFlush(connection_->get());
 }
 
-void TapThread::follow(KeyGrabs::Extent extent) {
+void Tap::follow(KeyGrabs::Extent extent) {
   if (!enabled_) return;
   if (extent == KeyGrabs::Extent::everyKey) reader_.attend();
   grabs_.apply(extent, targetWindows(), keys_);
 }
 
-std::vector<Window> TapThread::targetWindows() const {
+std::vector<Window> Tap::targetWindows() const {
   std::vector<Window> targets;
   for (const auto& window : windows_.windows()) {
     if (!window.bundleIdentifier.empty()) targets.push_back(window.window);
@@ -241,21 +230,20 @@ std::vector<Window> TapThread::targetWindows() const {
   return targets;
 }
 
-void TapThread::wait() {
+void Tap::wait() {
   Display* display = connection_->get();
   XFlush(display);
   if (XEventsQueued(display, QueuedAlready) > 0) return;
-  auto end = handover_.deadline();
+  auto end = owner_.deadline();
   if (repeatEnd_ && (!end || *repeatEnd_ < *end)) end = repeatEnd_;
   int limit = -1;
   if (end) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end - Handover::Clock::now());
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end - Clock::now());
     limit = int(std::clamp(left, std::chrono::milliseconds(0), verdictLimit).count());
   }
   std::array<pollfd, 2> sources{
-      {{connection_->fileDescriptor(), POLLIN, 0}, {handover_.toTap().fileDescriptor(), POLLIN, 0}}};
+      {{connection_->fileDescriptor(), POLLIN, 0}, {owner_.fileDescriptor(), owner_.awaited(), 0}}};
   poll(sources.data(), sources.size(), limit);
-  if ((sources[1].revents & POLLIN) != 0) handover_.toTap().clear();
 }
 
 }  // namespace keyvora::x11

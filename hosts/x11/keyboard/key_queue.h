@@ -1,0 +1,57 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <optional>
+#include <utility>
+
+#include "hosts/posix/undumped.h"
+#include "hosts/x11/tap/records.h"
+
+namespace keyvora::x11 {
+
+/// Events that wait to be shown, the oldest first. Allocates nothing once it is made. An event is cleared
+/// from memory when it is taken, and no core dump has those that wait.
+class KeyQueue {
+ public:
+  [[nodiscard]] bool isEmpty() const { return count_ == 0; }
+  [[nodiscard]] bool isFull() const { return count_ == capacity; }
+
+  /// The queue must have room.
+  void push(const TapRecord& record) {
+    at(count_) = record;
+    ++count_;
+  }
+
+  std::optional<TapRecord> take() {
+    if (isEmpty()) return std::nullopt;
+    const auto taken = at(0);
+    explicit_bzero(&at(0), sizeof(TapRecord));
+    first_ = (first_ + 1) % capacity;
+    --count_;
+    return taken;
+  }
+
+  /// The event that came last; there must be one.
+  TapRecord& last() { return at(count_ - 1); }
+
+  void clear() {
+    while (take()) {
+    }
+  }
+
+  /// All of its memory.
+  [[nodiscard]] const auto& memory() const { return *ring_; }
+
+ private:
+  static constexpr std::size_t capacity = 512;  // more than a tap is owed
+
+  TapRecord& at(std::size_t place) { return (*ring_)[(first_ + place) % capacity]; }
+
+  posix::Undumped<std::array<TapRecord, capacity>> ring_;
+  std::size_t first_ = 0;
+  std::size_t count_ = 0;
+};
+
+}  // namespace keyvora::x11

@@ -1,0 +1,193 @@
+#include "hosts/x11/keyboard/owner_end.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "platform/key_code.h"
+
+namespace keyvora::x11 {
+namespace {
+
+using platform::KeyEvent;
+using platform::Verdict;
+using std::chrono::milliseconds;
+
+/// For a few round trips to the server: who asks for the tap may take it that keys are caught from then on.
+constexpr milliseconds grabbingLimit{250};
+
+/// For a tap to take records from a full socket. It does nothing that lasts.
+constexpr milliseconds sendingLimit{250};
+
+/// How long a wait may overlook that another thread has received what it waits for.
+constexpr milliseconds longestPoll{10};
+
+void awaitFile(int file, short what, milliseconds limit) {
+  pollfd source{file, what, 0};
+  poll(&source, 1, int(std::max(limit, milliseconds(0)).count()));
+}
+
+}  // namespace
+
+bool OwnerEnd::awaitReady(Clock::time_point until) {
+  Lock lock(mutex_);
+  await(lock, until, [this] { return ready_.has_value(); });
+  return ready_.value_or(false);
+}
+
+void OwnerEnd::enable() {
+  Lock lock(mutex_);
+  enabled_ = false;
+  say({.kind = OwnerRecord::Kind::enable});
+  await(lock, Clock::now() + grabbingLimit, [this] { return enabled_; });
+}
+
+std::optional<KeyEvent> OwnerEnd::next(Clock::time_point now) {
+  const Lock lock(mutex_);
+  receive();
+  if (std::exchange(disabledToTell_, false)) {
+    return KeyEvent{.type = platform::event_type::tapDisabledByTimeout};
+  }
+  while (const auto record = queue_.take()) {
+    const bool asked = record->kind == TapRecord::Kind::asked;
+    const Clock::time_point since{std::chrono::nanoseconds(record->since)};
+    if (now - since > verdictLimit) {
+      // The tap is about to say that it has let it go.
+      if (asked) asked_ = Asked::nothing;
+      continue;
+    }
+    shown_ = {record->number, asked};
+    if (asked) asked_ = Asked::shown;
+    return record->event;
+  }
+  if (acknowledged_ < lastHandled_) {
+    acknowledged_ = lastHandled_;
+    say({.kind = OwnerRecord::Kind::handled, .number = lastHandled_});
+  }
+  return std::nullopt;
+}
+
+void OwnerEnd::handled(Verdict verdict) {
+  const Lock lock(mutex_);
+  if (!shown_) return;
+  const auto shown = *std::exchange(shown_, std::nullopt);
+  lastHandled_ = shown.number;
+  if (shown.asked && asked_ == Asked::shown) decide(verdict);
+}
+
+bool OwnerEnd::finish(Clock::time_point until) {
+  Lock lock(mutex_);
+  socket_.finish();
+  return await(lock, until, [this] { return socket_.ended(); });
+}
+
+void OwnerEnd::settle() {
+  Lock lock(mutex_);
+  receiveElsewhere();
+  if (asked_ == Asked::nothing) return;
+  if (std::this_thread::get_id() == mainThread_) {
+    // A key typed since the one being decided waits for its turn: it may begin the next sequence.
+    if (asked_ == Asked::waiting && shown_) return;
+    if (asked_ == Asked::shown) decide(Verdict::swallow);
+    if (asked_ == Asked::waiting) passUnseen();
+  }
+  const auto question = question_;
+  say({.kind = OwnerRecord::Kind::settle, .number = question});
+  await(lock, Clock::now() + verdictLimit,
+        [this, question] { return asked_ == Asked::nothing || question_ != question; });
+}
+
+void OwnerEnd::inject(std::uint8_t keycode, bool down, const OwnMark& mark) {
+  const Lock lock(mutex_);
+  say({.kind = OwnerRecord::Kind::inject, .keycode = keycode, .down = down, .mark = mark});
+}
+
+bool OwnerEnd::ended() {
+  const Lock lock(mutex_);
+  return stuck_ || socket_.ended();
+}
+
+void OwnerEnd::receive() {
+  while (auto record = socket_.receive()) {
+    take(*record);
+    explicit_bzero(&*record, sizeof(TapRecord));
+  }
+  if (socket_.ended()) asked_ = Asked::nothing;
+}
+
+/// Receives outside `next`. What came is not the socket's to announce to the main thread any more.
+void OwnerEnd::receiveElsewhere() {
+  receive();
+  if (!queue_.isEmpty() || disabledToTell_ || socket_.ended()) toMain_.signal();
+}
+
+void OwnerEnd::take(const TapRecord& record) {
+  switch (record.kind) {
+    case TapRecord::Kind::ready:
+      ready_ = record.number == recordsVersion;
+      break;
+    case TapRecord::Kind::refused:
+      ready_ = false;
+      break;
+    case TapRecord::Kind::enabled:
+      enabled_ = true;
+      break;
+    case TapRecord::Kind::asked:
+      asked_ = Asked::waiting;
+      question_ = record.number;
+      [[fallthrough]];
+    case TapRecord::Kind::told:
+      if (!queue_.isFull()) queue_.push(record);
+      break;
+    case TapRecord::Kind::released:
+      if (record.number == question_) asked_ = Asked::nothing;
+      break;
+    case TapRecord::Kind::disabled:
+      // Records keep their order: all that wait here are older.
+      queue_.clear();
+      shown_.reset();
+      asked_ = Asked::nothing;
+      disabledToTell_ = true;
+      break;
+  }
+}
+
+/// Receives until the condition holds, the tap has ended or time is up; whether it holds. The lock is free
+/// while nothing comes.
+bool OwnerEnd::await(Lock& lock, Clock::time_point until, const std::function<bool()>& condition) {
+  for (;;) {
+    receiveElsewhere();
+    const auto left = std::chrono::ceil<milliseconds>(until - Clock::now());
+    if (condition() || socket_.ended() || left <= milliseconds(0)) return condition();
+    lock.unlock();
+    awaitFile(socket_.fileDescriptor(), POLLIN, std::min(left, longestPoll));
+    lock.lock();
+  }
+}
+
+void OwnerEnd::say(const OwnerRecord& record) {
+  if (stuck_ || socket_.send(record)) return;
+  awaitFile(socket_.fileDescriptor(), POLLOUT, sendingLimit);
+  if (socket_.send(record)) return;
+  stuck_ = true;
+  toMain_.signal();
+}
+
+void OwnerEnd::decide(Verdict verdict) {
+  asked_ = Asked::decided;
+  acknowledged_ = question_;
+  say({.kind = OwnerRecord::Kind::verdict, .number = question_, .verdict = verdict});
+}
+
+void OwnerEnd::passUnseen() {
+  // The event asked about is the last: the keyboard stands still behind it. It is still told of, and a key of
+  // the user's as one that could not be held back.
+  auto& last = queue_.last();
+  last.kind = TapRecord::Kind::told;
+  if (last.event.userData == 0) last.event.keyCode = platform::key_code::none;
+  decide(Verdict::pass);
+}
+
+}  // namespace keyvora::x11

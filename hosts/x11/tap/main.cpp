@@ -1,0 +1,72 @@
+// The tap's program: `keyvora-tap [DISPLAY]`, started by keyvora with one end of a pair of sockets as file 3.
+
+#include <X11/Xlib.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <fstream>
+
+#include "hosts/x11/tap/tap.h"
+
+namespace keyvora::x11 {
+namespace {
+
+/// Of all that a terminal, a session or a user sends, nothing ends or stops this program: with the keyboard
+/// in hand it has to let go first, and it does when its owner ends.
+void ignoreSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) {
+    std::signal(signal, SIG_IGN);
+    sigaddset(&signals, signal);
+  }
+  sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+/// Keys pass through Xlib's memory, too: nothing of this process goes into a core dump.
+void keepOutOfCoreDumps() {
+  std::ofstream("/proc/self/coredump_filter") << "0\n";
+}
+
+bool isPair(int file) {
+  int type = 0;
+  socklen_t size = sizeof type;
+  return getsockopt(file, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET;
+}
+
+/// The owner has lost the display as well. It says so, and is to find that out by itself and not by the end
+/// of its tap.
+[[noreturn]] int endWithTheDisplay(Display* /*display*/) {
+  constexpr int limitMilliseconds = 1000;
+  pollfd end{tapSocket, POLLRDHUP, 0};
+  poll(&end, 1, limitMilliseconds);
+  _exit(1);
+}
+
+int run(const char* displayName) {
+  TapEnd owner{posix::FileDescriptor(tapSocket)};
+  const auto tap = Tap::open(displayName, owner);
+  owner.introduce(tap != nullptr);
+  if (!tap) return 1;
+  XSetIOErrorHandler(endWithTheDisplay);
+  tap->run();
+  return 0;
+}
+
+}  // namespace
+}  // namespace keyvora::x11
+
+int main(int argc, char** argv) {
+  using namespace keyvora::x11;
+  ignoreSignals();
+  keepOutOfCoreDumps();
+  if (!isPair(tapSocket)) {
+    std::fputs("keyvora-tap: This program is a part of keyvora, which starts it.\n", stderr);
+    return 2;
+  }
+  return run(argc > 1 ? argv[1] : "");
+}
