@@ -24,6 +24,10 @@ if(KEYVORA_SANITIZE)
     -fsanitize=${KEYVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(keyvora_options INTERFACE -fsanitize=${KEYVORA_SANITIZE})
 endif()
+if(KEYVORA_COVERAGE)
+  target_compile_options(keyvora_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(keyvora_options INTERFACE --coverage)
+endif()
 if(KEYVORA_FUZZ)
   # Everything reports its coverage to the fuzzers.
   target_compile_options(keyvora_options INTERFACE -fsanitize=fuzzer-no-link)
@@ -36,6 +40,21 @@ function(keyvora_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
   add_library(keyvora_${name} STATIC ${ARG_SOURCES})
   target_link_libraries(keyvora_${name} PUBLIC keyvora_options ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+endfunction()
+
+# keyvora_reports_at_exit(TARGET): a program that ends by _exit, which runs nothing registered for the end, still writes
+# its coverage and looks for leaks in the builds that are for that. Other builds are not touched.
+function(keyvora_reports_at_exit name)
+  if(KEYVORA_COVERAGE)
+    set(sources tests/support/exit_with_coverage.cpp)
+  elseif(KEYVORA_SANITIZE MATCHES "address" AND NOT APPLE)
+    set(sources tests/support/exit_with_leaks.cpp tests/x11/leak_suppressions.cpp)
+  else()
+    return()
+  endif()
+  list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/)
+  target_sources(${name} PRIVATE ${sources})
+  target_link_options(${name} PRIVATE -Wl,--wrap=_exit)
 endfunction()
 
 # keyvora_test(NAME SOURCES... LINK targets...): a GoogleTest program that CTest runs test by test.
