@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+
+namespace keyvora::stand_in {
+
+/// What happened to the stand-in, one line for each event: milliseconds since the start, a tabulator, what it
+/// was. Main thread.
+class Record {
+ public:
+  /// Appends to the file; without one that can be opened, to standard output.
+  explicit Record(const char* path);
+  ~Record();
+  Record(const Record&) = delete;
+  Record& operator=(const Record&) = delete;
+
+  /// Written through at once: a reader waits for it.
+  void line(const std::string& text);
+
+ private:
+  std::FILE* file_;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+/// The one of this program, in the file that the environment's KEYVORA_STAND_IN_RECORD names or, since `open`
+/// hands on no environment, the argument after "--record".
+Record& record();
+
+}  // namespace keyvora::stand_in
