@@ -7,7 +7,7 @@ import subprocess
 from pathlib import Path
 from typing import Any
 
-from . import x11
+from . import notifier, x11
 from .children import stop
 from .private_desktop import PrivateDesktop
 from .waiting import until
@@ -50,7 +50,7 @@ class Keyvora:
               or process.poll() is not None, "the tap to be installed", 20, seen=self.log.messages)
         if process.poll() is not None:
             raise AssertionError(f"keyvora ended with {process.returncode}:\n{self.console.read_text()}")
-        until(lambda: self.status() == "⌥", "the status item in the tray", 10, seen=self.status)
+        until(lambda: self.status() == "⌥", "the status item in the tray or panel", 10, seen=self.status)
 
     def stop(self) -> int:
         """Ends the program as a user's session does. Returns its exit status."""
@@ -77,8 +77,11 @@ class Keyvora:
         return self._process.pid
 
     def status(self) -> str:
-        """The text of its status item as shown in the tray; empty when there is none."""
-        return self._status_item()[1]
+        """The text of its status item as a panel or the tray has it; empty when none has."""
+        return self._status_item()[1] or self._notifier_title()
+
+    def _notifier_title(self) -> str:
+        return notifier.title(self._process.pid) if self._process else ""
 
     def status_window(self) -> str:
         """The id of its status item's window; empty when there is none."""

@@ -40,15 +40,16 @@ _OPENBOX = """<?xml version="1.0" encoding="UTF-8"?>
 class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
     """Stands from `with` to its end. `home` is the user's home, `folder` holds everything that was written.
 
-    `tray` and `accessibility` leave out a part, for what happens on a desktop without it. The folder is
-    removed at the end, unless `keep` names one.
+    `tray`, `window_manager` and `accessibility` leave out a part, for what happens on a desktop without it. The
+    folder is removed at the end, unless `keep` names one.
     """
 
     def __init__(self, *, size: str = "1280x800", keep: Path | None = None, tray: bool = True,
-                 accessibility: bool = True) -> None:
+                 window_manager: bool = True, accessibility: bool = True) -> None:
         self._size = size
         self._keep = keep
         self._tray = tray
+        self._window_manager = window_manager
         self._accessibility = accessibility
         self.folder = Path()
         self.home = Path()
@@ -100,7 +101,8 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
             self._start_accessibility_bus()
         else:
             os.environ["NO_AT_BRIDGE"] = "1"
-        self.start_window_manager()
+        if self._window_manager:
+            self.start_window_manager()
         if self._tray:
             self.start_tray()
 

@@ -68,10 +68,10 @@ def window_area(window: str) -> Area | None:
     return Area(*found) if len(found) == 4 else None
 
 
-def click(area: Area) -> None:
+def click(area: Area, button: int = 1) -> None:
     """Clicks the middle of an area, as a user does with the mouse."""
     x, y = area.x + area.width // 2, area.y + area.height // 2
-    subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True)
+    subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)], check=True)
 
 
 def _output(command: list[str]) -> str:

@@ -13,6 +13,7 @@ import unittest
 from pathlib import Path
 from typing import Any, TypeAlias
 
+from harness.panels import PANELS
 from harness.private_desktop import PrivateDesktop
 
 SKIPPED = 77
@@ -26,14 +27,22 @@ def main() -> int:
     if not kind.is_installed():
         print(f"{kind.program} is not installed")
         return SKIPPED
+    panel = PANELS.get(arguments.panel)
+    if panel and not panel.is_installed():
+        print(f"{panel.program} is not installed")
+        return SKIPPED
     # A call into the accessibility library cannot be interrupted: say where it stands if it never returns.
     faulthandler.dump_traceback_later(arguments.limit, exit=True)
-    with PrivateDesktop() as desktop:
+    with PrivateDesktop(tray=not panel, window_manager=not panel or not panel.is_window_manager) as desktop:
         from .desktop_test import DesktopTest, Environment
-        DesktopTest.environment = Environment(desktop, arguments.keyvora, arguments.typist, kind(desktop))
+        shown_in = panel(desktop.children, desktop.home) if panel else None
+        if shown_in:
+            shown_in.start()
+        DesktopTest.environment = Environment(desktop, arguments.keyvora, arguments.typist, kind(desktop), shown_in,
+                                              arguments.pictures)
         names = [f"suite.{name}" for name in arguments.tests or every_module()]
         suite = unittest.defaultTestLoader.loadTestsFromNames(names)
-        Result.artifacts = arguments.artifacts / arguments.target
+        Result.artifacts = arguments.artifacts / (arguments.panel or arguments.target)
         runner = unittest.TextTestRunner(sys.stdout, verbosity=2, resultclass=Result)
         result = runner.run(suite)
         if result.skipped and len(result.skipped) == result.testsRun:
@@ -44,6 +53,8 @@ def main() -> int:
 def parse() -> argparse.Namespace:
     parser = argparse.ArgumentParser(prog="suite", description="The end-to-end tests.")
     parser.add_argument("--target", choices=["gnumeric", "calc"], default="gnumeric")
+    parser.add_argument("--panel", choices=sorted(PANELS), help="what shows the status item; a system tray without")
+    parser.add_argument("--pictures", type=Path, default=Path("pictures"), help="the folder for what a person looks at")
     parser.add_argument("--keyvora", type=Path, required=True, help="the program under test")
     parser.add_argument("--typist", type=Path, required=True, help="keyvora-typist")
     parser.add_argument("--artifacts", type=Path, default=Path("desktop-failures"))

@@ -7,6 +7,7 @@ from pathlib import Path
 from typing import ClassVar
 
 from harness.keyvora import Document, Keyvora
+from harness.panels import Panel
 from harness.private_desktop import PrivateDesktop
 from harness.spreadsheet import Spreadsheet
 from harness.typist import Typist
@@ -37,6 +38,10 @@ class Environment:
     keyvora: Path
     typist: Path
     sheet: Spreadsheet | None
+    # What shows the status item; a system tray when there is none.
+    panel: Panel | None = None
+    # Where pictures for a person go.
+    pictures: Path = Path("pictures")
 
 
 class DesktopTest(unittest.TestCase):
