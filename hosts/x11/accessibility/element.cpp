@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "hosts/x11/accessibility/accessibility_calls.h"
+#include "hosts/x11/accessibility/exported_menus.h"
 #include "hosts/x11/accessibility/menu_bar_search.h"
 #include "hosts/x11/keyboard/current_tap.h"
 
@@ -25,6 +26,7 @@ constexpr std::int32_t actionUnsupported = -25206;
 }  // namespace ax_error
 
 constexpr int mostChildren = 1000;
+constexpr int deepestMenu = 16;
 
 /// Something in a menu bar, the menu bar itself included.
 class MenuElement final : public platform::Element {
@@ -67,7 +69,23 @@ class MenuElement final : public platform::Element {
     const auto nested = isNestedSubmenu();
     if (!nested) return ax_error::cannotComplete;
     if (*nested) return ax_error::actionUnsupported;
+    if (calls_->press(accessible_, free)) return 0;
+    // It may be grey only because its menu was not open since: a user would have opened it.
+    if (calls_->gaveUp() || !refresh()) return ax_error::cannotComplete;
     return calls_->press(accessible_, free) ? 0 : ax_error::cannotComplete;
+  }
+
+  /// Brings the menus that lead here up to date; false where they always are.
+  bool refresh() {
+    std::vector<std::string> titles;
+    auto menu = calls_->parent(accessible_);
+    for (int depth = 0; menu && depth < deepestMenu; ++depth) {
+      if (calls_->role(menu) == ATSPI_ROLE_MENU_BAR) break;
+      titles.insert(titles.begin(), calls_->name(menu).value_or(""));
+      menu = calls_->parent(menu);
+    }
+    const auto process = calls_->process(accessible_);
+    return process && refreshMenus(static_cast<platform::ProcessIdentifier>(*process), titles);
   }
 
   /// An item with a submenu of its own inside a menu. Pressing it opens that menu without what GTK needs to

@@ -12,6 +12,8 @@ struct FreeData {
 
 constexpr int numberFormat = 32;
 constexpr long mostNumbers = 4096;  // windows on one desktop
+constexpr int textFormat = 8;
+constexpr long longestText = 1024;  // in units of four bytes
 
 }  // namespace
 
@@ -30,6 +32,20 @@ std::optional<std::vector<unsigned long>> numbersOf(Display* display, Window win
   // Xlib gives 32-bit numbers as longs, whatever the size of those.
   if (count > 0) std::memcpy(numbers.data(), data.get(), count * sizeof(unsigned long));
   return numbers;
+}
+
+std::optional<std::string> textOf(Display* display, Window window, Atom property) {
+  const Atom type = XInternAtom(display, "UTF8_STRING", False);
+  Atom actualType = None;
+  int format = 0;
+  unsigned long length = 0;
+  unsigned long left = 0;
+  unsigned char* raw = nullptr;
+  const int status = XGetWindowProperty(display, window, property, 0, longestText, False, type, &actualType,
+                                        &format, &length, &left, &raw);
+  const std::unique_ptr<unsigned char, FreeData> data(raw);
+  if (status != Success || !data || actualType != type || format != textFormat) return std::nullopt;
+  return std::string(reinterpret_cast<const char*>(data.get()), length);
 }
 
 }  // namespace keyvora::x11

@@ -3,6 +3,7 @@
 #include <X11/Xlib.h>
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace keyvora::x11 {
@@ -11,5 +12,8 @@ namespace keyvora::x11 {
 /// trip.
 std::optional<std::vector<unsigned long>> numbersOf(Display* display, Window window, Atom property,
                                                     Atom type);
+
+/// The UTF-8 text that a window's property holds; none when it has no such property. One round trip.
+std::optional<std::string> textOf(Display* display, Window window, Atom property);
 
 }  // namespace keyvora::x11

@@ -124,6 +124,18 @@ TEST_F(AccessibilityTest, ADisabledItemCannotBePressed) {
   EXPECT_EQ(untouched.answer(), "");
 }
 
+TEST_F(AccessibilityTest, AnItemThatIsGreyUntilItsMenuOpensIsPressedWithoutShowingTheMenu) {
+  auto& pressed = target({"stale"});
+  const auto special = child(child(awaitMenuBar(), "Edit"), "Paste Special");
+  Screen screen;
+  ASSERT_TRUE(screen.awaitWindow("menu program"));
+  EXPECT_EQ(child(special, "Values")->perform("AXPress"), 0);
+  for (const auto* line :
+       {"opened edit", "opened special", "closed special", "closed edit", "pressed Values"}) {
+    EXPECT_TRUE(pressed.hears(line)) << line;
+  }
+}
+
 TEST_F(AccessibilityTest, WhatIsNotKnownIsAnError) {
   target();
   const auto bar = awaitMenuBar();

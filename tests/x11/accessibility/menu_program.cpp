@@ -3,11 +3,13 @@
 //
 //   (none)     a window with a menu bar, and another menu bar further down
 //   no-bar     a window without a menu bar
+//   stale      also a menu whose item is grey until its menu opens; the menus are exported on the session bus
 //
 // Standard input tells it: "hang" stops it answering for good, "rename" gives the item Save another title,
 // "entry" prints what was typed into it. Prints "ready" at its start and after each line, and "pressed TITLE"
 // when an item is chosen.
 
+#include <gdk/gdkx.h>
 #include <gtk/gtk.h>
 #include <unistd.h>
 
@@ -43,6 +45,52 @@ GtkWidget* submenu(GtkWidget* parent, const char* title) {
   return menu;
 }
 
+/// A menu whose item is brought up to date when it opens. Nothing opens it here but its exported action.
+GtkWidget* addStaleMenu(GtkWidget* bar) {
+  GtkWidget* stale = item(submenu(submenu(bar, "_Edit"), "Paste _Special"), "Values");
+  gtk_widget_set_sensitive(stale, FALSE);
+  return stale;
+}
+
+GMenuItem* exportedSubmenu(const char* label, const char* action, GMenu* menu) {
+  GMenuItem* made = g_menu_item_new_submenu(label, G_MENU_MODEL(menu));
+  g_menu_item_set_attribute(made, "submenu-action", "s", action);
+  return made;
+}
+
+/// Exports the stale menu beside the window, in a section as LibreOffice does.
+void exportMenus(GtkWidget* window, GtkWidget* stale) {
+  GMenu* special = g_menu_new();
+  g_menu_append(special, "Values", "win.values");
+  GMenu* edit = g_menu_new();
+  g_menu_append_item(edit, exportedSubmenu("Paste _Special", "win.special", special));
+  GMenu* section = g_menu_new();
+  g_menu_append_item(section, exportedSubmenu("_Edit", "win.edit", edit));
+  GMenu* bar = g_menu_new();
+  g_menu_append_section(bar, nullptr, G_MENU_MODEL(section));
+
+  const auto changed = +[](GSimpleAction* action, GVariant* state, gpointer item) {
+    const bool isOpen = g_variant_get_boolean(state) != FALSE;
+    say(std::string(isOpen ? "opened " : "closed ") + g_action_get_name(G_ACTION(action)));
+    if (isOpen && std::string_view(g_action_get_name(G_ACTION(action))) == "special") {
+      gtk_widget_set_sensitive(GTK_WIDGET(item), TRUE);
+    }
+  };
+  GSimpleActionGroup* actions = g_simple_action_group_new();
+  for (const char* name : {"edit", "special"}) {
+    GSimpleAction* action = g_simple_action_new_stateful(name, nullptr, g_variant_new_boolean(FALSE));
+    g_signal_connect(action, "change-state", G_CALLBACK(changed), stale);
+    g_action_map_add_action(G_ACTION_MAP(actions), G_ACTION(action));
+  }
+  GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+  g_dbus_connection_export_menu_model(bus, "/test/menus", G_MENU_MODEL(bar), nullptr);
+  g_dbus_connection_export_action_group(bus, "/test/window", G_ACTION_GROUP(actions), nullptr);
+  GdkWindow* shown = gtk_widget_get_window(window);
+  gdk_x11_window_set_utf8_property(shown, "_GTK_UNIQUE_BUS_NAME", g_dbus_connection_get_unique_name(bus));
+  gdk_x11_window_set_utf8_property(shown, "_GTK_MENUBAR_OBJECT_PATH", "/test/menus");
+  gdk_x11_window_set_utf8_property(shown, "_GTK_WINDOW_OBJECT_PATH", "/test/window");
+}
+
 GtkWidget* menuBar() {
   GtkWidget* bar = gtk_menu_bar_new();
   GtkWidget* file = submenu(bar, "_File");
@@ -70,15 +118,20 @@ int main(int argc, char** argv) {
   gtk_window_set_title(GTK_WINDOW(window), "menu program");
   GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
   gtk_container_add(GTK_CONTAINER(window), box);
-  if (argc < 2 || std::string_view(argv[1]) != "no-bar") {
+  const std::string_view kind = argc < 2 ? "" : argv[1];
+  GtkWidget* stale = nullptr;
+  if (kind != "no-bar") {
     GtkWidget* inner = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
-    gtk_container_add(GTK_CONTAINER(inner), menuBar());
+    GtkWidget* bar = menuBar();
+    if (kind == "stale") stale = addStaleMenu(bar);
+    gtk_container_add(GTK_CONTAINER(inner), bar);
     gtk_container_add(GTK_CONTAINER(box), inner);
     gtk_container_add(GTK_CONTAINER(box), otherMenuBar());
   }
   GtkWidget* entry = gtk_entry_new();
   gtk_container_add(GTK_CONTAINER(box), entry);
   gtk_widget_show_all(window);
+  if (stale != nullptr) exportMenus(window, stale);
 
   std::string pending;
   const keyvora::x11::ReadableSource input(STDIN_FILENO, G_PRIORITY_DEFAULT, [&] {
