@@ -29,6 +29,8 @@ INSTALLED = {
     "share/applications/org.keyvora.keyvora.desktop",
     "share/icons/hicolor/scalable/apps/keyvora.svg",
     "share/keyvora/Info.plist",
+    "share/keyvora/keyvora_keyvora.bundle/calc.json",
+    "share/keyvora/keyvora_keyvora.bundle/gnumeric.json",
     "share/keyvora/keyvora_keyvora.bundle/mappings.json",
     "share/man/man1/keyvora.1",
 }
@@ -76,6 +78,8 @@ class Package(unittest.TestCase):
         version, build = information["CFBundleShortVersionString"], information["CFBundleVersion"]
         log = self.home / "Library/Logs/keyvora.log"
         inherited = {name: os.environ[name] for name in ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS") if name in os.environ}
+        # No spreadsheet is to be found: the document is Calc's then.
+        inherited["XDG_DATA_DIRS"] = str(self.home)
         with Display() as display:
             # A proxy that is not there keeps the update check on this machine.
             program = subprocess.Popen(
@@ -95,7 +99,7 @@ class Package(unittest.TestCase):
                 program.wait()
         self.assertIn(f" launch {version} ({build})\n", log.read_text(encoding="utf-8"))
         document = self.home / "Library/Application Support/keyvora/mappings.json"
-        self.assertEqual(document.read_bytes(), (ROOT / "resources/mappings.json").read_bytes())
+        self.assertEqual(document.read_bytes(), (ROOT / "resources/calc.json").read_bytes())
 
     def test_cmake_installs_to_any_prefix(self):
         prefix = self.folder / "a prefix"

@@ -49,8 +49,13 @@ class Docs(unittest.TestCase):
         self.assertGreater(len(sessions), 2)
         for session in sessions:
             command, output = session.split("\n", 1)
-            self.assertTrue(command.startswith("$ keyvora-mappings "), command)
-            self.assertEqual(run(command.split()[2:], self.folder), output)
+            program, *arguments = command.removeprefix("$ ").split()
+            if program == "keyvora-mappings":
+                self.assertEqual(run(arguments, self.folder), output)
+            else:
+                self.assertTrue(program.startswith("scripts/"), command)
+                self.assertEqual(subprocess.run([ROOT / program, *arguments], cwd=ROOT, capture_output=True,
+                                                encoding="utf-8").stdout, output)
 
     def test_links_lead_somewhere(self):
         for page in ("mappings.md", "troubleshooting.md"):

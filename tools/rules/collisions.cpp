@@ -40,6 +40,15 @@ Longer longerThan(ByLetters::const_iterator entry, const ByLetters& all) {
   return longer;
 }
 
+/// A field of the check's own, which says that a wait is meant. keyvora passes over it.
+constexpr std::string_view waits = "waits";
+
+bool isMeant(const Entry& entry, const Longer& longer, std::chrono::milliseconds wait) {
+  if (longer.firstTypable == nullptr || wait.count() <= 0) return false;  // nobody can mean that
+  const auto value = entry.source.find(waits);
+  return value && value->type() == json::Type::boolean && value->text() == "true";
+}
+
 std::string waiting(const Entry& entry, const Longer& longer, std::chrono::milliseconds wait) {
   const auto& other = *(longer.firstTypable != nullptr ? longer.firstTypable : longer.first);
   std::string others = other.sequence.keys;
@@ -53,8 +62,9 @@ std::string waiting(const Entry& entry, const Longer& longer, std::chrono::milli
     return "leaves no time to type on to " + others + ", which" + start +
            ": the longer keys cannot be reached with this timeoutMilliseconds; raise it, or change the keys";
   }
-  return "waits " + inSeconds(wait) + " before it acts, because " + others + start +
-         "; unless that is meant, give " + joined(entry.letters) + " or the longer keys another letter";
+  return "waits " + inSeconds(wait) + " before it acts, because " + others + start + "; give " +
+         joined(entry.letters) +
+         " or the longer keys another letter, or add \"waits\": true if that is meant";
 }
 
 }  // namespace
@@ -79,7 +89,7 @@ void waitingSequences(const Document& document, std::string_view name, Findings&
     const auto& entry = *each->second;
     if (entry.letters.empty() || firstUntypable(entry.letters)) continue;
     const auto longer = longerThan(each, last);
-    if (longer.count == 0) continue;
+    if (longer.count == 0 || isMeant(entry, longer, wait)) continue;
     warn(findings, name, entry.value(key::keys), entry.path(key::keys), waiting(entry, longer, wait));
   }
 }

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "hosts/x11/applications/spreadsheets.h"
+
 namespace keyvora::x11 {
 
 Bundle::Bundle(std::filesystem::path directory, std::filesystem::path resources)
@@ -19,11 +21,18 @@ std::optional<std::filesystem::path> Bundle::resourceDirectory() const {
 
 std::optional<std::filesystem::path> Bundle::resource(std::string_view name,
                                                       std::string_view extension) const {
-  auto file = resources_ / name;
-  if (!extension.empty()) file += "." + std::string(extension);
+  if (name == "mappings" && extension == "json") {
+    if (auto variant = file(installedSpreadsheet(), extension)) return variant;
+  }
+  return file(name, extension);
+}
+
+std::optional<std::filesystem::path> Bundle::file(std::string_view name, std::string_view extension) const {
+  auto path = resources_ / name;
+  if (!extension.empty()) path += "." + std::string(extension);
   std::error_code error;
-  if (!std::filesystem::exists(file, error)) return std::nullopt;
-  return file;
+  if (!std::filesystem::exists(path, error)) return std::nullopt;
+  return path;
 }
 
 std::optional<std::string> Bundle::information(std::string_view key) const {

@@ -14,12 +14,19 @@ class Bundle final : public platform::Bundle {
 
   [[nodiscard]] std::filesystem::path directory() const override;
   [[nodiscard]] std::optional<std::filesystem::path> resourceDirectory() const override;
+
+  /// Answers "mappings.json" with the variant for the spreadsheet that is installed here, if the bundle has
+  /// it.
   [[nodiscard]] std::optional<std::filesystem::path> resource(std::string_view name,
                                                               std::string_view extension) const override;
+
   [[nodiscard]] std::optional<std::string> information(std::string_view key) const override;
   [[nodiscard]] std::optional<std::string> identifier() const override;
 
  private:
+  [[nodiscard]] std::optional<std::filesystem::path> file(std::string_view name,
+                                                          std::string_view extension) const;
+
   std::filesystem::path directory_;
   std::filesystem::path resources_;
   std::optional<PropertyList> information_;

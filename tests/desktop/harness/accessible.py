@@ -105,13 +105,12 @@ def text(element: Element) -> str:
         return ""
 
 
-def cell_text(table: Element, row: int, column: int) -> str:
-    """What a cell of a table shows; empty for one that it does not have."""
+def cell(table: Element, row: int, column: int) -> Element | None:
+    """A cell of a table; None for one that it does not have."""
     try:
-        cell = table.get_table_iface().get_accessible_at(row, column)
+        return table.get_table_iface().get_accessible_at(row, column)
     except GLib.Error:
-        return ""
-    return text(cell) if cell else ""
+        return None
 
 
 def find(element: Element, wanted: str, title: str | None = None) -> Element | None:

@@ -2,6 +2,7 @@
 
 import json
 import os
+import shutil
 import signal
 import subprocess
 from pathlib import Path
@@ -16,13 +17,18 @@ Document = dict[str, Any]
 
 
 class Keyvora:
-    """keyvora on a private desktop; it runs between `start` and `stop`. A second one has a home of its own."""
+    """keyvora on a private desktop; it runs between `start` and `stop`. A second one has a home of its own.
 
-    def __init__(self, desktop: PrivateDesktop, program: Path, home: Path | None = None) -> None:
+    `desktop_file` names the one desktop file that it finds, in place of those that are installed.
+    """
+
+    def __init__(self, desktop: PrivateDesktop, program: Path, home: Path | None = None,
+                 desktop_file: str | None = None) -> None:
         self._desktop = desktop
         self._program = program
         self._process: subprocess.Popen[bytes] | None = None
         self._home = home or desktop.home
+        self._desktop_file = desktop_file
         library = self._home / "Library"
         self.mappings = library / "Application Support" / "keyvora" / "mappings.json"
         self.log = Log(library / "Logs" / "keyvora.log")
@@ -36,6 +42,12 @@ class Keyvora:
     def launch(self, extra_path: Path | None = None) -> subprocess.Popen[bytes]:
         """Starts the program and waits for nothing; `extra_path` comes first on its PATH."""
         environment = dict(os.environ, HOME=str(self._home))
+        if self._desktop_file is not None:
+            data = self._desktop.folder / "data"
+            shutil.rmtree(data, ignore_errors=True)
+            (data / "applications").mkdir(parents=True)
+            (data / "applications" / self._desktop_file).touch()
+            environment["XDG_DATA_DIRS"] = str(data)
         if extra_path:
             environment["PATH"] = f"{extra_path}:{environment['PATH']}"
         self._process = self._desktop.children.start([str(self._program)], name="keyvora",

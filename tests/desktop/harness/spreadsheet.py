@@ -17,10 +17,14 @@ class Spreadsheet(ABC):
     # What it is called on a command line, and the program that it is.
     name: ClassVar[str]
     program: ClassVar[str]
+    # The desktop file that its package brings.
+    desktop_file: ClassVar[str]
     # What it needs between two keys to lose none of them, keyvora or not; in milliseconds.
     pace: ClassVar[int] = 0
     # The window class and the path to the "format cells" command of its menus.
     window_class: ClassVar[str]
+    # The classes, by any of their names, of all windows that it may open.
+    window_classes: ClassVar[list[str]]
     format_cells: ClassVar[list[str]]
     # Whether its windows stay what they are; one that may become another program's is listened to.
     keeps_its_class: ClassVar[bool] = True
@@ -100,7 +104,9 @@ class Gnumeric(Spreadsheet):
 
     name = "gnumeric"
     program = "gnumeric"
+    desktop_file = "gnumeric.desktop"
     window_class = "gnumeric, Gnumeric"
+    window_classes = ["gnumeric"]
     format_cells = ["Format", "Cells", "Format..."]
 
     def _command(self, desktop: PrivateDesktop) -> list[str]:
@@ -121,8 +127,10 @@ class Calc(Spreadsheet):
 
     name = "calc"
     program = "soffice"
+    desktop_file = "libreoffice-calc.desktop"
     pace = 5
     window_class = "libreoffice-calc"
+    window_classes = ["libreoffice-calc", "soffice"]
     format_cells = ["Format", "Cells..."]
     keeps_its_class = False
 
@@ -132,8 +140,13 @@ class Calc(Spreadsheet):
 
     def shown(self, cell: str) -> str:
         """What a cell of the sheet shows, be it selected or not."""
+        found = self.cell(cell)
+        return accessible.text(found) if found else ""
+
+    def cell(self, cell: str) -> accessible.Element | None:
+        """A cell of the sheet."""
         table = accessible.find(self._root, "table")
-        return accessible.cell_text(table, int(cell[1:]) - 1, ord(cell[0]) - ord("A")) if table else ""
+        return accessible.cell(table, int(cell[1:]) - 1, ord(cell[0]) - ord("A")) if table else None
 
     def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
         bar = accessible.find(self._root, "tool bar", "Formula Tool Bar")

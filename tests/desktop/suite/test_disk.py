@@ -5,11 +5,12 @@ from pathlib import Path
 
 from harness.keyvora import Document, Keyvora
 from harness.small_disk import SmallDisk
+from harness.spreadsheet import Calc
 from harness.waiting import equal, stays, until
 
 from .desktop_test import DOCUMENT, DesktopTest
 
-DEFAULT = Path(__file__).parents[3] / "resources" / "mappings.json"
+DEFAULT = Path(__file__).parents[3] / "resources" / "calc.json"
 # What the disk gives out room by.
 PAGE = 4096
 # More than fits on the page that a save in place gives back.
@@ -26,7 +27,8 @@ class FullDisk(DesktopTest):
             self.skipTest(f"this system lets us mount no disk to fill: {error}")
         self.addCleanup(self.disk.unmount)
         super().setUp()
-        self.keyvora = Keyvora(self.desktop, self.environment.keyvora, self.disk.folder)
+        self.keyvora = Keyvora(self.desktop, self.environment.keyvora, self.disk.folder,
+                               desktop_file=Calc.desktop_file)
 
     def expect_said(self, text: str, since: int) -> None:
         """Waits for a line of the console copy, all that can tell what happens where no log is written."""

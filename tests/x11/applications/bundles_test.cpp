@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <string>
+#include <vector>
+
 #include "tests/x11/scratch.h"
 
 namespace keyvora::x11 {
@@ -79,6 +83,53 @@ TEST_F(BundlesTest, AResourceIsFoundByNameAndExtension) {
   EXPECT_EQ(bundle->resource("plain", ""), directory / "plain");
   EXPECT_EQ(bundle->resource("mappings", "yaml"), std::nullopt);
   EXPECT_EQ(bundle->resource("mapping", "json"), std::nullopt);
+}
+
+/// XDG_DATA_DIRS for as long as it lives.
+class DataDirectories {
+ public:
+  explicit DataDirectories(const std::string& value) { setenv("XDG_DATA_DIRS", value.c_str(), 1); }
+  ~DataDirectories() { unsetenv("XDG_DATA_DIRS"); }
+  DataDirectories(const DataDirectories&) = delete;
+  DataDirectories& operator=(const DataDirectories&) = delete;
+};
+
+TEST_F(BundlesTest, TheDefaultDocumentIsTheOneForTheSpreadsheetThatIsInstalled) {
+  const auto bundle = bundleWith(plist);
+  const auto directory = scratch.path() / "some.bundle";
+  for (const auto* name : {"mappings.json", "calc.json", "gnumeric.json"}) writeFile(directory / name, "{}");
+  struct Case {
+    std::vector<std::string> files;
+    std::string document;
+  };
+  const std::vector<Case> cases{
+      {{}, "calc.json"},
+      {{"one/firefox.desktop"}, "calc.json"},
+      {{"one/libreoffice-calc.desktop"}, "calc.json"},
+      {{"one/gnumeric.desktop"}, "gnumeric.json"},
+      {{"two/org.gnumeric.gnumeric.desktop"}, "gnumeric.json"},
+      {{"two/org.gnumeric.Gnumeric.desktop"}, "gnumeric.json"},
+      {{"one/gnumeric.desktop", "two/libreoffice-calc.desktop"}, "calc.json"},
+      {{"one/gnumeric.desktop", "two/libreoffice24.8-calc.desktop"}, "calc.json"},
+      {{"one/gnumeric.desktop", "two/libreoffice_calc.desktop"}, "calc.json"},
+      {{"one/gnumeric.desktop", "two/org.libreoffice.LibreOffice.calc.desktop"}, "calc.json"},
+      {{"one/gnumeric.desktop", "two/libreoffice-writer.desktop"}, "gnumeric.json"},
+      {{"one/gnumeric.desktop", "unlisted/libreoffice-calc.desktop"}, "gnumeric.json"},
+  };
+  for (const auto& each : cases) {
+    const ScratchDirectory data;
+    for (const auto& file : each.files) {
+      const fs::path path(file);
+      writeFile(data.path() / path.parent_path() / "applications" / path.filename(), "");
+    }
+    const DataDirectories directories((data.path() / "one").string() +
+                                      "::relative:" + (data.path() / "two").string());
+    EXPECT_EQ(bundle->resource("mappings", "json"), directory / each.document)
+        << testing::PrintToString(each.files);
+  }
+  fs::remove(directory / "calc.json");
+  const DataDirectories none("/nowhere");
+  EXPECT_EQ(bundle->resource("mappings", "json"), directory / "mappings.json") << "a bundle without variants";
 }
 
 TEST_F(BundlesTest, TheInformationDictionaryGivesItsTexts) {
