@@ -1,0 +1,62 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "hosts/x11/gobject.h"
+#include "hosts/x11/status/bus_object.h"
+
+namespace keyvora::x11 {
+
+/// A panel as far as the session bus can tell: the watcher, its host, and what a panel asks of an item. It
+/// answers while the test runs the main loop.
+class PanelStandIn {
+ public:
+  struct Kind {
+    bool hasHost = true;
+    bool isGnome = false;
+  };
+
+  explicit PanelStandIn(Kind kind);
+  /// Leaves the bus at once, as a crash does.
+  ~PanelStandIn();
+  PanelStandIn(const PanelStandIn&) = delete;
+  PanelStandIn& operator=(const PanelStandIn&) = delete;
+
+  /// The host comes or goes; the watcher stays.
+  void setHost(bool isThere);
+
+  /// The names of the items that were registered, the newest last.
+  [[nodiscard]] const std::vector<std::string>& registered() const { return registered_; }
+
+  /// Waits until an item is registered, after `before` others.
+  bool awaitItem(std::size_t before = 0);
+
+  /// A property of the newest item.
+  GVariantRef property(const char* name);
+
+  /// Calls a method of the newest item or of its menu; null when it failed, for the reason in `error`.
+  GVariantRef callItem(const char* method, GVariant* parameters);
+  GVariantRef callMenu(const char* method, GVariant* parameters);
+  std::string error;
+
+  /// A row of the menu as it was sent.
+  struct Row {
+    int identifier = 0;
+    std::string text;
+  };
+  std::vector<Row> rows();
+
+  /// Something happens to a row, as the panel tells it.
+  void event(int identifier, const char* what);
+
+ private:
+  GVariantRef call(const char* path, const char* interface, const char* method, GVariant* parameters);
+
+  GObjectRef<GDBusConnection> bus_;
+  bool hasHost_;
+  std::vector<std::string> registered_;
+  std::unique_ptr<BusObject> watcher_;
+};
+
+}  // namespace keyvora::x11
