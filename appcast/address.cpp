@@ -1,7 +1,7 @@
 #include "appcast/address.h"
+#include "text/utf8.h"
 
 #include <curl/curl.h>
-#include <utf8proc.h>
 
 #include <memory>
 #include <string_view>
@@ -27,15 +27,12 @@ std::string partOf(const Url& url, CURLUPart which) {
 }
 
 /// Whether this is UTF-8 without control characters: paths are escaped, but a host is taken as it is written.
-bool isText(const std::string& text) {
-  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  auto left = static_cast<utf8proc_ssize_t>(text.size());
-  while (left > 0) {
-    utf8proc_int32_t codePoint = 0;
-    const auto length = utf8proc_iterate(at, left, &codePoint);
-    if (length <= 0 || utf8proc_category(codePoint) == UTF8PROC_CATEGORY_CC) return false;
-    at += length;
-    left -= length;
+bool isText(std::string_view address) {
+  while (!address.empty()) {
+    const auto [value, length, wellFormed] = text::firstCodePoint(address);
+    const bool isControl = value < U' ' || (value >= U'\x7F' && value < U'\u00A0');
+    if (!wellFormed || isControl) return false;
+    address.remove_prefix(length);
   }
   return true;
 }

@@ -1,7 +1,5 @@
 #include "appcast/feed.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <pugixml.hpp>
@@ -9,6 +7,8 @@
 #include "appcast/address.h"
 #include "appcast/feed_element.h"
 #include "appcast/version_order.h"
+#include "text/ascii.h"
+#include "text/utf8.h"
 
 namespace keyvora::appcast {
 namespace {
@@ -24,18 +24,6 @@ struct Context {
   const std::string& address;
   std::span<const std::string> languages;
 };
-
-bool isUtf8(std::string_view bytes) {
-  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(bytes.data());
-  for (auto left = static_cast<utf8proc_ssize_t>(bytes.size()); left > 0;) {
-    utf8proc_int32_t codePoint = 0;
-    const auto length = utf8proc_iterate(at, left, &codePoint);
-    if (length < 1) return false;
-    at += length;
-    left -= length;
-  }
-  return true;
-}
 
 bool hasControlCharacter(std::string_view text) {
   return std::ranges::any_of(text, [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; });
@@ -64,8 +52,7 @@ void checkVersion(const std::string& version, const char* what) {
 
 bool isChannelName(const std::string& name) {
   return !name.empty() && std::ranges::all_of(name, [](char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' ||
-           c == '_' || c == '-';
+    return text::isAsciiLetter(c) || text::isAsciiDigit(c) || c == '.' || c == '_' || c == '-';
   });
 }
 
@@ -88,6 +75,16 @@ Enclosure enclosureOf(const pugi::xml_node& item) {
     result.isElsewhere = true;
   }
   return result;
+}
+
+/// Notes that can be shown as they are. They are HTML unless the feed says otherwise; HTML without a tag or a
+/// character reference reads like text.
+std::string notesOf(const pugi::xml_node& description) {
+  auto notes = text(description);
+  const std::string_view format = sparkleAttribute(description, "format").value();
+  const bool isHtml = format.empty() || format == "html";
+  if (isHtml && notes.find_first_of("<&") != std::string::npos) return {};
+  return notes;
 }
 
 FeedItem readItem(const pugi::xml_node& element, const pugi::xml_node& enclosure, const Context& context) {
@@ -113,12 +110,9 @@ FeedItem readItem(const pugi::xml_node& element, const pugi::xml_node& enclosure
   if (item.displayVersion.empty()) item.displayVersion = item.version;
   checkVersion(item.displayVersion, "short version");
 
-  const auto description = plain("description");
-  item.description = text(description);
-  const std::string format = sparkleAttribute(description, "format").value();
-  item.descriptionIsHtml = format.empty() || format == "html";
-  for (const auto* field : {&item.version, &item.displayVersion, &item.description}) {
-    if (!isUtf8(*field)) throw Malformed{"it has text that is not UTF-8"};
+  item.notes = notesOf(plain("description"));
+  for (const auto* field : {&item.version, &item.displayVersion, &item.notes}) {
+    if (!text::isWellFormed(*field)) throw Malformed{"it has text that is not UTF-8"};
   }
   return item;
 }

@@ -15,10 +15,8 @@ struct FeedItem {
   std::string version;
   /// The version as people write it; never empty.
   std::string displayVersion;
-  /// Release notes in the feed itself; empty when there are none.
-  std::string description;
-  /// Whether `description` is HTML; otherwise it is text as it shall be shown.
-  bool descriptionIsHtml = true;
+  /// Release notes in the feed itself, as text; empty when there are none, or they are HTML.
+  std::string notes;
   /// Absolute http or https addresses; empty when the item has none.
   std::string notesAddress;
   std::string pageAddress;

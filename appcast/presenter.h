@@ -10,8 +10,10 @@ struct Announcement {
   std::string displayVersion;
   /// The version that runs.
   std::string currentVersion;
-  /// Plain text; empty when there are none.
+  /// Release notes as text; empty when there are none, or they are a page of their own.
   std::string notes;
+  /// Where the release notes are, when they are a page of their own; else empty.
+  std::string notesAddress;
   /// Where to read on or to get it; empty when the feed does not say.
   std::string address;
 };

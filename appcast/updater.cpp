@@ -4,15 +4,12 @@
 #include <utility>
 
 #include "appcast/address.h"
-#include "appcast/notes_text.h"
 #include "appcast/version_order.h"
 
 namespace keyvora::appcast {
 namespace {
 
-constexpr std::size_t kibibyte = 1024;
-constexpr std::size_t maxFeedBytes = 4096 * kibibyte;
-constexpr std::size_t maxNotesBytes = 512 * kibibyte;
+constexpr std::size_t maxFeedBytes = 4 * 1024 * 1024;
 
 platform::UpdateItem publicItem(const FeedItem& item) {
   return {item.displayVersion, item.version};
@@ -21,10 +18,6 @@ platform::UpdateItem publicItem(const FeedItem& item) {
 /// Where the user can read on or get the update: the page rather than the file.
 std::string addressOf(const FeedItem& item) {
   return item.pageAddress.empty() ? item.downloadAddress : item.pageAddress;
-}
-
-std::string ownNotes(const FeedItem& item) {
-  return item.descriptionIsHtml ? plainNotes(item.description) : item.description;
 }
 
 }  // namespace
@@ -99,21 +92,10 @@ void Updater::feedFetched(const Fetched& fetched) {
     return scheduleNextCheck();
   }
   delegate_.didFindValidUpdate(update);
-  fetchNotes(*newest);
+  present(*newest);
 }
 
-void Updater::fetchNotes(const FeedItem& item) {
-  if (item.notesAddress.empty()) return present(item, ownNotes(item));
-  session_->fetch = to_.fetcher.fetch(
-      item.notesAddress, {settings_.fetchTimeout, maxNotesBytes}, [this, &item](const Fetched& fetched) {
-        session_->fetch.reset();
-        if (!fetched.error) return present(item, plainNotes(fetched.bytes));
-        const std::string own = ownNotes(item);
-        present(item, own.empty() ? "The release notes could not be fetched: " + *fetched.error + "." : own);
-      });
-}
-
-void Updater::present(const FeedItem& item, const std::string& notes) {
+void Updater::present(const FeedItem& item) {
   const auto update = publicItem(item);
   const bool shows =
       session_->kind == Kind::userAsked || delegate_.shouldHandleShowingScheduledUpdate(update, false);
@@ -123,7 +105,11 @@ void Updater::present(const FeedItem& item, const std::string& notes) {
     scheduleNextCheck();
     return;
   }
-  to_.presenter.showUpdate({item.displayVersion, settings_.displayVersion, notes, addressOf(item)},
+  to_.presenter.showUpdate({.displayVersion = item.displayVersion,
+                            .currentVersion = settings_.displayVersion,
+                            .notes = item.notes,
+                            .notesAddress = item.notesAddress,
+                            .address = addressOf(item)},
                            [this, &item](Choice choice) { chosen(choice, item); });
 }
 

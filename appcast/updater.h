@@ -53,8 +53,7 @@ class Updater final : public platform::UpdaterController {
 
   void begin(Kind kind);
   void feedFetched(const Fetched& fetched);
-  void fetchNotes(const FeedItem& item);
-  void present(const FeedItem& item, const std::string& notes);
+  void present(const FeedItem& item);
   void chosen(Choice choice, const FeedItem& item);
   void finishWithout(const std::string& explanation);
   void fail(const std::string& why);

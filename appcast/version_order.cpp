@@ -1,4 +1,5 @@
 #include "appcast/version_order.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -16,10 +17,6 @@ struct Part {
   std::string_view text;
 };
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 /// White space and the characters that Unicode calls punctuation; signs such as + and ~ are none.
 bool isSeparator(char c) {
   return (c >= '\t' && c <= '\r') ||
@@ -29,7 +26,7 @@ bool isSeparator(char c) {
 Kind kindOf(char c) {
   if (c == '.') return Kind::period;
   if (c == '-') return Kind::dash;
-  if (isDigit(c)) return Kind::number;
+  if (text::isAsciiDigit(c)) return Kind::number;
   return isSeparator(c) ? Kind::separator : Kind::text;
 }
 

@@ -21,10 +21,7 @@ inline void require(bool holds, std::string_view what) {
   std::abort();
 }
 
-/// Whether the text is UTF-8 without a fault.
-inline bool isWellFormed(std::string_view text) {
-  return text::wellFormedPrefix(text) == text.size();
-}
+using text::isWellFormed;
 
 /// Well-formed text out of the input: mostly what keyboards type, and now and then any character there is.
 inline std::string someText(FuzzedDataProvider& input, std::size_t longest) {

@@ -1,4 +1,5 @@
 #include "mapping/decoding_error.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -11,8 +12,8 @@ namespace {
 constexpr std::size_t longestKey = 60;
 
 bool isPlainKey(std::string_view key) {
-  const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
-  const auto plain = [&](char c) { return letter(c) || (c >= '0' && c <= '9'); };
+  const auto letter = [](char c) { return text::isAsciiLetter(c) || c == '_'; };
+  const auto plain = [&](char c) { return letter(c) || text::isAsciiDigit(c); };
   return !key.empty() && key.size() <= longestKey && letter(key.front()) && std::ranges::all_of(key, plain);
 }
 

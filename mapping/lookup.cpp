@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "mapping/mapping.h"
+#include "text/ascii.h"
 #include "text/text.h"
 
 namespace keyvora {
@@ -11,10 +12,6 @@ enum class Relation { none, prefix, same };
 
 bool isAsciiWhiteSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-char asciiUpper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
 bool isLetter(const std::string& typed, char letter) {
@@ -29,7 +26,7 @@ Relation relateAscii(std::span<const std::string> typed, std::string_view keys) 
   for (const char c : keys) {
     if (isAsciiWhiteSpace(c)) continue;
     if (matched == typed.size()) return Relation::prefix;
-    if (!isLetter(typed[matched], asciiUpper(c))) return Relation::none;
+    if (!isLetter(typed[matched], text::asciiUpper(c))) return Relation::none;
     ++matched;
   }
   return matched == typed.size() ? Relation::same : Relation::none;
@@ -40,9 +37,8 @@ Relation relateAscii(std::span<const std::string> typed, std::string_view keys) 
 bool startsOtherwise(std::span<const std::string> typed, std::string_view keys) {
   if (typed.empty() || typed.front().size() != 1 || keys.empty()) return false;
   const char first = keys.front();
-  const bool isLetterOrDigit =
-      (first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z') || (first >= '0' && first <= '9');
-  return isLetterOrDigit && asciiUpper(first) != typed.front().front();
+  const bool isLetterOrDigit = text::isAsciiLetter(first) || text::isAsciiDigit(first);
+  return isLetterOrDigit && text::asciiUpper(first) != typed.front().front();
 }
 
 Relation relate(std::span<const std::string> typed, const Sequence& sequence) {

@@ -3,6 +3,7 @@
 #include "platform/key_code.h"
 #include "runner/key_names.h"
 #include "tap/key_sequence_tap.h"
+#include "text/ascii.h"
 
 namespace keyvora {
 namespace {
@@ -11,8 +12,7 @@ namespace {
 constexpr char letterOf(std::string_view name) {
   if (name.size() != 1) return '\0';
   const char c = name.front();
-  if (c >= 'a' && c <= 'z') return static_cast<char>(c - 'a' + 'A');
-  return c >= '0' && c <= '9' ? c : '\0';
+  return text::isAsciiLetter(c) || text::isAsciiDigit(c) ? text::asciiUpper(c) : '\0';
 }
 
 constexpr auto lettersByKeyCode = [] {

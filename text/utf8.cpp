@@ -40,10 +40,6 @@ Lead leadOf(unsigned char byte) {
 
 }  // namespace
 
-bool isAscii(std::string_view text) {
-  return asciiPrefix(text) == text.size();
-}
-
 CodePoint firstCodePoint(std::string_view text) {
   const auto first = static_cast<unsigned char>(text.front());
   if (first < 0x80) return {first, 1, true};
@@ -71,6 +67,21 @@ std::size_t wellFormedPrefix(std::string_view text) {
     if (!codePoint.wellFormed) return i;
     i += codePoint.length;
   }
+}
+
+std::string validText(std::string_view text) {
+  std::string valid;
+  valid.reserve(text.size());
+  while (!text.empty()) {
+    const CodePoint codePoint = firstCodePoint(text);
+    if (codePoint.wellFormed && codePoint.value != 0) {
+      valid.append(text.substr(0, codePoint.length));
+    } else {
+      append(valid, replacementCharacter);
+    }
+    text.remove_prefix(codePoint.length);
+  }
+  return valid;
 }
 
 void append(std::string& text, char32_t codePoint) {

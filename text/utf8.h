@@ -25,6 +25,14 @@ CodePoint firstCodePoint(std::string_view text);
 /// How many bytes are well-formed UTF-8, from the start.
 std::size_t wellFormedPrefix(std::string_view text);
 
+/// Whether all of it is well-formed UTF-8.
+inline bool isWellFormed(std::string_view text) {
+  return wellFormedPrefix(text) == text.size();
+}
+
+/// The text as a toolkit that takes C strings can show it: what is ill-formed, and a zero byte, as U+FFFD.
+std::string validText(std::string_view text);
+
 /// Appends a code point, which is not a surrogate and at most U+10FFFF.
 void append(std::string& text, char32_t codePoint);
 

@@ -1,4 +1,5 @@
 #include "tools/apple_script.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -16,7 +17,7 @@ std::string normalised(const std::string& code) {
   std::istringstream words(code);
   for (std::string word; words >> word;) {
     if (!result.empty()) result += ' ';
-    for (const char c : word) result += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    for (const char c : word) result += text::asciiLower(c);
   }
   return result;
 }

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "appcast/address.h"
-#include "appcast/notes_text.h"
 #include "appcast/version_order.h"
 #include "fuzz/input.h"
 
@@ -20,13 +19,11 @@ bool isOneLine(const std::string& text) {
 void checkItem(const appcast::FeedItem& item) {
   require(!item.version.empty() && isOneLine(item.version), "a version is a line");
   require(!item.displayVersion.empty() && isOneLine(item.displayVersion), "a version for people is a line");
-  require(isWellFormed(item.description), "notes are text");
+  require(isWellFormed(item.notes), "notes are text");
   for (const auto* address : {&item.notesAddress, &item.pageAddress, &item.downloadAddress}) {
     require(address->empty() || appcast::webAddress(*address, ""), "addresses are those of the web");
     require(isOneLine(*address), "an address is a line");
   }
-  if (item.descriptionIsHtml)
-    require(isWellFormed(appcast::plainNotes(item.description)), "plain notes are text");
 }
 
 void check(std::string_view bytes) {
@@ -39,9 +36,6 @@ void check(std::string_view bytes) {
   std::ranges::for_each(feed.items, checkItem);
   const auto* newest = appcast::newestUpdate(feed, "1.0");
   if (newest != nullptr) require(appcast::compareVersions(newest->version, "1.0") > 0, "an update is newer");
-  // The bytes as notes by themselves, which a feed may point to; who shows them makes text of what is none.
-  const auto notes = appcast::plainNotes(bytes);
-  require(!isWellFormed(bytes) || isWellFormed(notes), "plain notes of text are text");
 }
 
 }  // namespace

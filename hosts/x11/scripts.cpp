@@ -14,6 +14,7 @@
 #include "hosts/posix/file_descriptor.h"
 #include "hosts/x11/gobject.h"
 #include "hosts/x11/keyboard/current_tap.h"
+#include "text/utf8.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -50,8 +51,8 @@ std::optional<std::string> messageIn(const posix::FileDescriptor& file) {
   std::array<char, longestMessage> bytes{};
   const auto size = pread(file.number(), bytes.data(), bytes.size(), 0);
   if (size <= 0) return std::nullopt;
-  const GText text(g_utf8_make_valid(bytes.data(), size));
-  const std::string message = g_strchomp(text.get());
+  auto message = text::validText({bytes.data(), static_cast<std::size_t>(size)});
+  message.erase(message.find_last_not_of(" \t\r\n\v\f") + 1);
   if (message.empty()) return std::nullopt;
   return message;
 }

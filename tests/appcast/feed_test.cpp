@@ -55,8 +55,7 @@ TEST(FeedTest, ReadsAWholeItem) {
   </item>)");
   EXPECT_EQ(item.version, "140");
   EXPECT_EQ(item.displayVersion, "1.4.0");
-  EXPECT_EQ(item.description, "<p>Better.</p>");
-  EXPECT_TRUE(item.descriptionIsHtml);
+  EXPECT_EQ(item.notes, "") << "HTML is not shown as tags";
   EXPECT_EQ(item.notesAddress, "https://example.org/updates/notes/1.4.html");
   EXPECT_EQ(item.pageAddress, "https://example.org/keyvora");
   EXPECT_EQ(item.downloadAddress, "https://example.org/updates/key%20vora-1.4.0.deb");
@@ -122,17 +121,24 @@ TEST(FeedTest, DeltasArePassedOver) {
 TEST(FeedTest, TextsComeInTheUsersLanguage) {
   const auto item = itemOf("1", R"(<description xml:lang="fr">Mieux</description>
       <description>Better</description><description xml:lang="de-AT">Besser</description>)");
-  EXPECT_EQ(readOne(item).description, "Better");
-  EXPECT_EQ(readOne(item, {"de_AT", "de", "fr"}).description, "Besser");
-  EXPECT_EQ(readOne(item, {"fr"}).description, "Mieux");
-  EXPECT_EQ(readOne(item, {"it"}).description, "Better");
+  EXPECT_EQ(readOne(item).notes, "Better");
+  EXPECT_EQ(readOne(item, {"de_AT", "de", "fr"}).notes, "Besser");
+  EXPECT_EQ(readOne(item, {"fr"}).notes, "Mieux");
+  EXPECT_EQ(readOne(item, {"it"}).notes, "Better");
 }
 
-TEST(FeedTest, ADescriptionMaySayThatItIsPlainText) {
-  const auto item =
-      readOne(itemOf("1", R"(<description sparkle:format="plain-text">a &lt; b</description>)"));
-  EXPECT_EQ(item.description, "a < b");
-  EXPECT_FALSE(item.descriptionIsHtml);
+TEST(FeedTest, NotesAreShownWhenTheyAreText) {
+  for (const auto& [description, notes] : std::initializer_list<std::pair<const char*, const char*>>{
+           {R"(<description sparkle:format="plain-text">a &lt; b</description>)", "a < b"},
+           {R"(<description sparkle:format="markdown">- a &amp; **b**</description>)", "- a & **b**"},
+           {"<description> In short </description>", "In short"},
+           {"<description>a &lt;b&gt;b&lt;/b&gt;</description>", ""},
+           {"<description>a &amp;amp; b</description>", ""},
+           {R"(<description sparkle:format="html">a &lt;br&gt; b</description>)", ""},
+           {R"(<description sparkle:format="html">Better</description>)", "Better"},
+       }) {
+    EXPECT_EQ(readOne(itemOf("1", description)).notes, notes) << description;
+  }
 }
 
 TEST(FeedTest, OtherEncodingsAreRead) {
@@ -141,7 +147,7 @@ TEST(FeedTest, OtherEncodingsAreRead) {
       "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><item>"
       "<sparkle:version>1</sparkle:version><description>\xE9</description></item></channel></rss>");
   ASSERT_EQ(feed.items.size(), 1U);
-  EXPECT_EQ(feed.items.front().description, "é");
+  EXPECT_EQ(feed.items.front().notes, "é");
 }
 
 TEST(FeedTest, AFeedWithoutItemsIsAFeed) {

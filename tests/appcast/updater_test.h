@@ -57,6 +57,9 @@ class UpdaterTest : public testing::Test {
   std::optional<double> lastCheck;  // virtual seconds
   std::string skipped;
 
+  /// What the last fetch might take.
+  FetchLimits limits;
+
   /// What the user can do to the window that shows.
   std::function<void()> cancel;
   std::function<void(Choice)> choose;
@@ -76,9 +79,10 @@ class UpdaterTest : public testing::Test {
   class Web final : public Fetcher {
    public:
     explicit Web(UpdaterTest& test) : test_(test) {}
-    std::unique_ptr<Fetch> fetch(const std::string& address, const FetchLimits&,
+    std::unique_ptr<Fetch> fetch(const std::string& address, const FetchLimits& limits,
                                  std::function<void(Fetched)> done) override {
       test_.happened("fetch " + address);
+      test_.limits = limits;
       struct Pending final : Fetch {
         std::shared_ptr<std::function<void(Fetched)>> done;
       };
@@ -107,7 +111,8 @@ class UpdaterTest : public testing::Test {
     }
     void showUpdate(const Announcement& update, std::function<void(Choice)> chosen) override {
       test_.happened("show update " + update.displayVersion + " over " + update.currentVersion + " at " +
-                     update.address + ": " + update.notes);
+                     update.address + ": " + update.notes +
+                     (update.notesAddress.empty() ? "" : " " + update.notesAddress));
       test_.choose = std::move(chosen);
     }
     void showMessage(const std::string& title, const std::string& details,

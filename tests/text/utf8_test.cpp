@@ -52,6 +52,15 @@ TEST(Utf8, ReplacesEachMaximalPartThatIsIllFormed) {
   }
 }
 
+TEST(Utf8, TextIsMadeFitToBeShown) {
+  EXPECT_EQ(validText(""), "");
+  EXPECT_EQ(validText("aé€😀"), "aé€😀");
+  EXPECT_EQ(validText("a\xFFz\xE2\x82"), "a\uFFFDz\uFFFD");
+  EXPECT_EQ(validText(std::string_view("a\0b", 3)), "a\uFFFDb") << "a toolkit's text would end there";
+  EXPECT_TRUE(isWellFormed("aé€😀"));
+  EXPECT_FALSE(isWellFormed("a\xFF"));
+}
+
 TEST(Utf8, WritesWhatItReads) {
   for (const char32_t codePoint : {U'\0', U'\x7F', U'\x80', U'\u07FF', U'\u0800', U'\uD7FF', U'\uE000',
                                    U'\uFFFF', U'\U00010000', U'\U0010FFFF'}) {

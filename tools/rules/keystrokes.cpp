@@ -5,6 +5,7 @@
 #include "mapping/document_keys.h"
 #include "runner/key_names.h"
 #include "runner/modifiers.h"
+#include "text/ascii.h"
 #include "text/text.h"
 #include "tools/rules/rules.h"
 #include "tools/spelling.h"
@@ -44,7 +45,7 @@ std::vector<std::string_view> namesOf(const Table& table) {
 /// Names that a slip of the pen may have spoilt; of function keys only the number could be wrong.
 std::vector<std::string_view> spelledNames() {
   auto names = namesOf(keyNames);
-  std::erase_if(names, [](auto name) { return name.size() > 1 && name[1] >= '0' && name[1] <= '9'; });
+  std::erase_if(names, [](auto name) { return name.size() > 1 && text::isAsciiDigit(name[1]); });
   return names;
 }
 

@@ -1,4 +1,5 @@
 #include "hosts/x11/applications/target_registry.h"
+#include "text/ascii.h"
 
 #include <algorithm>
 #include <array>
@@ -22,12 +23,8 @@ constexpr auto standIns = std::to_array<StandIn>({
 /// How the classes of LibreOffice's windows begin.
 constexpr auto changing = std::to_array<std::string_view>({"libreoffice", "soffice", "vclsalframe"});
 
-constexpr char lower(char letter) {
-  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool matches(std::string_view name, std::string_view lowerCase) {
-  return std::ranges::equal(name, lowerCase, {}, lower);
+  return std::ranges::equal(name, lowerCase, {}, text::asciiLower);
 }
 
 bool startsWith(std::string_view name, std::string_view lowerCase) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "hosts/x11/toolkit.h"
+#include "text/utf8.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -18,9 +19,8 @@ NotifierItem::Manner mannerFor(const NotifierHost& host) {
 /// What the tool tip says below the title: the menu's first line.
 std::string detailsOf(const platform::Menu& menu) {
   if (menu.rows.empty()) return "";
-  const auto& line = menu.rows.front().title;
-  const GText valid(g_utf8_make_valid(line.data(), static_cast<gssize>(line.size())));
-  const GText escaped(g_markup_escape_text(valid.get(), -1));
+  const auto line = text::validText(menu.rows.front().title);
+  const GText escaped(g_markup_escape_text(line.c_str(), -1));
   return escaped.get();
 }
 

@@ -1,4 +1,5 @@
 #include "hosts/x11/status/notifier_menu.h"
+#include "text/utf8.h"
 
 #include <string>
 #include <utility>
@@ -74,11 +75,10 @@ GVariant* property(std::string_view name) {
 
 /// A title as the protocol has it: an underscore by itself marks the letter after it.
 std::string labelOf(const std::string& title) {
-  const GText valid(g_utf8_make_valid(title.data(), static_cast<gssize>(title.size())));
   std::string label;
-  for (const char* at = valid.get(); *at != '\0'; ++at) {
-    label += *at;
-    if (*at == '_') label += '_';
+  for (const char c : text::validText(title)) {
+    label += c;
+    if (c == '_') label += '_';
   }
   return label;
 }

@@ -4,16 +4,9 @@
 
 #include "hosts/x11/gobject.h"
 #include "hosts/x11/toolkit.h"
+#include "text/utf8.h"
 
 namespace keyvora::x11 {
-namespace {
-
-std::string validText(std::string_view text) {
-  const GText valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
-  return valid.get();
-}
-
-}  // namespace
 
 StatusItem::StatusItem(MainLoop& loop, platform::Seconds patience, std::function<void()> onUnseen)
     : loop_(loop),
@@ -31,7 +24,7 @@ StatusItem::~StatusItem() {
 }
 
 void StatusItem::setTitle(std::string_view title) {
-  auto text = validText(title);
+  auto text = text::validText(title);
   if (text == title_) return;
   title_ = std::move(text);
   if (notifier_) notifier_->setTitle(title_);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "hosts/x11/gobject.h"
+#include "text/utf8.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -14,10 +15,6 @@ using Command = std::function<void()>;
 
 /// A long line of information wraps rather than running off the screen.
 constexpr int longestLine = 60;
-
-GText validText(const std::string& text) {
-  return GText(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
-}
 
 /// The letter that a key types on the user's layout; on a layout of another script, the one that it types on
 /// the next layout that has Latin letters.
@@ -45,9 +42,9 @@ std::optional<char> letterOf(const GdkEventKey& event) {
 
 GtkWidget* makeItem(const platform::MenuRow& row) {
   if (row.isSeparator) return gtk_separator_menu_item_new();
-  const auto title = validText(row.title);
-  GtkWidget* item = row.checked ? gtk_check_menu_item_new_with_label(title.get())
-                                : gtk_menu_item_new_with_label(title.get());
+  const auto title = text::validText(row.title);
+  GtkWidget* item = row.checked ? gtk_check_menu_item_new_with_label(title.c_str())
+                                : gtk_menu_item_new_with_label(title.c_str());
   if (row.checked) gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(item), TRUE);
   gtk_widget_set_sensitive(item, row.isEnabled());
 

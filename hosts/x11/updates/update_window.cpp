@@ -1,4 +1,6 @@
 #include "hosts/x11/updates/update_window.h"
+#include "hosts/x11/gobject.h"
+#include "text/utf8.h"
 
 #include <gtk/gtk.h>
 
@@ -24,15 +26,8 @@ void onSignal(GtkWidget* widget, const char* signal, std::function<void()> handl
                         static_cast<GConnectFlags>(0));
 }
 
-/// As GTK needs it: whatever the feed said.
-std::string validText(const std::string& text) {
-  const std::unique_ptr<char, decltype(&g_free)> valid(
-      g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())), g_free);
-  return valid.get();
-}
-
 GtkWidget* addLabel(GtkWidget* box, const std::string& text) {
-  GtkWidget* label = gtk_label_new(validText(text).c_str());
+  GtkWidget* label = gtk_label_new(text::validText(text).c_str());
   gtk_label_set_xalign(GTK_LABEL(label), 0);
   gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
   gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
@@ -58,7 +53,7 @@ void addNotes(GtkWidget* box, const std::string& notes) {
   gtk_text_view_set_top_margin(GTK_TEXT_VIEW(view), spacing);
   gtk_text_view_set_bottom_margin(GTK_TEXT_VIEW(view), spacing);
   atk_object_set_name(gtk_widget_get_accessible(view), "Release notes");
-  gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), validText(notes).c_str(), -1);
+  gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), text::validText(notes).c_str(), -1);
 
   GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
@@ -66,6 +61,13 @@ void addNotes(GtkWidget* box, const std::string& notes) {
   gtk_widget_set_vexpand(scrolled, TRUE);
   gtk_container_add(GTK_CONTAINER(scrolled), view);
   gtk_container_add(GTK_CONTAINER(box), scrolled);
+}
+
+/// The address as a link that opens in the user's browser and leaves the window as it is.
+void addNotesLink(GtkWidget* box, const std::string& address) {
+  const GText escaped(g_markup_escape_text(address.c_str(), -1));
+  const std::string link = std::string("<a href=\"") + escaped.get() + "\">" + escaped.get() + "</a>";
+  gtk_label_set_markup(GTK_LABEL(addLabel(box, "")), ("Release notes: " + link).c_str());
 }
 
 GtkWidget* addButtonBox(GtkWidget* box) {
@@ -112,6 +114,7 @@ void UpdateWindow::showUpdate(const appcast::Announcement& announcement,
   GtkWidget* box = beginContents("keyvora " + announcement.displayVersion + " is available", details,
                                  [chosen] { chosen(Choice::later); });
   if (!announcement.notes.empty()) addNotes(box, announcement.notes);
+  if (!announcement.notesAddress.empty()) addNotesLink(box, announcement.notesAddress);
 
   GtkWidget* buttons = addButtonBox(box);
   addButton(buttons, "Skip This Version", [chosen] { chosen(Choice::skip); });

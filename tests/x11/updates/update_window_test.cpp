@@ -88,7 +88,7 @@ class UpdateWindowTest : public testing::Test {
   void SetUp() override { ensureToolkit(); }
 
   void showUpdate() {
-    window.showUpdate({"1.3", "1.2", "• faster\n• better", "https://example.org/get"},
+    window.showUpdate({"1.3", "1.2", "• faster\n• better", "", "https://example.org/get"},
                       [this](Choice choice) { chosen.push_back(choice); });
   }
 
@@ -123,10 +123,25 @@ TEST_F(UpdateWindowTest, ShowsAnUpdateWithItsNotesAndWhereToGetIt) {
 }
 
 TEST_F(UpdateWindowTest, WithoutNotesOrAnAddressTheyAreLeftOut) {
-  window.showUpdate({"1.3", "1.2", "", ""}, [](Choice) {});
+  window.showUpdate({"1.3", "1.2", "", "", ""}, [](Choice) {});
   EXPECT_THAT(contents(), ElementsAre("keyvora 1.3 is available",
                                       "This is version 1.2. Your package manager installs updates.",
                                       "[Skip This Version]", "[Later]"));
+}
+
+TEST_F(UpdateWindowTest, NotesThatAreAPageAreALink) {
+  window.showUpdate({"1.3", "1.2", "", "https://example.org/n?a=1&b=<2>", ""}, [](Choice) {});
+  EXPECT_THAT(
+      contents(),
+      ElementsAre("keyvora 1.3 is available", "This is version 1.2. Your package manager installs updates.",
+                  "Release notes: https://example.org/n?a=1&b=<2>", "[Skip This Version]", "[Later]"));
+  std::string link;
+  visit(GTK_WIDGET(shownWindow()), [&link](GtkWidget* widget) {
+    if (GTK_IS_LABEL(widget) &&
+        std::string_view(gtk_label_get_label(GTK_LABEL(widget))).starts_with("Release"))
+      link = gtk_label_get_label(GTK_LABEL(widget));
+  });
+  EXPECT_NE(link.find("<a href=\"https://example.org/n?a=1&amp;b=&lt;2&gt;\">"), std::string::npos) << link;
 }
 
 TEST_F(UpdateWindowTest, EachButtonIsAChoice) {
