@@ -4,27 +4,36 @@
 include(FetchContent)
 
 set(utf8proc_commit 34db3f7954e9298e89f42641ac78e0450f80a70d)    # 2.9.0
+set(fast_float_commit 00c8c7b0d5c722d2212568d915a39ea73b08b973)  # 6.1.6
 set(rapidjson_commit 24b5e7a8b27f42fa16b96fc70aade9106cf7102f)   # after 1.1.0, which modern compilers reject
 set(googletest_commit f8d7d77c06936315286eb55f8de22cd23c188571)  # 1.14.0
 
 FetchContent_Declare(utf8proc SYSTEM
   GIT_REPOSITORY https://github.com/JuliaStrings/utf8proc.git GIT_TAG ${utf8proc_commit})
-# Headers only: its own build file would add its tests and documents, and its submodule is for those tests.
-FetchContent_Declare(rapidjson
-  GIT_REPOSITORY https://github.com/Tencent/rapidjson.git GIT_TAG ${rapidjson_commit} GIT_SUBMODULES ""
+# Headers only: its own build file is not needed.
+FetchContent_Declare(fast_float
+  GIT_REPOSITORY https://github.com/fastfloat/fast_float.git GIT_TAG ${fast_float_commit}
   SOURCE_SUBDIR include)
 set(CMAKE_POLICY_VERSION_MINIMUM 3.5)  # utf8proc asks for an older CMake than a new CMake still imitates
-FetchContent_MakeAvailable(utf8proc rapidjson)
+FetchContent_MakeAvailable(utf8proc fast_float)
 unset(CMAKE_POLICY_VERSION_MINIMUM)
 add_library(keyvora_utf8proc ALIAS utf8proc)
-add_library(keyvora_rapidjson INTERFACE)
-target_include_directories(keyvora_rapidjson SYSTEM INTERFACE ${rapidjson_SOURCE_DIR}/include)
+add_library(keyvora_fast_float INTERFACE)
+target_include_directories(keyvora_fast_float SYSTEM INTERFACE ${fast_float_SOURCE_DIR}/include)
 
 if(KEYVORA_TESTS)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
   FetchContent_Declare(googletest SYSTEM
     GIT_REPOSITORY https://github.com/google/googletest.git GIT_TAG ${googletest_commit})
   FetchContent_MakeAvailable(googletest)
+  # Reads what the tests expect. Headers only: its own build file would add its tests and documents, and its
+  # submodule is for those tests.
+  FetchContent_Declare(rapidjson
+    GIT_REPOSITORY https://github.com/Tencent/rapidjson.git GIT_TAG ${rapidjson_commit} GIT_SUBMODULES ""
+    SOURCE_SUBDIR include)
+  FetchContent_MakeAvailable(rapidjson)
+  add_library(keyvora_rapidjson INTERFACE)
+  target_include_directories(keyvora_rapidjson SYSTEM INTERFACE ${rapidjson_SOURCE_DIR}/include)
 endif()
 
 # Sparkle: the release's own archive, held to its published hash, or a folder that has Sparkle.framework.

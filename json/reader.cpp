@@ -1,12 +1,12 @@
-#include <rapidjson/reader.h>
-
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <utility>
 
 #include "json/encoding.h"
-#include "json/source.h"
-#include "json/syntax_error.h"
 #include "json/tree.h"
+#include "text/ascii.h"
+#include "text/utf8.h"
 
 namespace keyvora::json {
 namespace {
@@ -28,162 +28,231 @@ Position positionAt(std::string_view text, std::size_t offset) {
   return position;
 }
 
-/// Where in a string as it is written, its escapes being whole, one stands for the second half of a surrogate
-/// pair without the first: some versions of the parser let that pass.
-std::size_t loneSecondHalf(std::string_view written) {
-  auto at = written.find('\\');
-  while (at != written.npos) {
-    const auto lower = [&](std::size_t digit) { return static_cast<char>(written[at + 2 + digit] | 0x20); };
-    const bool unit = written[at + 1] == 'u';
-    const bool half = unit && lower(0) == 'd' && lower(1) >= '8';
-    if (half && lower(1) >= 'c') return at;
-    constexpr std::size_t unitLength = 6;
-    at = written.find('\\', at + (half ? 2 * unitLength : unit ? unitLength : 2));
+std::optional<char32_t> hexadecimal(std::string_view digits) {
+  char32_t value = 0;
+  for (const char c : digits) {
+    const char lower = text::asciiLower(c);
+    if (!text::isAsciiDigit(c) && (lower < 'a' || lower > 'f')) return {};
+    value = value * 16 + static_cast<char32_t>(text::isAsciiDigit(c) ? c - '0' : lower - 'a' + 10);
   }
-  return at;
-}
-
-/// Whether a character may stand between two tokens.
-bool separates(char c) {
-  return c == ' ' || c == ',' || c == ':' || c == '\n' || c == '\t' || c == '\r';
+  return value;
 }
 
 }  // namespace
 
-/// Makes nodes of the parser's events. Each event comes when its token is read, so that the token's start has
-/// to be found before it: nothing but white space, commas and colons stands between two tokens.
-class TreeBuilder {
+/// Reads a document by recursive descent, as deep as `maximumDepth` lets it. Each step reads what it is named
+/// after; the first fault is kept and ends them all with false.
+class Reader {
  public:
-  explicit TreeBuilder(Tree& tree) : tree_(tree), text_(tree.text()), source_(text_) {
+  explicit Reader(Tree& tree) : tree_(tree), text_(tree.text()) {
     // A document that people write has a key or value every dozen bytes or more.
     constexpr std::size_t bytesPerNode = 12;
     constexpr std::size_t mostReserved = std::size_t{1} << 16;
     tree_.nodes_.reserve(std::min(text_.size() / bytesPerNode, mostReserved));
-    lookAhead(0);
   }
 
   /// Reads the whole text; the error, when it is not JSON.
   std::optional<SyntaxError> read() {
-    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseTrailingCommasFlag;
-    rapidjson::Reader reader;
-    const auto result = reader.Parse<flags>(source_, *this);
-    if (own_) return own_;
-    if (result.IsError()) {
-      // A string that is never closed is found at the end of the text and looked for at its start.
-      const bool unclosed = result.Code() == rapidjson::kParseErrorStringMissQuotationMark && source_.atEnd();
-      const std::size_t offset = unclosed ? next_ : result.Offset();
-      return error(syntaxErrorReason(result.Code(), text_, result.Offset()), offset);
+    if (next() == end) {
+      fail("the document is empty", at_);
+    } else if (value() && next() != end) {
+      failToFind("nothing more after the document");
     }
-    // The parser takes a zero byte for the end.
-    const std::size_t end = source_.Tell();
-    if (end < text_.size()) {
-      return error(syntaxErrorReason(rapidjson::kParseErrorDocumentRootNotSingular, text_, end), end);
-    }
-    return {};
+    return std::move(error_);
   }
-
-  // The parser's events. Numbers come as some integer, since the source hides what they are.
-  bool Null() { return scalar(Type::null, 4); }
-  bool Bool(bool value) { return scalar(Type::boolean, value ? 4 : 5); }
-  bool Int(int) { return number(); }
-  bool Uint(unsigned) { return number(); }
-  bool Int64(std::int64_t) { return number(); }
-  bool Uint64(std::uint64_t) { return number(); }
-  bool Double(double) { return number(); }
-  bool RawNumber(const char*, rapidjson::SizeType, bool) { return number(); }
-  bool String(const char* characters, rapidjson::SizeType length, bool) {
-    return string({characters, length});
-  }
-  bool Key(const char* characters, rapidjson::SizeType length, bool) { return string({characters, length}); }
-  bool StartObject() { return open(Type::object); }
-  bool StartArray() { return open(Type::array); }
-  bool EndObject(rapidjson::SizeType count) { return close(count); }
-  bool EndArray(rapidjson::SizeType count) { return close(count); }
 
  private:
-  SyntaxError error(std::string reason, std::size_t offset) const {
-    return {std::move(reason), positionAt(text_, offset)};
+  /// Stands for the character after the last.
+  static constexpr int end = -1;
+
+  [[nodiscard]] int peek() const { return at_ < text_.size() ? static_cast<unsigned char>(text_[at_]) : end; }
+
+  /// The character that follows white space.
+  int next() {
+    while (at_ < text_.size() &&
+           (text_[at_] == ' ' || text_[at_] == '\n' || text_[at_] == '\r' || text_[at_] == '\t'))
+      ++at_;
+    return peek();
+  }
+
+  bool take(char c) {
+    if (peek() != c) return false;
+    ++at_;
+    return true;
   }
 
   bool fail(std::string reason, std::size_t offset) {
-    own_ = error(std::move(reason), offset);
+    error_ = SyntaxError{std::move(reason), positionAt(text_, offset)};
     return false;
   }
 
-  /// Finds the next token from `offset` on, and shows it as a nought when it is a number.
-  void lookAhead(std::size_t offset) {
-    while (offset < text_.size() && separates(text_[offset])) ++offset;
-    next_ = offset;
-    if (next_ == text_.size()) return;
-    const char first = text_[next_];
-    if (first != '-' && (first < '0' || first > '9')) return;
-    numberLength_ = numberLength(text_.substr(next_));
-    if (numberLength_ > 0) source_.hideNumber(next_, next_ + numberLength_);
+  /// The character at an offset as it can be shown on a line: itself, or its number when it does not print.
+  [[nodiscard]] std::string shown(std::size_t offset) const {
+    if (offset >= text_.size()) return "the end of the document";
+    const auto codePoint = text::firstCodePoint(text_.substr(offset));
+    if (codePoint.value > 0x20 && codePoint.value < 0x7F) return {'\'', text_[offset], '\''};
+    std::array<char, 16> number{};
+    std::snprintf(number.data(), number.size(), "U+%04X", static_cast<unsigned>(codePoint.value));
+    return number.data();
   }
 
-  bool add(Tree::Node node) {
+  bool failToFind(std::string_view what) {
+    if (peek() == '/' || peek() == '#') return fail("comments are not allowed", at_);
+    return fail("expected " + std::string(what) + ", found " + shown(at_), at_);
+  }
+
+  /// Adds the node of what starts at an offset; its size and the rest are filled in when they are known.
+  bool add(Type type, std::size_t offset) {
     if (tree_.nodes_.size() == maximumNodes) {
-      return fail("more than " + std::to_string(maximumNodes) + " keys and values", node.offset);
+      return fail("more than " + std::to_string(maximumNodes) + " keys and values", offset);
     }
-    tree_.nodes_.push_back(node);
+    tree_.nodes_.push_back({narrow(offset), 0, 0, type, false});
     return true;
   }
 
   static std::uint32_t narrow(std::size_t value) { return static_cast<std::uint32_t>(value); }
 
-  bool scalar(Type type, std::size_t size) {
-    if (!add({narrow(next_), narrow(size), 0, type, false})) return false;
-    lookAhead(next_ + size);
+  bool value() {
+    const int c = next();
+    if (c == '{') return container(Type::object, "a comma or '}'");
+    if (c == '[') return container(Type::array, "a comma or ']'");
+    if (c == '"') return string();
+    if (c == 't') return literal("true", Type::boolean);
+    if (c == 'f') return literal("false", Type::boolean);
+    if (c == 'n') return literal("null", Type::null);
+    if (c == '-' || (c >= '0' && c <= '9')) return number();
+    if (c == '\'') return fail("strings are written in double quotes", at_);
+    return failToFind("a value");
+  }
+
+  bool literal(std::string_view word, Type type) {
+    const std::size_t begin = at_;
+    for (const char c : word) {
+      if (!take(c)) return failToFind("a value");
+    }
+    if (!add(type, begin)) return false;
+    tree_.nodes_.back().size = narrow(word.size());
     return true;
   }
 
-  bool number() { return scalar(Type::number, numberLength_); }
+  bool digits(std::string_view where) {
+    if (!text::isAsciiDigit(static_cast<char>(peek()))) return failToFind(where);
+    while (text::isAsciiDigit(static_cast<char>(peek()))) ++at_;
+    return true;
+  }
 
-  bool string(std::string_view characters) {
-    const std::size_t end = source_.Tell();
-    const std::size_t quotes = 2;
-    const bool escaped = end - next_ != characters.size() + quotes;
-    const auto written = text_.substr(next_ + 1, end - next_ - quotes);
-    if (const auto half = escaped ? loneSecondHalf(written) : written.npos; half != written.npos) {
-      const std::size_t offset = next_ + 1 + half;
-      return fail(syntaxErrorReason(rapidjson::kParseErrorStringUnicodeSurrogateInvalid, text_, offset),
-                  offset);
+  bool number() {
+    const std::size_t begin = at_;
+    take('-');
+    if (!take('0') && !digits("a value")) return false;
+    if (take('.') && !digits("a digit after the decimal point")) return false;
+    if (take('e') || take('E')) {
+      if (!take('+')) take('-');
+      if (!digits("a digit in the exponent")) return false;
     }
+    if (!add(Type::number, begin)) return false;
+    tree_.nodes_.back().size = narrow(at_ - begin);
+    return true;
+  }
+
+  /// An array or object; one comma may trail.
+  bool container(Type type, std::string_view separator) {
+    if (depth_ == maximumDepth) {
+      return fail("arrays and objects nest more than " + std::to_string(maximumDepth) + " deep", at_);
+    }
+    const std::size_t node = tree_.nodes_.size();
+    if (!add(type, at_++)) return false;
+    ++depth_;
+    const char close = type == Type::object ? '}' : ']';
+    std::size_t count = 0;
+    while (next() != close) {
+      if (count > 0 && !take(',')) return failToFind(separator);
+      if (count > 0 && next() == close) break;
+      if (!(type == Type::object ? member() : value())) return false;
+      ++count;
+    }
+    ++at_;
+    --depth_;
+    tree_.nodes_[node].size = narrow(count);
+    tree_.nodes_[node].extra = narrow(tree_.nodes_.size());
+    return true;
+  }
+
+  bool member() {
+    if (next() != '"') return failToFind("a key in double quotes");
+    if (!string()) return false;
+    next();
+    return take(':') ? value() : failToFind("a colon after the key");
+  }
+
+  bool string() {
+    const std::size_t begin = at_++;
+    if (!add(Type::string, begin)) return false;
     const std::size_t unescaped = tree_.unescaped_.size();
-    if (escaped) tree_.unescaped_.append(characters);
-    if (!add({narrow(next_), narrow(characters.size()), narrow(unescaped), Type::string, escaped}))
-      return false;
-    lookAhead(end);
-    return true;
-  }
-
-  bool open(Type type) {
-    if (open_.size() == maximumDepth) {
-      return fail("arrays and objects nest more than " + std::to_string(maximumDepth) + " deep", next_);
+    std::size_t copied = at_;  // as far as the text stands in `unescaped_`, once there was an escape
+    bool escaped = false;
+    while (!take('"')) {
+      if (at_ == text_.size()) return fail("the string has no end", begin);
+      if (text_[at_] == '\\') {
+        tree_.unescaped_.append(text_.substr(copied, at_ - copied));
+        escaped = true;
+        if (!escape()) return false;
+        copied = at_;
+      } else if (static_cast<unsigned char>(text_[at_]) < 0x20) {
+        return fail("a control character in a string is written as an escape, found " + shown(at_), at_);
+      } else {
+        ++at_;
+      }
     }
-    open_.push_back(narrow(tree_.nodes_.size()));
-    if (!add({narrow(next_), 0, 0, type, false})) return false;
-    lookAhead(next_ + 1);
+    auto& node = tree_.nodes_.back();
+    node.escaped = escaped;
+    node.extra = narrow(unescaped);
+    if (escaped) tree_.unescaped_.append(text_.substr(copied, at_ - 1 - copied));
+    node.size = narrow(escaped ? tree_.unescaped_.size() - unescaped : at_ - begin - 2);
     return true;
   }
 
-  bool close(std::size_t count) {
-    auto& node = tree_.nodes_[open_.back()];
-    open_.pop_back();
-    node.size = narrow(count);
-    node.extra = narrow(tree_.nodes_.size());
-    lookAhead(source_.Tell() + 1);
+  bool escape() {
+    const std::size_t begin = at_++;
+    constexpr std::string_view names = "\"\\/bfnrt";
+    constexpr std::string_view characters = "\"\\/\b\f\n\r\t";
+    if (take('u')) return unicodeEscape(begin);
+    const auto which = at_ < text_.size() ? names.find(text_[at_]) : names.npos;
+    if (which == names.npos) return fail("no escape starts with a backslash and " + shown(at_), begin);
+    tree_.unescaped_ += characters[which];
+    ++at_;
+    return true;
+  }
+
+  /// The four digits after \u, and the second half of a surrogate pair.
+  bool unicodeEscape(std::size_t begin) {
+    const auto unit = [&]() -> std::optional<char32_t> {
+      constexpr std::size_t length = 4;
+      const auto digits = text_.substr(std::min(at_, text_.size()), length);
+      at_ += digits.size();
+      return digits.size() == length ? hexadecimal(digits) : std::nullopt;
+    };
+    constexpr auto badDigits = "\\u takes four hexadecimal digits";
+    constexpr auto badHalf = "half of a surrogate pair is no character";
+    auto codePoint = unit();
+    if (!codePoint) return fail(badDigits, begin);
+    if (*codePoint >= 0xDC00 && *codePoint <= 0xDFFF) return fail(badHalf, begin);
+    if (*codePoint >= 0xD800 && *codePoint <= 0xDBFF) {
+      if (!take('\\') || !take('u')) return fail(badHalf, begin);
+      const auto second = unit();
+      if (!second) return fail(badDigits, begin);
+      if (*second < 0xDC00 || *second > 0xDFFF) return fail(badHalf, begin);
+      codePoint = 0x10000 + ((*codePoint - 0xD800) << 10) + (*second - 0xDC00);
+    }
+    text::append(tree_.unescaped_, *codePoint);
     return true;
   }
 
   Tree& tree_;
   std::string_view text_;
-  Source source_;
-  /// Where the next token starts, and how long it is if it is a number.
-  std::size_t next_ = 0;
-  std::size_t numberLength_ = 0;
-  std::vector<std::uint32_t> open_;
-  std::optional<SyntaxError> own_;
+  std::size_t at_ = 0;
+  std::size_t depth_ = 0;
+  std::optional<SyntaxError> error_;
 };
 
 std::variant<Tree, SyntaxError> Tree::parse(std::string_view bytes) {
@@ -197,7 +266,7 @@ std::variant<Tree, SyntaxError> Tree::parse(std::string_view bytes) {
   if (document.fault) {
     return SyntaxError{"the text is not well-formed Unicode", positionAt(tree.text(), *document.fault)};
   }
-  if (auto error = TreeBuilder(tree).read()) return *std::move(error);
+  if (auto error = Reader(tree).read()) return *std::move(error);
   return tree;
 }
 

@@ -93,7 +93,7 @@ class Tree {
   friend class Value;
   friend class Elements;
   friend class Members;
-  friend class TreeBuilder;
+  friend class Reader;
 
   /// The nodes are the document in its order: a container's content follows it, a member is its key's node
   /// and then its value's.

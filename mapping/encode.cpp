@@ -1,12 +1,10 @@
 #include "mapping/encode.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <map>
 #include <string_view>
 #include <variant>
 
+#include "json/writer.h"
 #include "mapping/document_keys.h"
 
 namespace keyvora {
@@ -17,28 +15,26 @@ class Encoder {
  public:
   std::string encode(const Mapping& mapping) {
     write(mapping);
-    return {buffer_.GetString(), buffer_.GetSize()};
+    return writer_.text();
   }
 
  private:
-  void write(std::string_view text) {
-    writer_.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-  }
+  void write(std::string_view text) { writer_.string(text); }
 
-  void write(std::int64_t number) { writer_.Int64(number); }
+  void write(std::int64_t number) { writer_.number(number); }
 
   template <typename Element>
   void write(const std::vector<Element>& elements) {
-    writer_.StartArray();
+    writer_.beginArray();
     for (const auto& element : elements) write(element);
-    writer_.EndArray();
+    writer_.endArray();
   }
 
   void write(const std::map<std::string, std::string, KeyOrder>& tabs) {
     const std::map<std::string_view, std::string_view> byBytes(tabs.begin(), tabs.end());
-    writer_.StartObject();
+    writer_.beginObject();
     for (const auto& [key, value] : byBytes) member(key, value);
-    writer_.EndObject();
+    writer_.endObject();
   }
 
   void write(const action::AppleScript& action) {
@@ -63,37 +59,36 @@ class Encoder {
   }
 
   void write(const Action& action) {
-    writer_.StartObject();
+    writer_.beginObject();
     std::visit([&](const auto& one) { write(one); }, action);
-    writer_.EndObject();
+    writer_.endObject();
   }
 
   void write(const Sequence& sequence) {
-    writer_.StartObject();
+    writer_.beginObject();
     member(key::action, sequence.action);
     member(key::keys, sequence.keys);
     member(key::name, sequence.name);
-    writer_.EndObject();
+    writer_.endObject();
   }
 
   void write(const Mapping& mapping) {
-    writer_.StartObject();
+    writer_.beginObject();
     if (mapping.notes) member(key::notes, *mapping.notes);
     member(key::sequences, mapping.sequences);
     member(key::tabs, mapping.tabs);
     if (mapping.timeoutMilliseconds) member(key::timeoutMilliseconds, *mapping.timeoutMilliseconds);
     member(key::version, mapping.version);
-    writer_.EndObject();
+    writer_.endObject();
   }
 
   template <typename Value>
   void member(std::string_view key, const Value& value) {
-    writer_.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
+    writer_.key(key);
     write(value);
   }
 
-  rapidjson::StringBuffer buffer_;
-  rapidjson::Writer<rapidjson::StringBuffer> writer_{buffer_};
+  json::Writer writer_;
 };
 
 }  // namespace

@@ -1,19 +1,20 @@
 #include "tools/check.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
+#include "json/writer.h"
 #include "tools/errors.h"
 #include "tools/rules/rules.h"
 
 namespace keyvora::tools {
 namespace {
 
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+void member(json::Writer& writer, std::string_view key, std::string_view value) {
+  writer.key(key);
+  writer.string(value);
+}
 
-void member(Writer& writer, const char* key, std::string_view value) {
-  writer.Key(key);
-  writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+void member(json::Writer& writer, std::string_view key, std::size_t value) {
+  writer.key(key);
+  writer.number(static_cast<std::int64_t>(value));
 }
 
 }  // namespace
@@ -37,27 +38,24 @@ std::string asText(const Findings& findings, std::string_view file) {
 }
 
 std::string asJson(const Findings& findings, std::string_view file) {
-  rapidjson::StringBuffer buffer;
-  Writer writer(buffer);
-  writer.StartObject();
+  json::Writer writer;
+  writer.beginObject();
   member(writer, "file", file);
-  writer.Key("findings");
-  writer.StartArray();
+  writer.key("findings");
+  writer.beginArray();
   for (const auto& finding : findings) {
-    writer.StartObject();
+    writer.beginObject();
     member(writer, "severity", nameOf(finding.severity));
     member(writer, "rule", finding.rule);
-    writer.Key("line");
-    writer.Uint64(finding.position.line);
-    writer.Key("column");
-    writer.Uint64(finding.position.column);
+    member(writer, "line", finding.position.line);
+    member(writer, "column", finding.position.column);
     member(writer, "path", finding.path);
     member(writer, "text", finding.text);
-    writer.EndObject();
+    writer.endObject();
   }
-  writer.EndArray();
-  writer.EndObject();
-  return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+  writer.endArray();
+  writer.endObject();
+  return writer.text() + "\n";
 }
 
 }  // namespace keyvora::tools

@@ -20,13 +20,13 @@ FOLDERS = {
     "log": {"platform"},
     "mapping": {"json", "text", "log", "platform"},
     "runner": {"log", "text", "platform"},
-    "tap": {"mapping", "runner", "log", "platform"},
+    "tap": {"mapping", "runner", "text", "log", "platform"},
     "system": {"log", "platform"},
     "app": {"log", "mapping", "tap", "system", "platform"},
-    "appcast": {"platform"},
+    "appcast": {"text", "platform"},
     "hosts/posix": {"platform"},
     "hosts/simulated": {"platform"},
-    "hosts/x11": {"platform", "appcast", "hosts/posix", "hosts/x11/tap"},
+    "hosts/x11": {"platform", "text", "appcast", "hosts/posix", "hosts/x11/tap"},
     "hosts/x11/tap": {"platform", "hosts/posix", "hosts/x11"},
     "hosts/macos": {"platform"},
     "tools": {"json", "mapping", "runner", "tap", "text", "platform", "hosts/simulated"},
@@ -36,7 +36,7 @@ FREE = {"tests", "bench", "fuzz"}
 
 # Library -> how its headers' names begin. The standard library and the C library's own headers are everyone's.
 LIBRARIES = {
-    "rapidjson": ("rapidjson/",),
+    "fast_float": ("fast_float/",),
     "utf8proc": ("utf8proc.h",),
     "pugixml": ("pugixml.hpp",),
     "curl": ("curl/",),
@@ -52,14 +52,13 @@ LIBRARIES = {
 # Folder -> the libraries that it may include.
 USES = {
     "text": {"utf8proc"},
-    "json": {"rapidjson"},
-    "mapping": {"rapidjson"},
-    "appcast": {"curl", "pugixml", "utf8proc"},
+    "json": {"fast_float"},
+    "appcast": {"curl", "pugixml"},
     "hosts/posix": {"posix"},
     "hosts/x11": {"posix", "xlib", "glib", "gtk", "pango", "atspi", "curl", "pugixml"},
     "hosts/x11/tap": {"posix", "xlib"},
     "hosts/macos": {"posix", "apple"},
-    "tools": {"rapidjson", "posix"},
+    "tools": {"posix"},
 }
 
 INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*(?:"([^"]+)"|<([^>]+)>)')

@@ -69,7 +69,7 @@ class Sources(unittest.TestCase):
         self.assertEqual(sorted(checkouts), sorted(f"{commit} --" for commit in commits.values()), calls)
 
     def test_rapidjson_is_cloned_without_its_submodule(self) -> None:
-        result = self.configure()
+        result = self.configure("-DKEYVORA_TESTS=ON")
         self.assertEqual(result.returncode, 0, result.stdout)
         of_rapidjson = self.calls.read_text(encoding="utf-8").partition("rapidjson.git")[2].partition("clone")[0]
         self.assertIn("checkout", of_rapidjson)
