@@ -209,7 +209,7 @@ TEST_F(UpdateWindowTest, TextsOfAFeedAreShownAsTextWhateverTheyHold) {
   window.showUpdate({"<b>1.3</b>", "1.2",
                      "a\xFF"
                      "b <i>&amp;</i>",
-                     ""},
+                     "", ""},
                     [](Choice) {});
   const auto lines = contents();
   ASSERT_EQ(lines.size(), 5U);
