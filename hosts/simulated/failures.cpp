@@ -32,6 +32,7 @@ std::uint64_t Failures::count(Call call) const {
 }
 
 bool Failures::fails(Call call) {
+  if (onCall) onCall(call);
   const auto time = ++counts_[indexOf(call)];
   if (!anyRule_) return false;
   const std::scoped_lock lock(mutex_);

@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <utility>
@@ -11,9 +12,14 @@
 
 namespace keyvora::simulated {
 
-/// Makes calls of the door fail, and counts them. What failing means for a call says `allCalls`. Any thread.
+/// Makes calls of the door fail, counts them, and tells of each. What failing means for a call says
+/// `allCalls`. Any thread.
 class Failures {
  public:
+  /// Told of each call when it is made, before it is done, on its thread: for tests of an order that leaves
+  /// no trace. Set while nothing else calls.
+  std::function<void(Call)> onCall;
+
   /// The call fails from now on.
   void always(Call call);
 

@@ -63,6 +63,16 @@ class HeldWork {
     pipes_.push_back(std::move(pipe));
   }
 
+  void drained(std::chrono::milliseconds limit) {
+    const std::scoped_lock lock(mutex_);
+    drainLimits_.push_back(limit);
+  }
+
+  std::vector<std::chrono::milliseconds> drainLimits() {
+    const std::scoped_lock lock(mutex_);
+    return drainLimits_;
+  }
+
   void release() {
     held = false;
     std::vector<std::weak_ptr<Pipe>> pipes;
@@ -78,6 +88,7 @@ class HeldWork {
  private:
   std::mutex mutex_;
   std::vector<std::weak_ptr<Pipe>> pipes_;
+  std::vector<std::chrono::milliseconds> drainLimits_;
 };
 
 }  // namespace detail
@@ -93,6 +104,7 @@ class Queues::Serial final : public platform::SerialQueue {
   }
 
   bool drain(std::chrono::milliseconds limit) override {
+    held_->drained(limit);
     if (world_.fails(Call::drain)) return false;
     if (held_->held) return pipe_->isEmpty();
     return pipe_->waitUntilIdle(limit);
@@ -108,6 +120,10 @@ Queues::Queues(World& world, MainLoop& loop)
     : world_(world), loop_(loop), held_(std::make_shared<detail::HeldWork>()) {}
 
 Queues::~Queues() = default;
+
+std::vector<std::chrono::milliseconds> Queues::drainLimits() const {
+  return held_->drainLimits();
+}
 
 void Queues::hold() {
   held_->held = true;

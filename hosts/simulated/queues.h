@@ -39,6 +39,9 @@ class Queues final : public platform::Queues {
   /// The labels of the serial queues that were made, in order.
   [[nodiscard]] std::vector<std::string> labels() const;
 
+  /// How long each `drain` so far would have waited, in order. Any thread.
+  [[nodiscard]] std::vector<std::chrono::milliseconds> drainLimits() const;
+
   std::unique_ptr<platform::SerialQueue> createSerial(const std::string& label) override;
   void walk(platform::Plan plan) override;
 

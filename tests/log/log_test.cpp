@@ -77,6 +77,15 @@ TEST_F(LogTest, TheConsoleCopyComesFirstAndTheCallerNeverWaitsForTheFile) {
   EXPECT_EQ(file(), "2026-01-02 03:04:05 one\n2026-01-02 03:04:10 two\n") << "stamped when called";
 }
 
+TEST_F(LogTest, TheConsoleHasItsCopyBeforeTheRecordIsQueued) {
+  std::vector<Call> order;
+  host.failures.onCall = [&](Call call) {
+    if (call == Call::writeConsole || call == Call::async) order.push_back(call);
+  };
+  Log::line("one");
+  EXPECT_THAT(order, ElementsAre(Call::writeConsole, Call::async));
+}
+
 TEST_F(LogTest, ItsQueueIsNamedAfterTheProgram) {
   Log::line("one");
   Log::line("two");
@@ -152,6 +161,7 @@ TEST_F(LogTest, AnEndOfTheProcessWaitsForTheRecordsForABoundedTime) {
   EXPECT_EQ(host.failures.count(Call::drain), 0u);
   host.process.exit(0);
   EXPECT_EQ(host.failures.count(Call::drain), 1u);
+  EXPECT_THAT(host.queues.drainLimits(), ElementsAre(std::chrono::seconds(2)));
 }
 
 TEST(LogScopeTest, AnEndOfTheProcessAfterTheScopeIsHarmless) {

@@ -49,6 +49,35 @@ TEST_F(MappingStoreWatchTest, WatchesOnAfterEveryKindOfSave) {
   EXPECT_EQ(host.failures.count(Call::watch), 5u) << "each opens the path anew";
 }
 
+TEST_F(MappingStoreWatchTest, AnOpenMenuOfOursDoesNotHoldAReloadUp) {
+  host.mainLoop.menuTracking = true;
+  host.files.write(path, document("B"));
+  host.advance(0.2);
+  EXPECT_EQ(keys(), "B");
+}
+
+TEST_F(MappingStoreWatchTest, ReloadsThenCancelsThenWatchesAnew) {
+  std::vector<std::string> order;
+  host.failures.onCall = [&](Call call) {
+    if (call != Call::read && call != Call::watch) return;
+    order.push_back(std::string(simulated::traits(call).name) + " beside " +
+                    std::to_string(host.files.watchCount()));
+  };
+  host.files.write(path, document("B"));
+  host.advance(0.2);
+  EXPECT_THAT(order, ElementsAre("read beside 1", "watch beside 0"));
+}
+
+TEST_F(MappingStoreTest, TheFirstLoadComesBeforeTheFirstWatch) {
+  host.files.write(path, document("A"));
+  std::vector<Call> order;
+  host.failures.onCall = [&](Call call) {
+    if (call == Call::read || call == Call::watch) order.push_back(call);
+  };
+  store();
+  EXPECT_THAT(order, ElementsAre(Call::read, Call::watch));
+}
+
 TEST_F(MappingStoreWatchTest, FollowsAFileThatIsMovedAwayAndWrittenAnew) {
   host.files.rename(path, directory / "mappings.json~");
   host.files.write(path, document("B"));
