@@ -1,6 +1,7 @@
 #import "hosts/macos/menu_rendering.h"
 
 #include <gtest/gtest.h>
+#import <objc/runtime.h>
 
 #include "hosts/macos/application.h"
 
@@ -77,7 +78,7 @@ TEST_F(MenuRendering, RowsGoToTheApplicationsDelegate) {
 TEST_F(MenuRendering, TheRowThatEndsTheApplicationIsTheApplicationsOwnCommand) {
   NSMenuItem* quit = [menu_ itemAtIndex:4];
   EXPECT_EQ(quit.target, nil);
-  EXPECT_EQ(quit.action, @selector(terminate:));
+  EXPECT_TRUE(sel_isEqual(quit.action, @selector(terminate:)));
   EXPECT_EQ(quit.representedObject, nil);
   EXPECT_TRUE([quit.keyEquivalent isEqualToString:@"q"]);
 }

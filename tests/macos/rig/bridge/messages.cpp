@@ -18,7 +18,8 @@ struct Slot {
 
 /// The one slot of a method. Compiled code may keep it for ever: it is never freed and never changed.
 Slot* slotOf(Method method) {
-  thread_local std::unordered_map<Method, Slot*> near;
+  // Never destroyed: the main thread sends messages until the process is gone.
+  thread_local auto& near = *new std::unordered_map<Method, Slot*>;
   if (const auto found = near.find(method); found != near.end()) return found->second;
   static auto& mutex = *new std::mutex;
   static auto& slots = *new std::unordered_map<Method, Slot*>;

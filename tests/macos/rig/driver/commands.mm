@@ -10,10 +10,10 @@
 #include <thread>
 #include <vector>
 
+#include "tests/macos/rig/driver/main_thread.h"
 #include "tests/macos/rig/driver/menu.h"
 #include "tests/macos/rig/recorders/accessibility.h"
 #include "tests/macos/rig/recorders/desktop.h"
-#include "tests/macos/rig/recorders/dispatch_queues.h"
 #include "tests/macos/rig/recorders/failures.h"
 #include "tests/macos/rig/recorders/login_item.h"
 #include "tests/macos/rig/recorders/record.h"
@@ -127,6 +127,7 @@ const std::map<std::string, std::function<std::string(const Words&)>>& commands(
       {"hang", [](W w) { return answered([&] { hangOnce(milliseconds(w[1])); }); }},
       {"login", [](W w) { return answered([&] { setLoginStatus(static_cast<int>(number(w[1]))); }); }},
       {"feed", [](W w) { return answered([&] { setFeed(feedOf(w[1])); }); }},
+      {"answer", [](W) { return answered([] { onMain(answerCheck); }); }},
       {"down", [](W w) { return key(w, true); }},
       {"up", [](W w) { return key(w, false); }},
       {"disable",

@@ -2,7 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
-#include "tests/macos/rig/recorders/dispatch_queues.h"
+#include "tests/macos/rig/driver/main_thread.h"
 #include "tests/macos/rig/recorders/status_item.h"
 
 namespace keyvora::rig {

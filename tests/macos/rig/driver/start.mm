@@ -4,6 +4,7 @@
 
 #include "tests/macos/rig/bridge/blocks.h"
 #include "tests/macos/rig/driver/commands.h"
+#include "tests/macos/rig/driver/main_thread.h"
 #include "tests/macos/rig/recorders/dispatch_queues.h"
 #include "tests/macos/rig/recorders/record.h"
 #include "tests/macos/rig/recorders/replace.h"
@@ -38,6 +39,7 @@ void start() {
   recordTimers();
   recordApplication();
   beginMainQueue();
+  beginMainThread();
   beginCommands();
   [pool release];
 }

@@ -1,12 +1,12 @@
 """keyvora.app while it runs in the rig: its keys, its menu, its files, its log."""
 
-import os
 import pathlib
 import re
-import signal
 import socket
 import subprocess
 import time
+from collections.abc import Callable
+from typing import TypeVar
 
 from display import environment
 import record
@@ -15,11 +15,14 @@ import record
 PATIENCE = 60.0
 
 
+T = TypeVar("T")
+
+
 class Failed(Exception):
     """What the session expects is not what happened."""
 
 
-def wait_for(what: str, condition):
+def wait_for(what: str, condition: Callable[[], T]) -> T:
     """The condition's value, once it holds."""
     end = time.monotonic() + PATIENCE
     while True:
@@ -32,28 +35,26 @@ def wait_for(what: str, condition):
 
 
 class Program:
-    def __init__(self, executable: pathlib.Path, home: pathlib.Path, screen: str, number: int):
-        self.executable = executable
+    """One launch; `number` tells its files from those of the others in the same home."""
+
+    def __init__(self, home: pathlib.Path, number: int):
         self.home = home
-        self.screen = screen
         self.record_path = home / f"record-{number}"
         self.log_path = home / "Library" / "Logs" / "keyvora.log"
         self.stderr_path = home / f"stderr-{number}"
         self.stdout_path = home / f"stdout-{number}"
         self.mappings = home / "Library" / "Application Support" / "keyvora" / "mappings.json"
-        self.process = None
-        self.socket = None
-        self.answers = None
         # Records of the log that an earlier launch wrote.
         self.log_start = len(self.log())
 
-    def launch(self, arguments: list[str], setup: list[list[str]]) -> None:
+    def launch(self, command: list[str], screen: str, setup: list[list[str]]) -> None:
+        """Starts it, with what the driver is to do before `main`."""
         ours, theirs = socket.socketpair()
         self.process = subprocess.Popen(
-            [self.executable, *arguments],
+            command,
             env=environment(
                 str(self.home),
-                self.screen,
+                screen,
                 KEYVORA_RIG_RECORD=str(self.record_path),
                 KEYVORA_RIG_SOCKET=str(theirs.fileno()),
             ),
@@ -104,8 +105,7 @@ class Program:
         return self.stdout_path.read_text(encoding="utf-8", errors="replace")
 
     def end(self) -> None:
-        if self.process is not None and self.process.poll() is None:
-            os.kill(self.process.pid, signal.SIGKILL)
+        if self.process.poll() is None:
+            self.process.kill()
             self.process.wait()
-        if self.socket is not None:
-            self.socket.close()
+        self.socket.close()

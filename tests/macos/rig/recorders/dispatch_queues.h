@@ -2,8 +2,6 @@
 
 #import <dispatch/dispatch.h>
 
-#include <functional>
-
 namespace keyvora::rig {
 
 /// Makes the main queue, which runs its blocks in the common modes. Once, on the main thread.
@@ -15,9 +13,5 @@ void runMainQueue();
 /// Waits until the serial queues have nothing to do, and what their blocks held is given back; for a minute
 /// at most.
 void waitForSerialQueues();
-
-/// Runs the function on the main thread, in the common modes; returns when it has begun (`wait` false) or
-/// ended. Not from the main thread.
-void onMain(std::function<void()> work, bool waitForEnd = true);
 
 }  // namespace keyvora::rig

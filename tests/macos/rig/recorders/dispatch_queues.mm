@@ -11,8 +11,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
-#include <future>
-#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -207,19 +205,6 @@ void waitForSerialQueues() {
   while (serialThreads > 0 && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-}
-
-void onMain(std::function<void()> work, bool waitForEnd) {
-  auto reached = std::make_shared<std::promise<void>>();
-  auto future = reached->get_future();
-  dispatch_async(mainQueue, ^{
-    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    if (!waitForEnd) reached->set_value();
-    work();
-    [pool release];
-    if (waitForEnd) reached->set_value();
-  });
-  future.wait();
 }
 
 }  // namespace keyvora::rig

@@ -1,7 +1,6 @@
 // Sparkle's standard updater: it asks its delegates, which it does not retain, as the real one does.
 
 #import <Sparkle/Sparkle.h>
-#import <dispatch/dispatch.h>
 
 #include <atomic>
 
@@ -16,6 +15,8 @@ namespace keyvora::rig {
 namespace {
 
 std::atomic<Feed> offered = Feed::update;
+/// The updater that waits for an answer; not retained.
+SPUUpdater* checking;
 
 NSError* errorOf(NSInteger code, NSString* text) {
   return [NSError errorWithDomain:@"SUSparkleErrorDomain"
@@ -57,13 +58,7 @@ void setFeed(Feed feed) { offered = feed; }
   requireMainThread("checkForUpdateInformation");
   record("checkForUpdateInformation%s", _started ? "" : ", not started");
   if (!_started) return;
-  [self retain];
-  dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 50 * 1000 * 1000), dispatch_get_main_queue(), ^{
-    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    [self answer];
-    [pool release];
-    [self release];
-  });
+  keyvora::rig::checking = self;
 }
 
 - (void)answer {
@@ -93,6 +88,11 @@ void setFeed(Feed feed) { offered = feed; }
   id<SPUStandardUserDriverDelegate> _driver;  // not retained
 }
 @end
+
+void keyvora::rig::answerCheck() {
+  [checking answer];
+  checking = nil;
+}
 
 @implementation SPUStandardUpdaterController
 - (instancetype)initWithStartingUpdater:(BOOL)startingUpdater

@@ -22,6 +22,7 @@ enum class Fate { passed, swallowed, timedOut };
 struct Delivery {
   CGEventType type = kCGEventNull;
   KeyEvent* event = nullptr;
+  /// Its time ran out, and it holds a reference to the event.
   bool abandoned = false;
   std::optional<Fate> fate;
 };
@@ -45,6 +46,7 @@ class Tap final : public CFObject {
  private:
   friend class WindowServer;
   Fate call(const Delivery& delivery);
+  bool isAbandoned(const Delivery& delivery);
   void ended() override { valid = false; }
 
   const CGEventMask mask_;

@@ -46,14 +46,22 @@ void Tap::deliver() {
     if (waiting_.empty()) return;
     next = waiting_.front();
     waiting_.pop_front();
-    if (next->abandoned) return;
   }
-  const Fate fate = call(*next);
+  const Fate fate = isAbandoned(*next) ? Fate::passed : call(*next);
+  if (isAbandoned(*next)) {
+    next->event->release();
+    return;
+  }
   {
     const std::scoped_lock lock(mutex_);
     next->fate = fate;
   }
   decided_.notify_all();
+}
+
+bool Tap::isAbandoned(const Delivery& delivery) {
+  const std::scoped_lock lock(mutex_);
+  return delivery.abandoned;
 }
 
 /// The caller owns the event: the callback gives back as many references as it takes.
@@ -147,7 +155,7 @@ Fate WindowServer::pass(KeyEvent& event) {
       fate = Fate::timedOut;
       delivery->abandoned = true;
       current->enabled = false;
-      event.retain();  // a callback that is still at it may go on with the event
+      event.retain();  // for a callback that is still at it
     }
   }
   record("key %s: %s%s", event.description().c_str(), nameOf(fate), wanted ? "" : ", no tap");

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/macos/rig/recorders/desktop.h"
+#include "tests/macos/rig/recorders/failures.h"
 #include "tests/macos/rig/recorders/record.h"
 
 @interface KVRunningApplication : NSRunningApplication {
@@ -51,6 +52,7 @@ using keyvora::rig::Desktop;
 @implementation NSRunningApplication (KVRecorder)
 + (NSArray*)runningApplicationsWithBundleIdentifier:(NSString*)identifier {
   NSMutableArray* found = [NSMutableArray array];
+  if (keyvora::rig::fails("runningApplicationsWithBundleIdentifier:")) return found;
   for (const auto& application : Desktop::shared().running) {
     if (application.identifier != std::string(identifier.UTF8String)) continue;
     [found addObject:[[[KVRunningApplication alloc] initWithApplication:application] autorelease]];
