@@ -2,11 +2,11 @@
 
 #include "hosts/posix/clock.h"
 #include "hosts/posix/console.h"
-#include "hosts/posix/queues.h"
 #include "hosts/x11/accessibility/accessibility.h"
 #include "hosts/x11/application.h"
 #include "hosts/x11/applications/applications.h"
 #include "hosts/x11/applications/bundles.h"
+#include "hosts/x11/applications/target_window.h"
 #include "hosts/x11/files/file_system.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
@@ -14,6 +14,7 @@
 #include "hosts/x11/main_loop.h"
 #include "hosts/x11/notices.h"
 #include "hosts/x11/process.h"
+#include "hosts/x11/queues.h"
 #include "hosts/x11/scripts.h"
 #include "hosts/x11/status/status_bar.h"
 #include "hosts/x11/updates/updates.h"
@@ -43,8 +44,9 @@ class Host final : public platform::Host {
   Bundles bundles_;
   FileSystem fileSystem_;
   CurrentTap currentTap_;
-  Accessibility accessibility_;
+  TargetWindow targetWindow_;
   Applications applications_;
+  Accessibility accessibility_;
   Keyboard keyboard_;
   LoginService loginService_;
   Scripts scripts_;
@@ -53,7 +55,7 @@ class Host final : public platform::Host {
   Updates updates_;
   Application application_;
   /// The last: its threads end before what their work uses.
-  posix::Queues queues_;
+  Queues queues_;
   platform::Platform platform_;
 };
 

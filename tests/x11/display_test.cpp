@@ -63,7 +63,9 @@ TEST(Display, ItsLossEndsTheProcessOnce) {
                  errors.string()},
                 {});
   CurrentTap tap;
-  Keyboard keyboard(display.name(), KEYVORA_TAP_PROGRAM, tap);  // has no connection of its own to lose
+  TargetWindow targetWindow;
+  // Has no connection of its own to lose.
+  Keyboard keyboard(display.name(), KEYVORA_TAP_PROGRAM, tap, targetWindow);
   ASSERT_TRUE(runUntil([&] {
     return keyboard.createTap(0, [](const platform::KeyEvent&) { return platform::Verdict::pass; }) ==
            nullptr;

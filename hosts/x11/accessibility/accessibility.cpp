@@ -45,7 +45,7 @@ bool Accessibility::isTrustedPrompting() {
 }
 
 platform::ElementRef Accessibility::application(platform::ProcessIdentifier process) {
-  return applicationElement(process, tap_);
+  return applicationElement(process, applications_, tap_);
 }
 
 }  // namespace keyvora::x11

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hosts/x11/applications/applications.h"
 #include "hosts/x11/notices.h"
 #include "platform/accessibility.h"
 
@@ -11,7 +12,9 @@ class CurrentTap;
 /// menu is asked for.
 class Accessibility final : public platform::Accessibility {
  public:
-  Accessibility(Notices& notices, CurrentTap& tap) : notices_(notices), tap_(tap) {}
+  /// `applications` tells which document is meant.
+  Accessibility(Notices& notices, Applications& applications, CurrentTap& tap)
+      : notices_(notices), applications_(applications), tap_(tap) {}
 
   /// What stands for the user's permission: a display on which the tap can work. Nobody is asked for it.
   bool isTrusted() override;
@@ -23,6 +26,7 @@ class Accessibility final : public platform::Accessibility {
 
  private:
   Notices& notices_;
+  Applications& applications_;
   CurrentTap& tap_;
 };
 

@@ -86,6 +86,12 @@ Accessible AccessibilityCalls::parent(const Accessible& accessible) {
                     }).value_or(nullptr));
 }
 
+bool AccessibilityCalls::isActive(const Accessible& window) {
+  const auto states =
+      ask([&](GError**) { return GObjectRef<AtspiStateSet>(atspi_accessible_get_state_set(window.get())); });
+  return states && *states && atspi_state_set_contains(states->get(), ATSPI_STATE_ACTIVE);
+}
+
 bool AccessibilityCalls::press(const Accessible& accessible, KeyboardIsFree) {
   if (gaveUp_) return false;
   const GObjectRef<AtspiAction> action(atspi_accessible_get_action_iface(accessible.get()));

@@ -32,6 +32,9 @@ class AccessibilityCalls {
   Accessible child(const Accessible& accessible, int index);
   Accessible parent(const Accessible& accessible);
 
+  /// Whether a window has the keyboard, as far as its application has noticed.
+  bool isActive(const Accessible& window);
+
   /// Performs the action by which a user would choose the element; false when there is none or it failed.
   bool press(const Accessible& accessible, KeyboardIsFree);
 

@@ -108,11 +108,12 @@ class MenuElement final : public platform::Element {
 
 class ApplicationElement final : public platform::Element {
  public:
-  ApplicationElement(platform::ProcessIdentifier process, CurrentTap& tap) : process_(process), tap_(tap) {}
+  ApplicationElement(platform::ProcessIdentifier process, Applications& applications, CurrentTap& tap)
+      : process_(process), applications_(applications), tap_(tap) {}
 
   AttributeAnswer attribute(std::string_view name) override {
     if (name != "AXMenuBar") return {ax_error::attributeUnsupported, {}};
-    auto menuBar = findMenuBar(*calls_, process_);
+    auto menuBar = findMenuBar();
     if (!menuBar) return {ax_error::cannotComplete, {}};
     return {0, ElementRef(std::make_shared<MenuElement>(calls_, std::move(menuBar), tap_))};
   }
@@ -120,15 +121,28 @@ class ApplicationElement final : public platform::Element {
   std::int32_t perform(std::string_view) override { return ax_error::actionUnsupported; }
 
  private:
+  Accessible findMenuBar() {
+    if (!applications_.hasDocument()) return x11::findMenuBar(*calls_, process_);
+    // A title that changes just now may be read on one side only: once more.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+      const auto frame = applications_.documentFrame();
+      if (!frame || frame->process != process_) return nullptr;
+      if (auto menuBar = findMenuBarOf(*calls_, *frame)) return menuBar;
+    }
+    return nullptr;
+  }
+
   platform::ProcessIdentifier process_;
+  Applications& applications_;
   CurrentTap& tap_;
   std::shared_ptr<AccessibilityCalls> calls_ = std::make_shared<AccessibilityCalls>();
 };
 
 }  // namespace
 
-ElementRef applicationElement(platform::ProcessIdentifier process, CurrentTap& tap) {
-  return std::make_shared<ApplicationElement>(process, tap);
+ElementRef applicationElement(platform::ProcessIdentifier process, Applications& applications,
+                              CurrentTap& tap) {
+  return std::make_shared<ApplicationElement>(process, applications, tap);
 }
 
 }  // namespace keyvora::x11

@@ -1,6 +1,8 @@
 #include "hosts/x11/accessibility/menu_bar_search.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace keyvora::x11 {
 namespace {
@@ -67,7 +69,30 @@ Accessible findApplication(AccessibilityCalls& calls, platform::ProcessIdentifie
   return nullptr;
 }
 
+/// The frame of a document among an application's windows.
+Accessible findFrame(AccessibilityCalls& calls, const Accessible& application,
+                     const DocumentFrame& document) {
+  std::vector<Accessible> frames;
+  const int count = std::min(calls.childCount(application).value_or(0), mostChildren);
+  for (int index = 0; index < count; ++index) {
+    auto frame = calls.child(application, index);
+    if (frame && calls.name(frame) == document.title) frames.push_back(std::move(frame));
+  }
+  if (frames.size() > 1) {
+    std::erase_if(frames,
+                  [&](const Accessible& frame) { return !document.isActive || !calls.isActive(frame); });
+  }
+  return frames.size() == 1 ? std::move(frames.front()) : nullptr;
+}
+
 }  // namespace
+
+Accessible findMenuBarOf(AccessibilityCalls& calls, const DocumentFrame& document) {
+  const auto application = findApplication(calls, document.process);
+  if (!application) return nullptr;
+  const auto frame = findFrame(calls, application, document);
+  return frame ? Search(calls).below(frame) : nullptr;
+}
 
 Accessible findMenuBar(AccessibilityCalls& calls, platform::ProcessIdentifier process) {
   const auto application = findApplication(calls, process);

@@ -1,12 +1,16 @@
 #pragma once
 
 #include "hosts/x11/accessibility/accessibility_calls.h"
-#include "platform/applications.h"
+#include "hosts/x11/applications/applications.h"
 
 namespace keyvora::x11 {
 
 /// The first menu bar, in depth-first order, of the process's application on the accessibility bus; null when
 /// it has none, or cannot be reached.
 Accessible findMenuBar(AccessibilityCalls& calls, platform::ProcessIdentifier process);
+
+/// The first menu bar in the frame of a document. Null when no frame has its title; when several have, unless
+/// it is the active window and one of them is, too.
+Accessible findMenuBarOf(AccessibilityCalls& calls, const DocumentFrame& document);
 
 }  // namespace keyvora::x11

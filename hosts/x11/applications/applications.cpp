@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "hosts/x11/applications/window_list.h"
+#include "hosts/x11/applications/window_property.h"
 #include "hosts/x11/display.h"
 #include "hosts/x11/glib_source.h"
 
@@ -31,7 +32,7 @@ struct Applications::Watch {
   ReadableSource source;
 };
 
-Applications::Applications(const std::string& displayName) {
+Applications::Applications(const std::string& displayName, const TargetWindow& target) : target_(target) {
   if (auto connection = Connection::open(displayName))
     watch_ = std::make_unique<Watch>(std::move(connection));
 }
@@ -47,7 +48,19 @@ std::vector<platform::ProcessIdentifier> Applications::running(std::string_view 
       continue;
     if (std::ranges::find(processes, window.process) == processes.end()) processes.push_back(window.process);
   }
+  const auto first = std::ranges::find(processes, watch_->windows.find(target_.get()).process);
+  if (first != processes.end()) std::rotate(processes.begin(), first, first + 1);
   return processes;
+}
+
+std::optional<DocumentFrame> Applications::documentFrame() {
+  if (!watch_) return std::nullopt;
+  watch_->catchUp();
+  const auto window = watch_->windows.find(watch_->windows.ownerOf(target_.get()));
+  if (window.window == None) return std::nullopt;
+  auto title = titleOf(watch_->connection->get(), window.window);
+  if (!title) return std::nullopt;
+  return DocumentFrame{window.process, std::move(*title), watch_->windows.active().window == window.window};
 }
 
 std::optional<std::string_view> Applications::frontmostBundleIdentifier() {

@@ -21,7 +21,7 @@ constexpr auto standIns = std::to_array<StandIn>({
 });
 
 /// How the classes of LibreOffice's windows begin.
-constexpr auto changing = std::to_array<std::string_view>({"libreoffice", "soffice", "vclsalframe"});
+constexpr auto libreOffice = std::to_array<std::string_view>({"libreoffice", "soffice", "vclsalframe"});
 
 bool matches(std::string_view name, std::string_view lowerCase) {
   return std::ranges::equal(name, lowerCase, {}, text::asciiLower);
@@ -29,6 +29,12 @@ bool matches(std::string_view name, std::string_view lowerCase) {
 
 bool startsWith(std::string_view name, std::string_view lowerCase) {
   return matches(name.substr(0, lowerCase.size()), lowerCase);
+}
+
+bool isLibreOffice(std::string_view instanceName, std::string_view className) {
+  return std::ranges::any_of(libreOffice, [&](std::string_view beginning) {
+    return startsWith(className, beginning) || startsWith(instanceName, beginning);
+  });
 }
 
 }  // namespace
@@ -44,10 +50,11 @@ std::string_view bundleIdentifierOf(std::string_view instanceName, std::string_v
 }
 
 bool mayBecomeAnother(std::string_view instanceName, std::string_view className) {
-  if (className.empty()) return true;
-  return std::ranges::any_of(changing, [&](std::string_view beginning) {
-    return startsWith(className, beginning) || startsWith(instanceName, beginning);
-  });
+  return className.empty() || isLibreOffice(instanceName, className);
+}
+
+bool sharesKeys(std::string_view instanceName, std::string_view className) {
+  return isLibreOffice(instanceName, className);
 }
 
 }  // namespace keyvora::x11

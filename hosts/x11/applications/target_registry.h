@@ -12,4 +12,8 @@ std::string_view bundleIdentifierOf(std::string_view instanceName, std::string_v
 /// LibreOffice, which shows one document after another in the same window.
 bool mayBecomeAnother(std::string_view instanceName, std::string_view className);
 
+/// Whether a window with this WM_CLASS gives the keys that are sent to it to another document, the one of its
+/// process that was in front last: so does LibreOffice.
+bool sharesKeys(std::string_view instanceName, std::string_view className);
+
 }  // namespace keyvora::x11

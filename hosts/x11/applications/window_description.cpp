@@ -9,9 +9,6 @@
 namespace keyvora::x11 {
 namespace {
 
-/// How many windows a dialog may be away from the window that it belongs to; ends a circle of dialogs.
-constexpr int deepestDialog = 8;
-
 Atom processProperty(Display* display) {
   return XInternAtom(display, "_NET_WM_PID", False);
 }
@@ -23,6 +20,7 @@ void describeClass(Display* display, WindowDescription& description) {
   const std::string_view instanceName = hint.res_name == nullptr ? "" : hint.res_name;
   const std::string_view className = hint.res_class == nullptr ? "" : hint.res_class;
   description.bundleIdentifier = bundleIdentifierOf(instanceName, className);
+  description.sharesKeys = sharesKeys(instanceName, className);
   description.isFinal = !mayBecomeAnother(instanceName, className);
   XFree(hint.res_name);
   XFree(hint.res_class);

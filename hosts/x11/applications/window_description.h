@@ -10,6 +10,9 @@
 
 namespace keyvora::x11 {
 
+/// How many windows a dialog may be away from the window that it belongs to; ends a circle of dialogs.
+inline constexpr int deepestDialog = 8;
+
 /// What a window says of itself.
 struct WindowDescription {
   Window window = None;
@@ -18,6 +21,8 @@ struct WindowDescription {
   platform::ProcessIdentifier process = 0;
   /// What its own class stands in for; empty for nothing.
   std::string_view bundleIdentifier;
+  /// Whether keys that are sent to it go to the document of its process that was in front last.
+  bool sharesKeys = false;
   /// Whether it has said all, and is not of a kind that becomes another.
   bool isFinal = false;
 };

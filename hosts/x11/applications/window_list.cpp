@@ -32,6 +32,20 @@ bool WindowList::notice(const XEvent& event) {
   return true;
 }
 
+ManagedWindow WindowList::find(Window window) const {
+  const auto found = std::ranges::find(managed_, window, &ManagedWindow::window);
+  return found == managed_.end() ? ManagedWindow{} : *found;
+}
+
+Window WindowList::ownerOf(Window window) const {
+  auto description = described(window);
+  for (int depth = 0; description && depth < deepestDialog; ++depth) {
+    if (description->transientFor == None || description->transientFor == root_) return description->window;
+    description = described(description->transientFor);
+  }
+  return None;
+}
+
 bool WindowList::rootChanged(Atom property) {
   if (property == listProperty(display_)) {
     readClients();

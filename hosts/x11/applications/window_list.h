@@ -38,6 +38,13 @@ class WindowList {
   /// The oldest first.
   [[nodiscard]] const std::vector<ManagedWindow>& windows() const { return managed_; }
 
+  /// The one among them with this number; its `window` is None when there is none.
+  [[nodiscard]] ManagedWindow find(Window window) const;
+
+  /// The window that this one is a dialog of, however many dialogs away, or the window itself; None when one
+  /// of them is not managed any more.
+  [[nodiscard]] Window ownerOf(Window window) const;
+
   /// The active window; its `window` is None when there is none.
   [[nodiscard]] const ManagedWindow& active() const { return active_; }
 

@@ -1,5 +1,8 @@
 #include "hosts/x11/applications/window_property.h"
 
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+
 #include <cstring>
 #include <memory>
 
@@ -46,6 +49,21 @@ std::optional<std::string> textOf(Display* display, Window window, Atom property
   const std::unique_ptr<unsigned char, FreeData> data(raw);
   if (status != Success || !data || actualType != type || format != textFormat) return std::nullopt;
   return std::string(reinterpret_cast<const char*>(data.get()), length);
+}
+
+std::optional<std::string> titleOf(Display* display, Window window) {
+  if (auto title = textOf(display, window, XInternAtom(display, "_NET_WM_NAME", False))) return title;
+  XTextProperty property{};
+  if (XGetWMName(display, window, &property) == 0) return std::nullopt;
+  const std::unique_ptr<unsigned char, FreeData> value(property.value);
+  char** texts = nullptr;
+  int count = 0;
+  if (Xutf8TextPropertyToTextList(display, &property, &texts, &count) < 0 || texts == nullptr) {
+    return std::nullopt;
+  }
+  std::string title = count > 0 ? texts[0] : "";
+  XFreeStringList(texts);
+  return title;
 }
 
 }  // namespace keyvora::x11

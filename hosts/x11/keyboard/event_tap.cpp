@@ -18,10 +18,11 @@ constexpr std::chrono::milliseconds restartInterval{1000};
 }  // namespace
 
 EventTap::EventTap(std::unique_ptr<TapProcess> process, TapCommand command, CurrentTap& current,
-                   std::uint64_t eventMask, platform::TapHandler handler, Report report)
+                   TargetWindow& target, std::uint64_t eventMask, platform::TapHandler handler, Report report)
     : process_(std::move(process)),
       command_(std::move(command)),
       current_(current),
+      target_(target),
       eventMask_(eventMask),
       handler_(std::move(handler)),
       report_(std::move(report)) {
@@ -52,7 +53,14 @@ void EventTap::attach() {
 void EventTap::showEvents() {
   auto& end = *process_->end();
   end.toMain().clear();
-  while (const auto event = end.next(Clock::now())) end.handled(show(*event));
+  while (const auto event = end.next(Clock::now())) {
+    // An action may follow inside the handler, so the window is in force before the verdict is there.
+    const auto before = target_.get();
+    if (const auto window = end.window(); window != 0) target_.set(window);
+    const auto verdict = show(*event);
+    if (verdict != Verdict::swallow) target_.set(before);
+    end.handled(verdict);
+  }
   if (end.ended()) lost();
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "hosts/x11/applications/target_window.h"
 #include "hosts/x11/glib_source.h"
 #include "hosts/x11/keyboard/tap_process.h"
 #include "platform/keyboard.h"
@@ -15,15 +16,15 @@ namespace keyvora::x11 {
 
 class CurrentTap;
 
-/// The main thread's side of the tap: shows the handler what the tap's program hands over, and starts a new
-/// program when that one has ended, at most once a second. Main thread.
+/// The main thread's side of the tap: shows the handler what the tap's program hands over, keeps the window
+/// of what it swallows, and starts a new program when that one has ended, at most once a second. Main thread.
 class EventTap : public platform::EventTap {
  public:
   /// Hears of faults, a sentence each.
   using Report = std::function<void(const std::string&)>;
 
   /// `process` was started by `command` and is now the `current` tap.
-  EventTap(std::unique_ptr<TapProcess> process, TapCommand command, CurrentTap& current,
+  EventTap(std::unique_ptr<TapProcess> process, TapCommand command, CurrentTap& current, TargetWindow& target,
            std::uint64_t eventMask, platform::TapHandler handler, Report report);
   ~EventTap() override;
   EventTap(const EventTap&) = delete;
@@ -43,6 +44,7 @@ class EventTap : public platform::EventTap {
   std::unique_ptr<TapProcess> process_;
   TapCommand command_;
   CurrentTap& current_;
+  TargetWindow& target_;
   std::uint64_t eventMask_;
   platform::TapHandler handler_;
   Report report_;

@@ -9,8 +9,9 @@
 
 namespace keyvora::x11 {
 
-Keyboard::Keyboard(std::string displayName, std::filesystem::path tapProgram, CurrentTap& currentTap)
-    : tapCommand_{std::move(tapProgram), std::move(displayName)}, currentTap_(currentTap) {}
+Keyboard::Keyboard(std::string displayName, std::filesystem::path tapProgram, CurrentTap& currentTap,
+                   TargetWindow& target)
+    : tapCommand_{std::move(tapProgram), std::move(displayName)}, currentTap_(currentTap), target_(target) {}
 
 Keyboard::~Keyboard() = default;
 
@@ -21,7 +22,7 @@ std::unique_ptr<platform::EventTap> Keyboard::createTap(std::uint64_t eventMask,
   // Asked again every few seconds while there is no tap: a problem that stays is told of once.
   if (std::exchange(problem_, problem) != problem && !problem.empty()) report(problem);
   if (!process) return nullptr;
-  return std::make_unique<EventTap>(std::move(process), tapCommand_, currentTap_, eventMask,
+  return std::make_unique<EventTap>(std::move(process), tapCommand_, currentTap_, target_, eventMask,
                                     std::move(handler),
                                     [this](const std::string& sentence) { report(sentence); });
 }
@@ -51,7 +52,7 @@ void Keyboard::report(const std::string& sentence) {
 
 std::shared_ptr<Poster> Keyboard::poster() {
   const std::scoped_lock lock(posterMutex_);
-  if (!poster_) poster_ = Poster::open(tapCommand_.display);
+  if (!poster_) poster_ = Poster::open(tapCommand_.display, target_);
   return poster_;
 }
 

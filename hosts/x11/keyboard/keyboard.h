@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 
+#include "hosts/x11/applications/target_window.h"
 #include "hosts/x11/keyboard/tap_process.h"
 #include "platform/keyboard.h"
 
@@ -17,9 +18,10 @@ class Poster;
 class Keyboard : public platform::Keyboard {
  public:
   /// The display of this name, or the one that DISPLAY names when it is empty. Connects when first used. A
-  /// tap that it makes is `tapProgram` running, and becomes `currentTap`, which outlives the keyboard and its
-  /// events.
-  Keyboard(std::string displayName, std::filesystem::path tapProgram, CurrentTap& currentTap);
+  /// tap that it makes is `tapProgram` running, becomes `currentTap`, and says in `target` which window the
+  /// keys that it swallows are meant for; keys are posted there. Both outlive the keyboard and its events.
+  Keyboard(std::string displayName, std::filesystem::path tapProgram, CurrentTap& currentTap,
+           TargetWindow& target);
   ~Keyboard() override;
 
   /// The tap's events are dispatched by GLib's default main context, ahead of timers and drawing.
@@ -38,6 +40,7 @@ class Keyboard : public platform::Keyboard {
 
   TapCommand tapCommand_;
   CurrentTap& currentTap_;
+  TargetWindow& target_;
   std::function<void(const std::string&)> report_;
   /// Why there was no tap, when that was last asked for.
   std::string problem_;

@@ -58,7 +58,7 @@ std::optional<KeyEvent> OwnerEnd::next(Clock::time_point now) {
       if (asked) asked_ = Asked::nothing;
       continue;
     }
-    shown_ = {record->number, asked};
+    shown_ = {record->number, asked, record->window};
     if (asked) asked_ = Asked::shown;
     return record->event;
   }
@@ -67,6 +67,11 @@ std::optional<KeyEvent> OwnerEnd::next(Clock::time_point now) {
     say({.kind = OwnerRecord::Kind::handled, .number = lastHandled_});
   }
   return std::nullopt;
+}
+
+unsigned long OwnerEnd::window() {
+  const Lock lock(mutex_);
+  return shown_ ? shown_->window : 0;
 }
 
 void OwnerEnd::handled(Verdict verdict) {
@@ -186,6 +191,7 @@ void OwnerEnd::passUnseen() {
   // the user's as one that could not be held back.
   auto& last = queue_.last();
   last.kind = TapRecord::Kind::told;
+  last.window = 0;
   if (last.event.userData == 0) last.event.keyCode = platform::key_code::none;
   decide(Verdict::pass);
 }

@@ -37,6 +37,9 @@ class OwnerEnd {
   /// The next event to show to the handler; none when all were. Report back with `handled`.
   std::optional<platform::KeyEvent> next(Clock::time_point now);
 
+  /// The window that the event which `next` gave is meant for; 0 for one that is on its way already.
+  [[nodiscard]] unsigned long window();
+
   /// The handler's verdict on the event that `next` gave; not sent when it comes too late to matter.
   void handled(platform::Verdict verdict);
 
@@ -69,6 +72,7 @@ class OwnerEnd {
   struct Shown {
     std::uint64_t number = 0;
     bool asked = false;
+    unsigned long window = 0;
   };
 
   void receive();

@@ -4,12 +4,10 @@
 #include <X11/Xatom.h>
 #include <X11/extensions/XTest.h>
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
-#include "hosts/x11/applications/desktop_windows.h"
-#include "hosts/x11/applications/window_description.h"
+#include "hosts/x11/applications/window_choice.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/key_codes.h"
 #include "hosts/x11/keyboard/modifier_state.h"
@@ -25,14 +23,15 @@ constexpr std::array flagKeys{key_code::leftShift, key_code::leftControl, key_co
 
 }  // namespace
 
-std::unique_ptr<Poster> Poster::open(const std::string& displayName) {
+std::unique_ptr<Poster> Poster::open(const std::string& displayName, const TargetWindow& target) {
   auto connection = Connection::open(displayName);
   if (!connection) return nullptr;
-  return std::unique_ptr<Poster>(new Poster(std::move(connection)));
+  return std::unique_ptr<Poster>(new Poster(std::move(connection), target));
 }
 
-Poster::Poster(std::unique_ptr<Connection> connection)
+Poster::Poster(std::unique_ptr<Connection> connection, const TargetWindow& target)
     : connection_(std::move(connection)),
+      target_(target),
       keys_(connection_->get()),
       clock_(XCreateSimpleWindow(connection_->get(), connection_->root(), -1, -1, 1, 1, 0, 0, 0)) {
   XSelectInput(connection_->get(), clock_, PropertyChangeMask);
@@ -100,24 +99,8 @@ void Poster::catchUp() {
 
 Window Poster::windowOf(platform::ProcessIdentifier process) const {
   Display* display = connection_->get();
-  const auto standsIn = [display](const WindowDescription& window) {
-    return !identify(window, [display](Window other) { return describeWindow(display, other); }).empty();
-  };
-  const auto active = describeWindow(display, activeWindow(display));
-  const bool isInFront = active.process == process;
-  if (isInFront && standsIn(active)) return active.window;
-
-  // The process may show windows of several applications; those that stand in for one come first.
-  Window highest = None;
-  auto highestFirst = stackedWindows(display);
-  std::ranges::reverse(highestFirst);
-  for (const Window window : highestFirst) {
-    const auto description = describeWindow(display, window);
-    if (description.process != process) continue;
-    if (standsIn(description)) return window;
-    if (highest == None) highest = window;
-  }
-  return isInFront ? active.window : highest;
+  const Window target = target_.get();
+  return target == None ? anyWindowOf(display, process) : frontOf(display, target, process);
 }
 
 /// The server's clock, as events tell it: a toolkit takes an event without a time for one of the past.

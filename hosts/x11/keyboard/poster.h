@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "hosts/x11/applications/target_window.h"
 #include "hosts/x11/display.h"
 #include "hosts/x11/keyboard/key_map.h"
 #include "platform/applications.h"
@@ -32,14 +33,15 @@ struct KeyStroke {
 /// meanwhile, nobody would read.
 class Poster {
  public:
-  /// Null without a display.
-  static std::unique_ptr<Poster> open(const std::string& displayName);
+  /// Null without a display. Keys to a process go where `target` says.
+  static std::unique_ptr<Poster> open(const std::string& displayName, const TargetWindow& target);
 
   /// Whether the keyboard has the key.
   bool hasKey(std::uint16_t keyCode);
 
-  /// Sends the stroke to the process's active window, whichever that is by now: a dialog may have opened
-  /// since the last one. The window need not have the focus, and no tap sees the event.
+  /// Sends the stroke to the target's window or to the dialog in front of it: one may have opened since the
+  /// last stroke. Passed over when that window is gone, or another process's. While there is no such window
+  /// yet, any of the process serves. The window need not have the focus, and no tap sees the event.
   void sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke, KeyboardIsFree);
 
   /// Injects the stroke with XTEST, by way of the tap if there is one. Flags of a key going down are modifier
@@ -47,7 +49,7 @@ class Poster {
   void inject(const KeyStroke& stroke, CurrentTap& tap, KeyboardIsFree);
 
  private:
-  explicit Poster(std::unique_ptr<Connection> connection);
+  Poster(std::unique_ptr<Connection> connection, const TargetWindow& target);
 
   void catchUp();
   [[nodiscard]] Window windowOf(platform::ProcessIdentifier process) const;
@@ -57,6 +59,7 @@ class Poster {
 
   std::mutex mutex_;
   std::unique_ptr<Connection> connection_;
+  const TargetWindow& target_;
   KeyMap keys_;
   Window clock_;
 };

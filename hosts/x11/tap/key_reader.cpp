@@ -114,7 +114,10 @@ void KeyReader::released(const XIRawEvent& raw) {
 void KeyReader::held(const XIDeviceEvent& press) {
   const auto keycode = unsigned(press.detail) & 0xFF;
   attend();
-  ReadKey key{.heldSince = press.time, .keycode = keycode, .repeated = (press.flags & XIKeyRepeat) != 0};
+  ReadKey key{.heldSince = press.time,
+              .window = press.event,
+              .keycode = keycode,
+              .repeated = (press.flags & XIKeyRepeat) != 0};
   if (undecided_ && undecided_->keycode == keycode) {
     key.event = undecided_->event;
     undecided_.reset();

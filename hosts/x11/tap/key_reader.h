@@ -22,6 +22,8 @@ struct ReadKey {
   /// When the grab began that holds the keyboard until `KeyGrabs` lets it go; none for an event that is on
   /// its way to its window already.
   std::optional<Time> heldSince = std::nullopt;
+  /// The window whose grab it is that holds the keyboard.
+  Window window = None;
   /// The display's number for the key.
   unsigned keycode = 0;
   /// Made by the server because the key stays down.

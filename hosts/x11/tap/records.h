@@ -31,7 +31,7 @@ namespace keyvora::x11 {
 inline constexpr int tapSocket = 3;
 
 /// Both ends are of one build: the tap says this number first, and an owner that has another one refuses it.
-inline constexpr std::uint32_t recordsVersion = 1;
+inline constexpr std::uint32_t recordsVersion = 2;
 
 /// How long the owner may take with an event before the keyboard goes on without it.
 inline constexpr std::chrono::milliseconds verdictLimit{1000};
@@ -55,6 +55,8 @@ struct TapRecord {
   std::uint64_t number = 0;
   /// When the event was read, in nanoseconds of the steady clock, which is one for all processes.
   std::int64_t since = 0;
+  /// The window that an event asked about is meant for, by the number that X has for it; else 0.
+  std::uint64_t window = 0;
   platform::KeyEvent event{};
 };
 

@@ -162,7 +162,7 @@ void Tap::keyRead(const ReadKey& key) {
     const auto now = Clock::now();
     held_ = key;
     repeatEnd_ = now + longestRepeating;
-    owner_.ask(key.event, now);
+    owner_.ask(key.event, now, key.window);
   } else {
     owner_.tell(key.event, Clock::now());
     passed(key.event);

@@ -15,8 +15,8 @@ void TapEnd::tell(const KeyEvent& event, Clock::time_point now) {
   hand(TapRecord::Kind::told, event, now);
 }
 
-void TapEnd::ask(const KeyEvent& event, Clock::time_point now) {
-  hand(TapRecord::Kind::asked, event, now);
+void TapEnd::ask(const KeyEvent& event, Clock::time_point now, unsigned long window) {
+  hand(TapRecord::Kind::asked, event, now, window);
   asked_ = lastNumber_;
   verdict_.reset();
 }
@@ -77,7 +77,7 @@ bool TapEnd::expire(Clock::time_point now) {
   return true;
 }
 
-void TapEnd::hand(TapRecord::Kind kind, const KeyEvent& event, Clock::time_point now) {
+void TapEnd::hand(TapRecord::Kind kind, const KeyEvent& event, Clock::time_point now, unsigned long window) {
   if (givenUp_) return;
   ++lastNumber_;
   if (owed_.size() == mostOwed) {
@@ -88,6 +88,7 @@ void TapEnd::hand(TapRecord::Kind kind, const KeyEvent& event, Clock::time_point
   say({.kind = kind,
        .number = lastNumber_,
        .since = std::chrono::nanoseconds(now.time_since_epoch()).count(),
+       .window = window,
        .event = event});
 }
 

@@ -34,8 +34,8 @@ class TapEnd {
   /// Hands over an event that goes its way whatever the verdict.
   void tell(const platform::KeyEvent& event, Clock::time_point now);
 
-  /// Hands over the event that the keyboard waits for.
-  void ask(const platform::KeyEvent& event, Clock::time_point now);
+  /// Hands over the event that the keyboard waits for; `window` is the one that it is meant for.
+  void ask(const platform::KeyEvent& event, Clock::time_point now, unsigned long window = 0);
 
   /// The verdict on the event asked about, once there is one. Answer it with `released`.
   std::optional<platform::Verdict> takeVerdict();
@@ -68,7 +68,8 @@ class TapEnd {
     Clock::time_point since;
   };
 
-  void hand(TapRecord::Kind kind, const platform::KeyEvent& event, Clock::time_point now);
+  void hand(TapRecord::Kind kind, const platform::KeyEvent& event, Clock::time_point now,
+            unsigned long window = 0);
   void dealtWith(std::uint64_t number);
   void say(const TapRecord& record);
   void sendUnsent();

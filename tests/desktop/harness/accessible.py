@@ -71,6 +71,11 @@ def is_active(element: Element) -> bool:
     return _has_state(element, Atspi.StateType.ACTIVE)
 
 
+def is_focused(element: Element) -> bool:
+    """Whether keys go to this part of the window."""
+    return _has_state(element, Atspi.StateType.FOCUSED)
+
+
 def is_selected(element: Element) -> bool:
     """Whether a menu of a menu bar is the one that is open."""
     return _has_state(element, Atspi.StateType.SELECTED)

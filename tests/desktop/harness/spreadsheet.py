@@ -1,5 +1,6 @@
 """The spreadsheets that stand in for Excel: started, driven by the simulated user, read through AT-SPI."""
 
+import copy
 import re
 import shutil
 from abc import ABC, abstractmethod
@@ -12,7 +13,7 @@ from .waiting import equal, until
 
 
 class Spreadsheet(ABC):
-    """One running spreadsheet. Made when it is in front and its menu bar is filled."""
+    """One window of a running spreadsheet. Made when it is in front and its menu bar is filled."""
 
     # What it is called on a command line, and the program that it is.
     name: ClassVar[str]
@@ -26,6 +27,11 @@ class Spreadsheet(ABC):
     # The classes, by any of their names, of all windows that it may open.
     window_classes: ClassVar[list[str]]
     format_cells: ClassVar[list[str]]
+    delete_rows: ClassVar[list[str]]
+    # The keys of a dialog beside which the menus can be used.
+    search_dialog: ClassVar[str]
+    # Whether keys that are sent to one of its documents arrive there, whichever of them is in front.
+    hears_in_the_background: ClassVar[bool] = True
     # Whether its windows stay what they are; one that may become another program's is listened to.
     keeps_its_class: ClassVar[bool] = True
 
@@ -35,21 +41,40 @@ class Spreadsheet(ABC):
         return shutil.which(cls.program) is not None
 
     def __init__(self, desktop: PrivateDesktop, *files: str) -> None:
+        before = x11.active_window()
         desktop.children.start(self._command(desktop) + list(files))
-        until(lambda: self.window_class in x11.active_class(), f"{self.name} in front", 40,
-              seen=x11.active_class)
+        self._take_window_in_front(before)
+
+    def new_window(self, typist: Typist) -> "Spreadsheet":
+        """A second workbook of the same process, made as a user does."""
+        typist.tap("Control+n")
+        second = copy.copy(self)
+        second._take_window_in_front(self.window)
+        return second
+
+    def _take_window_in_front(self, before: str) -> None:
+        until(lambda: x11.active_window() != before and self.window_class in x11.active_class(),
+              f"{self.name} in front", 40, seen=x11.active_class)
         self.window = x11.active_window()
         self.process = int(x11.window_property(self.window, "_NET_WM_PID"))
         accessible.connect()
-        self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus")
+        self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus", 20)
+        self._frame = until(self._active_frame, f"the frame of {self.name}", 20)
         until(self._has_menus, f"the menus of {self.name}", 20)
-        texts = until(self._find_texts, "the name box and the input line")
+        texts = until(self._find_texts, "the name box and the input line", 20)
         assert texts
         self._name_box, self._input_line = texts
+
+    def _active_frame(self) -> accessible.Element | None:
+        return next((frame for frame in accessible.children(self._root) if accessible.is_active(frame)), None)
 
     def is_in_front(self) -> bool:
         """Whether its main window is the active one."""
         return x11.active_window() == self.window
+
+    def has_noticed(self) -> bool:
+        """Whether it knows, too, that its main window is the active one."""
+        return self.is_in_front() and accessible.is_active(self._frame)
 
     def selected(self) -> str:
         """The selected cell, as "B3"."""
@@ -75,16 +100,24 @@ class Spreadsheet(ABC):
 
     def open_menu(self) -> str:
         """The name of the menu that its menu bar has open, or the empty text."""
-        bar = accessible.find(self._root, "menu bar")
+        bar = accessible.find(self._frame, "menu bar")
         opened = next(filter(accessible.is_selected, accessible.children(bar)), None) if bar else None
         return accessible.name(opened) if opened else ""
 
     def dialog(self) -> str:
         """The title of its dialog in front, or the empty text."""
-        for window in accessible.children(self._root):
-            if accessible.role(window) in ("dialog", "alert") and accessible.is_active(window):
-                return accessible.name(window)
-        return ""
+        found = self._dialog()
+        return accessible.name(found) if found else ""
+
+    def dialog_text(self) -> str:
+        """The text of the field that its dialog in front is at, or the empty text."""
+        found = self._dialog()
+        fields = [field for field in accessible.descendants(found) if accessible.is_focused(field)] if found else []
+        return accessible.text(fields[0]) if fields else ""
+
+    def _dialog(self) -> accessible.Element | None:
+        return next((window for window in accessible.children(self._root)
+                     if accessible.role(window) in ("dialog", "alert") and accessible.is_active(window)), None)
 
     @abstractmethod
     def _command(self, desktop: PrivateDesktop) -> list[str]:
@@ -95,7 +128,7 @@ class Spreadsheet(ABC):
         """The name box and the input line, once both are there."""
 
     def _has_menus(self) -> bool:
-        bar = accessible.find(self._root, "menu bar")
+        bar = accessible.find(self._frame, "menu bar")
         return bar is not None and any(accessible.children(menu) for menu in accessible.children(bar))
 
 
@@ -108,12 +141,14 @@ class Gnumeric(Spreadsheet):
     window_class = "gnumeric, Gnumeric"
     window_classes = ["gnumeric"]
     format_cells = ["Format", "Cells", "Format..."]
+    delete_rows = ["Edit", "Delete", "Rows"]
+    search_dialog = "Control+f"
 
     def _command(self, desktop: PrivateDesktop) -> list[str]:
         return ["gnumeric"]
 
     def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
-        for bar in accessible.descendants(self._root):
+        for bar in accessible.descendants(self._frame):
             if accessible.role(bar) != "tool bar":
                 continue
             texts = [item for item in accessible.descendants(bar) if accessible.role(item) == "text"]
@@ -132,6 +167,9 @@ class Calc(Spreadsheet):
     window_class = "libreoffice-calc"
     window_classes = ["libreoffice-calc", "soffice"]
     format_cells = ["Format", "Cells..."]
+    delete_rows = ["Sheet", "Delete Rows"]
+    search_dialog = "Control+h"
+    hears_in_the_background = False
     keeps_its_class = False
 
     def _command(self, desktop: PrivateDesktop) -> list[str]:
@@ -145,11 +183,11 @@ class Calc(Spreadsheet):
 
     def cell(self, cell: str) -> accessible.Element | None:
         """A cell of the sheet."""
-        table = accessible.find(self._root, "table")
+        table = accessible.find(self._frame, "table")
         return accessible.cell(table, int(cell[1:]) - 1, ord(cell[0]) - ord("A")) if table else None
 
     def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
-        bar = accessible.find(self._root, "tool bar", "Formula Tool Bar")
+        bar = accessible.find(self._frame, "tool bar", "Formula Tool Bar")
         name_box = bar and accessible.find(bar, "text")
         line = bar and accessible.find(bar, "panel", "Input line")
         paragraph = line and accessible.find(line, "paragraph")

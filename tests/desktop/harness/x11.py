@@ -68,6 +68,19 @@ def window_area(window: str) -> Area | None:
     return Area(*found) if len(found) == 4 else None
 
 
+def activate(window: str) -> None:
+    """Asks the window manager to bring a window to the front, as a task bar does."""
+    subprocess.run(["xdotool", "windowactivate", window], check=True)
+
+
+def close(window: str) -> None:
+    """Closes the window in front with the mouse, by the button at the right end of its title."""
+    area = window_area(window)
+    assert area
+    title = int(window_property(window, "_NET_FRAME_EXTENTS").split(",")[2])
+    click(Area(area.x + area.width - title, area.y - title, title, title))
+
+
 def click(area: Area, button: int = 1) -> None:
     """Clicks the middle of an area, as a user does with the mouse."""
     x, y = area.x + area.width // 2, area.y + area.height // 2

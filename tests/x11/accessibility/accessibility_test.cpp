@@ -72,7 +72,9 @@ class AccessibilityTest : public testing::Test {
   RecordingConsole console;
   Notices notices{console};
   CurrentTap tap;
-  Accessibility accessibility{notices, tap};
+  TargetWindow targetWindow;
+  Applications applications{"", targetWindow};
+  Accessibility accessibility{notices, applications, tap};
   std::unique_ptr<Conversation> program;
   ElementRef application;
 };
@@ -157,6 +159,63 @@ TEST_F(AccessibilityTest, TitlesAreReadAnewEachTime) {
 TEST_F(AccessibilityTest, WithoutAMenuBarThereIsAnError) {
   target({"no-bar"});
   for (int time = 0; time < 3; ++time) EXPECT_NE(application->attribute("AXMenuBar").error, 0);
+}
+
+/// Documents of one process, each with a menu bar of its own.
+class DocumentMenuTest : public AccessibilityTest {
+ protected:
+  /// Shows them, in this order.
+  void show(const std::vector<std::string>& titles) {
+    std::vector<std::string> arguments{"documents"};
+    arguments.insert(arguments.end(), titles.begin(), titles.end());
+    const auto& shown = target(arguments);
+    constexpr std::string_view window = "window ";
+    for (const auto& line : shown.heard()) {
+      if (line.starts_with(window)) windows.push_back(std::stoul(line.substr(window.size())));
+    }
+    ASSERT_EQ(windows.size(), titles.size());
+  }
+
+  /// The only item of the File menu; "" when there is no menu bar.
+  std::string save() {
+    const auto answer = accessibility.application(program->pid())->attribute("AXMenuBar");
+    const auto* bar = std::get_if<ElementRef>(&answer.value);
+    return bar == nullptr ? "" : titles(child(*bar, "File")).front();
+  }
+  bool comesToHave(const std::string& item) {
+    return runUntil([&] { return save() == item; });
+  }
+
+  std::vector<unsigned long> windows;
+};
+
+TEST_F(DocumentMenuTest, TheMenuBarIsThatOfTheTargetsWindowBeItInFrontOrNot) {
+  show({"one", "two"});
+  for (const std::size_t which : {0U, 1U, 0U}) {
+    targetWindow.set(windows.at(which));
+    EXPECT_TRUE(comesToHave("Save " + std::to_string(which + 1)));
+  }
+}
+
+TEST_F(DocumentMenuTest, OfDocumentsWithOneTitleTheActiveOneIsFoundAndNoOther) {
+  show({"same", "same"});
+  for (const std::size_t which : {1U, 0U, 1U}) {
+    program->say("present " + std::to_string(which + 1));
+    ASSERT_TRUE(program->hears("ready"));
+    targetWindow.set(windows.at(which));
+    EXPECT_TRUE(comesToHave("Save " + std::to_string(which + 1)));
+    targetWindow.set(windows.at(1 - which));
+    EXPECT_EQ(save(), "");
+  }
+}
+
+TEST_F(DocumentMenuTest, AWindowThatIsGoneOrAnotherProcesssHasNoMenuBar) {
+  show({"one"});
+  targetWindow.set(windows.front());
+  ASSERT_TRUE(comesToHave("Save 1"));
+  EXPECT_NE(accessibility.application(1)->attribute("AXMenuBar").error, 0);
+  targetWindow.set(4711);
+  EXPECT_EQ(save(), "");
 }
 
 TEST_F(AccessibilityTest, AProcessThatIsNotOnTheBusHasNoMenuBar) {

@@ -4,10 +4,12 @@
 //   (none)     a window with a menu bar, and another menu bar further down
 //   no-bar     a window without a menu bar
 //   stale      also a menu whose item is grey until its menu opens; the menus are exported on the session bus
+//   documents TITLE...   a window with a menu bar for each title; prints "window NUMBER" for each, and its
+//              item Save is called "Save 1", "Save 2" and so on
 //
 // Standard input tells it: "hang" stops it answering for good, "rename" gives the item Save another title,
-// "entry" prints what was typed into it. Prints "ready" at its start and after each line, and "pressed TITLE"
-// when an item is chosen.
+// "entry" prints what was typed into it, "present NUMBER" brings a document to the front. Prints "ready" at
+// its start and after each line, and "pressed TITLE" when an item is chosen.
 
 #include <gdk/gdkx.h>
 #include <gtk/gtk.h>
@@ -16,12 +18,14 @@
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "hosts/x11/glib_source.h"
 
 namespace {
 
 GtkWidget* saveItem = nullptr;
+GtkWidget* entry = nullptr;
 
 void say(const std::string& line) {
   std::cout << line << std::endl;
@@ -38,10 +42,10 @@ GtkWidget* item(GtkWidget* menu, const char* title) {
 }
 
 GtkWidget* submenu(GtkWidget* parent, const char* title) {
-  GtkWidget* entry = gtk_menu_item_new_with_mnemonic(title);
-  gtk_menu_shell_append(GTK_MENU_SHELL(parent), entry);
+  GtkWidget* opener = gtk_menu_item_new_with_mnemonic(title);
+  gtk_menu_shell_append(GTK_MENU_SHELL(parent), opener);
   GtkWidget* menu = gtk_menu_new();
-  gtk_menu_item_set_submenu(GTK_MENU_ITEM(entry), menu);
+  gtk_menu_item_set_submenu(GTK_MENU_ITEM(opener), menu);
   return menu;
 }
 
@@ -110,15 +114,24 @@ GtkWidget* otherMenuBar() {
   return bar;
 }
 
-}  // namespace
+std::vector<GtkWidget*> documents;
 
-int main(int argc, char** argv) {
-  gtk_init(nullptr, nullptr);
+void showDocument(const char* title) {
+  GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  gtk_window_set_title(GTK_WINDOW(window), title);
+  GtkWidget* bar = gtk_menu_bar_new();
+  documents.push_back(window);
+  item(submenu(bar, "File"), ("Save " + std::to_string(documents.size())).c_str());
+  gtk_container_add(GTK_CONTAINER(window), bar);
+  gtk_widget_show_all(window);
+  say("window " + std::to_string(GDK_WINDOW_XID(gtk_widget_get_window(window))));
+}
+
+void showWindow(std::string_view kind) {
   GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   gtk_window_set_title(GTK_WINDOW(window), "menu program");
   GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
   gtk_container_add(GTK_CONTAINER(window), box);
-  const std::string_view kind = argc < 2 ? "" : argv[1];
   GtkWidget* stale = nullptr;
   if (kind != "no-bar") {
     GtkWidget* inner = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
@@ -128,10 +141,33 @@ int main(int argc, char** argv) {
     gtk_container_add(GTK_CONTAINER(box), inner);
     gtk_container_add(GTK_CONTAINER(box), otherMenuBar());
   }
-  GtkWidget* entry = gtk_entry_new();
+  entry = gtk_entry_new();
   gtk_container_add(GTK_CONTAINER(box), entry);
   gtk_widget_show_all(window);
   if (stale != nullptr) exportMenus(window, stale);
+}
+
+void obey(const std::string& line) {
+  constexpr std::string_view present = "present ";
+  if (line == "rename") gtk_menu_item_set_label(GTK_MENU_ITEM(saveItem), "Store");
+  if (line == "entry") say(gtk_entry_get_text(GTK_ENTRY(entry)));
+  if (line.starts_with(present)) {
+    gtk_window_present(GTK_WINDOW(documents.at(std::stoul(line.substr(present.size())) - 1)));
+  }
+  say("ready");
+  while (line == "hang") pause();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  gtk_init(nullptr, nullptr);
+  const std::string_view kind = argc < 2 ? "" : argv[1];
+  if (kind == "documents") {
+    for (int i = 2; i < argc; ++i) showDocument(argv[i]);
+  } else {
+    showWindow(kind);
+  }
 
   std::string pending;
   const keyvora::x11::ReadableSource input(STDIN_FILENO, G_PRIORITY_DEFAULT, [&] {
@@ -140,11 +176,7 @@ int main(int argc, char** argv) {
     if (size <= 0) return gtk_main_quit();
     pending.append(bytes, static_cast<std::size_t>(size));
     for (std::size_t end = 0; (end = pending.find('\n')) != std::string::npos; pending.erase(0, end + 1)) {
-      const auto line = pending.substr(0, end);
-      if (line == "rename") gtk_menu_item_set_label(GTK_MENU_ITEM(saveItem), "Store");
-      if (line == "entry") say(gtk_entry_get_text(GTK_ENTRY(entry)));
-      say("ready");
-      while (line == "hang") pause();
+      obey(pending.substr(0, end));
     }
   });
   say("ready");

@@ -15,7 +15,9 @@ TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsSaidOnce) {
   RecordingConsole console;
   Notices notices(console);
   CurrentTap tap;
-  Accessibility accessibility(notices, tap);
+  TargetWindow targetWindow;
+  Applications applications("", targetWindow);
+  Accessibility accessibility(notices, applications, tap);
   for (int time = 0; time < 2; ++time) {
     EXPECT_NE(accessibility.application(getpid())->attribute("AXMenuBar").error, 0);
     EXPECT_TRUE(accessibility.isTrustedPrompting()) << "key sequences work all the same";

@@ -21,7 +21,8 @@ class ApplicationsTest : public testing::Test {
   }
 
   PrivateDisplay display;
-  Applications applications{display.name()};
+  TargetWindow targetWindow;
+  Applications applications{display.name(), targetWindow};
 };
 
 TEST_F(ApplicationsTest, NothingRunsOnAnEmptyDesktop) {
@@ -51,6 +52,50 @@ TEST_F(ApplicationsTest, ProcessesAreListedOnceAndTheOldestFirst) {
   const ClientWindow third(display.name(), {.process = 20});
   ASSERT_TRUE(third.awaitFocus());
   EXPECT_TRUE(runs({20, 10}));
+}
+
+TEST_F(ApplicationsTest, TheProcessOfTheTargetsWindowIsListedFirst) {
+  const ClientWindow first(display.name(), {.process = 10});
+  ASSERT_TRUE(first.awaitFocus());
+  const ClientWindow second(display.name(), {.process = 20});
+  ASSERT_TRUE(second.awaitFocus());
+  const ClientWindow third(display.name(), {.process = 30});
+  ASSERT_TRUE(third.awaitFocus());
+  ASSERT_TRUE(runs({10, 20, 30}));
+  targetWindow.set(third.window());
+  EXPECT_TRUE(runs({30, 10, 20}));
+  targetWindow.set(second.window());
+  EXPECT_TRUE(runs({20, 10, 30}));
+  targetWindow.set(4711);
+  EXPECT_TRUE(runs({10, 20, 30}));
+}
+
+TEST_F(ApplicationsTest, TheDocumentIsTheTargetsWindowOrTheOneThatItIsADialogOf) {
+  EXPECT_FALSE(applications.hasDocument());
+  const ClientWindow first(display.name(), {.process = 10, .title = "first"});
+  ASSERT_TRUE(first.awaitFocus());
+  const ClientWindow second(display.name(), {.process = 20, .title = "\u00e9 second"});
+  ASSERT_TRUE(second.awaitFocus());
+  const auto expectFrame = [&](unsigned long window, const DocumentFrame& expected) {
+    targetWindow.set(window);
+    EXPECT_TRUE(applications.hasDocument());
+    const auto frame = applications.documentFrame();
+    ASSERT_TRUE(frame);
+    EXPECT_EQ(frame->process, expected.process);
+    EXPECT_EQ(frame->title, expected.title);
+    EXPECT_EQ(frame->isActive, expected.isActive);
+  };
+  ASSERT_TRUE(runs({10, 20}));
+  expectFrame(first.window(), {10, "first", false});
+  expectFrame(second.window(), {20, "\u00e9 second", true});
+
+  const ClientWindow::Options dialogOfFirst{.process = 10, .transientFor = first.window(), .title = "dialog"};
+  ClientWindow dialog(display.name(), dialogOfFirst);
+  ASSERT_TRUE(dialog.activate());
+  ASSERT_TRUE(comesToFront(true));
+  expectFrame(dialog.window(), {10, "first", false});
+  targetWindow.set(4711);
+  EXPECT_FALSE(applications.documentFrame());
 }
 
 TEST_F(ApplicationsTest, AnotherApplicationInFrontIsNotTheTarget) {
@@ -128,7 +173,8 @@ TEST_F(ApplicationsTest, ARestartOfTheWindowManagerLosesNothing) {
 }
 
 TEST(Applications, WithoutADisplayNothingRuns) {
-  Applications applications(":4711");
+  TargetWindow targetWindow;
+  Applications applications(":4711", targetWindow);
   EXPECT_TRUE(applications.running(excel).empty());
   EXPECT_EQ(applications.frontmostBundleIdentifier(), std::nullopt);
 }

@@ -39,6 +39,11 @@ struct ClientWindow::State {
     XChangeProperty(display, window, connection->atom("_NET_WM_PID"), XA_CARDINAL, 32, PropModeReplace,
                     reinterpret_cast<const unsigned char*>(&process), 1);
     if (options.transientFor != None) XSetTransientForHint(display, window, options.transientFor);
+    if (!options.title.empty()) {
+      XChangeProperty(display, window, connection->atom("_NET_WM_NAME"), connection->atom("UTF8_STRING"), 8,
+                      PropModeReplace, reinterpret_cast<const unsigned char*>(options.title.data()),
+                      int(options.title.size()));
+    }
     XWMHints hints{};
     hints.flags = InputHint;
     hints.input = True;

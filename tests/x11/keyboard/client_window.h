@@ -36,6 +36,8 @@ class ClientWindow {
     platform::ProcessIdentifier process = 4711;
     /// The window that this one is a dialog of.
     unsigned long transientFor = 0;
+    /// UTF-8; empty for none.
+    std::string title = {};
   };
 
   /// Shows the window.

@@ -71,9 +71,10 @@ class EventTapTest : public testing::Test {
   bool awaitTapPossible();
 
   PrivateDisplay display;
-  Applications applications{display.name()};
+  TargetWindow targetWindow;
+  Applications applications{display.name(), targetWindow};
   CurrentTap currentTap;
-  Keyboard keyboard{display.name(), KEYVORA_TAP_PROGRAM, currentTap};
+  Keyboard keyboard{display.name(), KEYVORA_TAP_PROGRAM, currentTap, targetWindow};
   ClientWindow target{display.name(), {}};
   Typist user{display.name(), Typist::Device::hardware};
   Catcher catcher{applications};

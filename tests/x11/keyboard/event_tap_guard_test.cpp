@@ -113,7 +113,7 @@ TEST_F(EventTapGuardTest, TheKeyboardIsFreeWhileAnActionRuns) {
 TEST_F(EventTapGuardTest, ASecondTapIsRefusedUntilTheFirstIsGone) {
   tapWithCatcher();
   CurrentTap otherTap;
-  Keyboard other(display.name(), KEYVORA_TAP_PROGRAM, otherTap);
+  Keyboard other(display.name(), KEYVORA_TAP_PROGRAM, otherTap, targetWindow);
   const auto pass = [](const KeyEvent&) { return Verdict::pass; };
   EXPECT_EQ(other.createTap(keyEvents, pass), nullptr);
   EXPECT_EQ(keyboard.createTap(keyEvents, pass), nullptr);

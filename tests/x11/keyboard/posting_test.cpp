@@ -3,10 +3,13 @@
 #include <X11/X.h>
 
 #include <algorithm>
+#include <atomic>
+#include <future>
 #include <thread>
 #include <tuple>
 
 #include "hosts/x11/keyboard/key_codes.h"
+#include "hosts/x11/queues.h"
 #include "tests/x11/keyboard/event_tap_fixture.h"
 
 namespace keyvora::x11 {
@@ -109,6 +112,102 @@ TEST_F(PostingTest, AWindowOfAnotherApplicationInTheSameProcessIsNotMeant) {
   event(key::a, true)->postTo(targetProcess);
   expectPressed({key::a});
   EXPECT_TRUE(writer.pressed().empty());
+}
+
+TEST_F(PostingTest, KeysGoToTheWindowWhoseKeyWasSwallowedLast) {
+  tapWithCatcher();
+  catcher = Catcher(applications, 1);
+  user.tap({key::leftOption, key::h});
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 1; }));
+  ClientWindow second(display.name(), {});
+  ASSERT_TRUE(second.awaitFocus());
+  event(key::a, true)->postTo(targetProcess);
+  expectPressed({key::leftOption, key::a});
+  user.tap({key::d});  // let through: it changes nothing
+  expectPressed({key::d}, second);
+  event(key::b, true)->postTo(targetProcess);
+  expectPressed({key::leftOption, key::a, key::b});
+  user.tap({key::leftOption, key::h});
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 2; }));
+  event(key::s, true)->postTo(targetProcess);
+  expectPressed({key::d, key::leftOption, key::s}, second);
+}
+
+TEST_F(PostingTest, KeysGoToADialogOfTheTargetsWindowAndToNoOther) {
+  targetWindow.set(target.window());
+  ClientWindow second(display.name(), {});
+  ASSERT_TRUE(second.awaitFocus());
+  ClientWindow dialog(display.name(), {.transientFor = target.window()});
+  ASSERT_TRUE(dialog.activate());
+  event(key::a, true)->postTo(targetProcess);
+  expectPressed({key::a}, dialog);
+  ClientWindow other(display.name(), {.transientFor = second.window()});
+  ASSERT_TRUE(other.activate());
+  event(key::b, true)->postTo(targetProcess);
+  expectPressed({key::a, key::b}, dialog);
+  EXPECT_TRUE(target.pressed().empty());
+  EXPECT_TRUE(second.pressed().empty());
+  EXPECT_TRUE(other.pressed().empty());
+}
+
+TEST_F(PostingTest, KeysForAWindowThatIsGoneOrAnotherProcesssAreDropped) {
+  {
+    const ClientWindow second(display.name(), {});
+    ASSERT_TRUE(second.awaitFocus());
+    targetWindow.set(second.window());
+  }
+  ASSERT_TRUE(target.activate());
+  event(key::a, true)->postTo(targetProcess);
+  targetWindow.set(target.window());
+  event(key::b, true)->postTo(targetProcess + 1);
+  event(key::s, true)->postTo(targetProcess);
+  expectPressed({key::s});
+}
+
+TEST_F(PostingTest, KeysForADocumentOfLibreOfficeThatIsNotInFrontAreDropped) {
+  const ClientWindow::Options calc{
+      .instanceName = "libreoffice", .className = "libreoffice-calc", .process = 20};
+  ClientWindow first(display.name(), calc);
+  ASSERT_TRUE(first.awaitFocus());
+  ClientWindow second(display.name(), calc);
+  ASSERT_TRUE(second.awaitFocus());
+  targetWindow.set(first.window());
+  event(key::a, true)->postTo(20);
+  ASSERT_TRUE(target.activate());
+  event(key::b, true)->postTo(20);  // it was not the last in front
+  ASSERT_TRUE(first.activate());
+  event(key::s, true)->postTo(20);
+  ASSERT_TRUE(target.activate());
+  event(key::d, true)->postTo(20);
+  expectPressed({key::s, key::d}, first);
+  EXPECT_TRUE(second.pressed().empty());
+}
+
+TEST_F(PostingTest, APlanKeepsTheWindowThatItWasGivenFor) {
+  ClientWindow second(display.name(), {});
+  ASSERT_TRUE(second.awaitFocus());
+  targetWindow.set(target.window());
+  std::promise<void> given;
+  std::atomic<bool> walked = false;
+  Queues queues(targetWindow);
+  queues.walk({[&] {
+                 given.get_future().wait();
+                 return std::chrono::microseconds(0);
+               },
+               [&] {
+                 event(key::a, true)->postTo(targetProcess);
+                 return std::chrono::microseconds(0);
+               },
+               [&] {
+                 walked = true;
+                 return std::chrono::microseconds(0);
+               }});
+  targetWindow.set(second.window());
+  given.set_value();
+  ASSERT_TRUE(runUntil([&] { return walked.load(); }));
+  event(key::b, true)->postTo(targetProcess);
+  expectPressed({key::b}, second);
+  EXPECT_EQ(target.pressed(), Keys{key::a});
 }
 
 TEST_F(PostingTest, AProcessWithoutAWindowGetsNothing) {
@@ -227,7 +326,8 @@ TEST_F(PostingTest, PostingInsideTheHandlerComesAfterTheSwallowedKeyAndDoesNotWa
 
 TEST(Posting, WithoutADisplayNothingCanBeMade) {
   CurrentTap tap;
-  Keyboard keyboard(":4711", KEYVORA_TAP_PROGRAM, tap);
+  TargetWindow targetWindow;
+  Keyboard keyboard(":4711", KEYVORA_TAP_PROGRAM, tap, targetWindow);
   EXPECT_EQ(keyboard.createSource(), nullptr);
   EXPECT_EQ(keyboard.createEvent(nullptr, 0, true), nullptr);
   EXPECT_EQ(keyboard.createTap(keyEvents, [](const KeyEvent&) { return Verdict::pass; }), nullptr);

@@ -15,9 +15,10 @@ int main(int argc, char** argv) {
   using namespace keyvora;
   if (argc != 2) return 2;
   x11::setDisplayLossHandler([] { std::fputs("records are safe\n", stderr); });
-  const x11::Applications applications(argv[1]);  // notices the end of the display
+  x11::TargetWindow targetWindow;
+  const x11::Applications applications(argv[1], targetWindow);  // notices the end of the display
   x11::CurrentTap currentTap;
-  x11::Keyboard keyboard(argv[1], KEYVORA_TAP_PROGRAM, currentTap);
+  x11::Keyboard keyboard(argv[1], KEYVORA_TAP_PROGRAM, currentTap, targetWindow);
   std::unique_ptr<platform::EventTap> tap;
   const auto swallow = [](const platform::KeyEvent& event) {
     return event.type == platform::event_type::keyDown && event.userData == 0 ? platform::Verdict::swallow

@@ -98,6 +98,19 @@ TEST_F(HandoverTest, EventsKeepTheirOrderAndVerdictsComeBack) {
   EXPECT_TRUE(nothingIsOwed());
 }
 
+TEST_F(HandoverTest, TheWindowIsThatOfTheEventShown) {
+  tap.tell(release, start);
+  tap.ask(letter, start, 17);
+  EXPECT_EQ(owner.window(), 0U);
+  EXPECT_EQ(next(), release);
+  EXPECT_EQ(owner.window(), 0U) << "on its way already";
+  owner.handled(Verdict::pass);
+  EXPECT_EQ(next(), letter);
+  EXPECT_EQ(owner.window(), 17U);
+  owner.handled(Verdict::swallow);
+  EXPECT_EQ(owner.window(), 0U);
+}
+
 TEST_F(HandoverTest, EventsThatNobodyAskedAboutAreAcknowledgedOnceAllWereShown) {
   tap.tell(release, start);
   tap.tell(letter, start);
