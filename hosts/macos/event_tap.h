@@ -12,6 +12,10 @@
 
 namespace keyvora::macos {
 
+/// The event in the core's terms. A notice that the tap was switched off has a type and nothing else: it
+/// comes without an event. Any thread.
+platform::KeyEvent keyEventOf(CGEventType type, CGEventRef event);
+
 /// The port that the system gave for a tap, with its source on the main run loop. Main thread.
 class TapPort {
  public:
@@ -52,7 +56,6 @@ class EventTap final : public platform::EventTap {
       : eventMask_(eventMask), handler_(std::move(handler)) {}
   static CGEventRef callback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);
   bool makePort();
-  platform::Verdict decide(CGEventType type, CGEventRef event) const;
   void reportIfDisabled() const;
 
   std::uint64_t eventMask_;

@@ -5,6 +5,17 @@
 
 namespace keyvora::macos {
 
+platform::KeyEvent keyEventOf(CGEventType type, CGEventRef event) {
+  platform::KeyEvent record;
+  record.type = static_cast<std::uint32_t>(type);
+  const bool isNotice = record.type >= platform::event_type::tapDisabledByTimeout;
+  if (isNotice || event == nullptr) return record;
+  record.keyCode = static_cast<std::uint16_t>(CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode));
+  record.flags = CGEventGetFlags(event);
+  record.userData = CGEventGetIntegerValueField(event, kCGEventSourceUserData);
+  return record;
+}
+
 std::unique_ptr<TapPort> TapPort::create(std::uint64_t eventMask, CGEventTapCallBack callback,
                                          void* userInfo) {
   auto made = CFRef<CFMachPortRef>::adopt(CGEventTapCreate(
@@ -61,21 +72,8 @@ CGEventRef EventTap::callback(CGEventTapProxy /*proxy*/, CGEventType type, CGEve
   const auto* tap = static_cast<const EventTap*>(userInfo);
   const auto held = CFRef<CGEventRef>::retain(event);
   const auto verdict =
-      guarded(platform::Verdict::pass, [tap, type, event] { return tap->decide(type, event); });
+      guarded(platform::Verdict::pass, [tap, type, event] { return tap->handler_(keyEventOf(type, event)); });
   return verdict == platform::Verdict::pass ? event : nullptr;
-}
-
-platform::Verdict EventTap::decide(CGEventType type, CGEventRef event) const {
-  platform::KeyEvent record;
-  record.type = static_cast<std::uint32_t>(type);
-  // A notice that the tap was switched off comes without an event.
-  const bool isNotice = record.type >= platform::event_type::tapDisabledByTimeout;
-  if (!isNotice && event != nullptr) {
-    record.keyCode = static_cast<std::uint16_t>(CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode));
-    record.flags = CGEventGetFlags(event);
-    record.userData = CGEventGetIntegerValueField(event, kCGEventSourceUserData);
-  }
-  return handler_(record);
 }
 
 void EventTap::reportIfDisabled() const {

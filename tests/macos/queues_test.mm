@@ -1,9 +1,11 @@
 #import "hosts/macos/queues.h"
 
+#import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -65,6 +67,34 @@ TEST(Queues, TwoPlansRunAlongsideEachOther) {
   second.wait(0);
   second.wait(1);
   EXPECT_EQ(first + second, 4);
+}
+
+TEST(Queues, AStepThatThrowsDoesNotEndThePlanNorTheProgram) {
+  Queues queues;
+  std::atomic<int> reached = 0;
+  queues.walk({[]() -> std::chrono::microseconds { throw std::runtime_error("from a step"); },
+               []() -> std::chrono::microseconds { throw 1; },
+               []() -> std::chrono::microseconds {
+                 [NSException raise:NSGenericException format:@"from a step"];
+                 return 0us;
+               },
+               [&] {
+                 reached = 1;
+                 reached.notify_all();
+                 return 0us;
+               }});
+  reached.wait(0);
+  EXPECT_EQ(reached, 1);
+}
+
+TEST(Queues, WorkThatThrowsDoesNotEndItsQueue) {
+  Queues queues;
+  const auto queue = queues.createSerial("org.keyvora.test.log");
+  std::atomic<bool> ran = false;
+  queue->async([] { throw std::runtime_error("from the work"); });
+  queue->async([&ran] { ran = true; });
+  EXPECT_TRUE(queue->drain(5s));
+  EXPECT_TRUE(ran);
 }
 
 }  // namespace
