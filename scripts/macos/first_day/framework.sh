@@ -125,6 +125,11 @@ need_keyvora() {
   [[ -n $dry_run ]] || pgrep -x keyvora >/dev/null || do_run open "$application"
 }
 
+# Whether keyvora's tap is in, by what the log said last.
+tap_is_in() {
+  [[ -n $dry_run || $(grep -E 'tap (not )?installed' "$log" 2>/dev/null | tail -n 1) == *"tap installed"* ]]
+}
+
 finish_evidence() {
   step "The results"
   cat "$results"

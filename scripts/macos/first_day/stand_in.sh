@@ -62,6 +62,7 @@ step_stand_in() {
   [[ -n $dry_run ]] || ! real_excel || leave_out "Excel is installed: the stand-in bears its identifier"
   [[ -n $dry_run || -d $tools/excel-stand-in.app ]] || leave_out "the stand-in is not built: the step build makes it"
   need_keyvora
+  tap_is_in || leave_out "keyvora has no tap: the step grant gives it one"
   from=$(log_length)
   borrow_mappings
   trap 'stop_stand_in; return_mappings' EXIT
