@@ -10,7 +10,7 @@ from contextlib import ExitStack
 from awake import Awake
 from console import DOCUMENT, Console, mappings, percentiles
 from harness.private_desktop import KEYBOARD, PrivateDesktop
-from harness.process import counts
+from harness.process import children, counts
 
 SXHKD = "super + F9\n\ttrue\nsuper + F10\n\ttrue\nctrl + alt + F11\n\ttrue\n"
 XBINDKEYS = '"true"\n  Mod4 + F9\n"true"\n  Mod4 + F10\n"true"\n  Control + Mod1 + F11\n'
@@ -18,34 +18,43 @@ XBINDKEYS = '"true"\n  Mod4 + F9\n"true"\n  Mod4 + F10\n"true"\n  Control + Mod1
 # Each way has its turn in each round, so that no way is measured in a better hour than another.
 ROUNDS = 5
 
-Start = Callable[[ExitStack], int | None]
+# Starts something, and tells its processes.
+Start = Callable[[ExitStack], list[int]]
+
+BARE = "grab and replay, Shift"
+ARMED = "keyvora armed, Shift"
 
 
 def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     """One row for each way; `f` is an ordinary key, Shift one that passes while a sequence is open."""
     mappings(desktop.home).write_text(DOCUMENT)
 
-    def keyvora(stack: ExitStack) -> int:
-        running = stack.enter_context(Console(arguments.programs / "app/keyvora", desktop.home))
-        running.wait("tap installed, ")
-        return running.process.pid
+    def keyvora(stack: ExitStack) -> list[int]:
+        program = stack.enter_context(Console(arguments.programs / "app/keyvora", desktop.home))
+        program.wait("tap installed, ")
+        return [program.process.pid, *children(program.process.pid)]
 
-    def other(command: list[str], file: str, text: str) -> Start:
-        def start(stack: ExitStack) -> int:
-            path = desktop.folder / file
-            path.write_text(text)
-            process = subprocess.Popen([*command, str(path)], env=dict(os.environ, SHELL="/bin/sh"),
+    def running(command: list[str]) -> Start:
+        def start(stack: ExitStack) -> list[int]:
+            process = subprocess.Popen(command, env=dict(os.environ, SHELL="/bin/sh"),
                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             stack.callback(process.wait)
             stack.callback(process.terminate)
             time.sleep(1)
             if process.poll() is not None:
                 raise RuntimeError(f"{command[0]} ended with {process.returncode}")
-            return process.pid
+            return [process.pid]
         return start
 
-    def nothing(_: ExitStack) -> None:
-        pass
+    def other(command: list[str], file: str, text: str) -> Start:
+        path = desktop.folder / file
+        path.write_text(text)
+        return running([*command, str(path)])
+
+    def nothing(_: ExitStack) -> list[int]:
+        return []
+
+    bare = running([str(arguments.programs / "bench/bench_bare")])
 
     ways: list[tuple[str, Start, str, list[str]]] = [
         ("nothing running", nothing, "f", []),
@@ -53,7 +62,8 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
         ("sxhkd, 3 keys bound", other(["sxhkd", "-c"], "sxhkdrc", SXHKD), "f", []),
         ("xbindkeys, 3 keys bound", other(["xbindkeys", "-n", "-f"], "xbindkeysrc", XBINDKEYS), "f", []),
         ("nothing running, Shift", nothing, "Shift", []),
-        ("keyvora armed, Shift", keyvora, "Shift", ["armed"])]
+        (BARE, bare, "Shift", []),
+        (ARMED, keyvora, "Shift", ["armed"])]
     # Where the server and the window run is the scheduler's mood, and worth 30 microseconds to a key.
     together = {min(os.sched_getaffinity(0))}
     os.sched_setaffinity(desktop.children.named("Xvfb").pid, together)
@@ -63,15 +73,22 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
         for _ in range(ROUNDS):
             for name, start, key, more in ways:
                 with ExitStack() as stack:
-                    process = start(stack)
+                    processes = start(stack)
                     command = [str(arguments.programs / "bench/bench_delivery"), KEYBOARD, key,
                                str(arguments.times // ROUNDS), *more]
-                    before = counts(process).switches if process else 0
+                    before = woken_so_far(processes)
                     answer = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True,
                                             preexec_fn=lambda: os.sched_setaffinity(0, together)).stdout
-                    woken[name] += counts(process).switches - before if process else 0
+                    woken[name] += woken_so_far(processes) - before
                 taken[name] += map(float, answer.split())
     print(f"{arguments.times} keys each in {ROUNDS} rounds, microseconds from injection to delivery")
     print(f"{'':28}{'p50':>8}{'p95':>8}{'p99':>8}{'times woken':>14}")
     for name, times in taken.items():
         print(f"{name:28}" + "".join(f"{value:8.1f}" for value in percentiles(times)) + f"{woken[name]:>14}")
+    armed, least = (percentiles(taken[name])[0] for name in (ARMED, BARE))
+    print(f"a key while a sequence is open: {armed / least:.2f} times what grabbing and replaying costs, at the median")
+
+
+def woken_so_far(processes: list[int]) -> int:
+    """How often all of them were."""
+    return sum(counts(process).switches for process in processes)

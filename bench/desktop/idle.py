@@ -8,7 +8,7 @@ import time
 from console import DOCUMENT, Console, mappings
 from delivery import SXHKD
 from harness.private_desktop import PrivateDesktop
-from harness.process import Counts, counts
+from harness.process import Counts, children, counts
 
 # Without --minutes.
 MINUTES = 1.0
@@ -28,7 +28,8 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
         ready = time.monotonic()
         sxhkd = subprocess.Popen(["sxhkd", "-c", str(configuration)], env=dict(os.environ, SHELL="/bin/sh"))
         try:
-            processes = {"keyvora": keyvora.process.pid, "sxhkd": sxhkd.pid}
+            (tap,) = children(keyvora.process.pid)
+            processes = {"keyvora": keyvora.process.pid, "keyvora-tap": tap, "sxhkd": sxhkd.pid}
             last = wait_for_quiet(processes)
             before = all_counts(processes)
             time.sleep((arguments.minutes or MINUTES) * 60)
@@ -38,12 +39,12 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
             sxhkd.wait()
     print(f"last wake-up of the start {last - ready:.0f} s after the tap was installed; "
           f"from {QUIET:.0f} s later, for {arguments.minutes or MINUTES:g} min:")
-    print(f"{'':10}{'wake-ups':>10}{'processor ms':>14}{'resident KiB':>14}{'private':>10}{'written':>10}"
+    print(f"{'':12}{'wake-ups':>10}{'processor ms':>14}{'resident KiB':>14}{'private':>10}{'written':>10}"
           f"{'files':>8}")
     for name, now in after.items():
         then = before[name]
         milliseconds = (now.processor - then.processor) * 1000
-        print(f"{name:10}{now.switches - then.switches:>10}{milliseconds:>14.2f}{now.resident:>14}"
+        print(f"{name:12}{now.switches - then.switches:>10}{milliseconds:>14.2f}{now.resident:>14}"
               f"{now.private:>10}{now.written:>10}{now.files:>8}")
 
 

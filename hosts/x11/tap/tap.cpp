@@ -57,6 +57,7 @@ Tap::Tap(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices,
       reader_(connection_->get(), devices, keys_, *this) {}
 
 Tap::~Tap() {
+  enabled_ = false;
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
   letGo(Verdict::pass);
   disclaim();
@@ -213,7 +214,7 @@ void Tap::keepTime(Clock::time_point now) {
   // The grabs first: a key that waits behind the one that is let go would be caught by them.
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
   letGo(Verdict::pass);
-  XFlush(connection_->get());
+  XSync(connection_->get(), False);
 }
 
 void Tap::follow(KeyGrabs::Extent extent) {

@@ -25,15 +25,18 @@ class Children:
 
     def start(self, command: Sequence[str], *, name: str | None = None,
               environment: Mapping[str, str] | None = None, keep_open: Sequence[int] = (),
-              interactive: bool = False) -> subprocess.Popen[bytes]:
-        """Starts `command`; its standard error, and its output unless `interactive`, go to `name`.log."""
+              interactive: bool = False, own_group: bool = False) -> subprocess.Popen[bytes]:
+        """Starts `command`; its standard error, and its output unless `interactive`, go to `name`.log.
+
+        With `own_group` it leads a process group, as what a shell starts does.
+        """
         name = name or Path(command[0]).name
         log = self.log(name)
         with log.open("ab") as output:
             child = subprocess.Popen(
                 list(command), env=environment, pass_fds=tuple(keep_open), preexec_fn=_die_with_parent,
                 stdin=subprocess.PIPE if interactive else subprocess.DEVNULL,
-                stdout=subprocess.PIPE if interactive else output, stderr=output)
+                stdout=subprocess.PIPE if interactive else output, stderr=output, process_group=0 if own_group else None)
         self._running.append(child)
         self._named[name] = child
         return child

@@ -51,7 +51,7 @@ class Keyvora:
         if extra_path:
             environment["PATH"] = f"{extra_path}:{environment['PATH']}"
         self._process = self._desktop.children.start([str(self._program)], name="keyvora",
-                                                     environment=environment)
+                                                     environment=environment, own_group=True)
         return self._process
 
     def start(self, extra_path: Path | None = None) -> None:

@@ -32,3 +32,9 @@ def counts(process: int) -> Counts:
     written = memory["Private_Dirty"]
     return Counts(switches, nanoseconds / 1e9, memory["Rss"], memory["Private_Clean"] + written, written,
                   len(os.listdir(folder / "fd")))
+
+
+def children(process: int) -> list[int]:
+    """The processes that it started and that are still there."""
+    return [int(child) for task in Path(f"/proc/{process}/task").iterdir()
+            for child in (task / "children").read_text().split()]

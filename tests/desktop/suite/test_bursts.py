@@ -59,6 +59,23 @@ class Bursts(DesktopTest):
         self.expect_input(expected, 60)
         self.assertEqual(0, self.keyvora.log.count(ARMED))
 
+    def test_a_key_between_options_press_and_release_is_option_with_that_key(self) -> None:
+        """So it is with every program, and such a key writes nothing: typists that are to lose nothing let each
+        other finish."""
+        other = self.new_typist(device=XTEST_KEYBOARD)
+        for runs in (False, True):
+            with self.subTest(keyvora=runs):
+                if runs:
+                    self.start()
+                self.typist.tap("k")
+                self.typist.down("Option")
+                other.tap("-")
+                self.typist.up("Option")
+                self.typist.tap("b")
+                self.expect_input("kb")
+                self.new_cell()
+        self.assertEqual(0, self.keyvora.log.count(ARMED))
+
     def test_a_second_program_typing_at_the_same_time_loses_nothing(self) -> None:
         self.start()
         other = self.new_typist(device=XTEST_KEYBOARD)

@@ -31,6 +31,14 @@ void Keyboard::key(KeyCode code, bool down) {
   XTestFakeDeviceKeyEvent(display_, device_.get(), code, down ? True : False, nullptr, 0, CurrentTime);
 }
 
+void Keyboard::beginUndisturbed() {
+  XGrabServer(display_);
+}
+
+void Keyboard::endUndisturbed() {
+  XUngrabServer(display_);
+}
+
 void Keyboard::flush() {
   XSync(display_, False);
 }

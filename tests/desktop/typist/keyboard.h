@@ -17,6 +17,10 @@ class Keyboard {
   /// Queues one press or release; `flush` sends what is queued.
   void key(KeyCode code, bool down);
 
+  /// From here to `endUndisturbed` the server takes keys from nobody else.
+  void beginUndisturbed();
+  void endUndisturbed();
+
   /// Sends everything queued and waits until the display has taken it.
   void flush();
 

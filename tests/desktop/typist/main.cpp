@@ -69,11 +69,15 @@ class Typist {
     return keys;
   }
 
+  /// Nobody else's key comes between a press and its release: between those of Option it would be Option with
+  /// that key, which means something else to every program.
   void tap(const std::vector<std::string>& keys) {
     for (const auto& key : keys) {
       const auto held = chord(key);
+      keyboard_.beginUndisturbed();
       for (const auto code : held) keyboard_.key(code, true);
       for (auto code = held.rbegin(); code != held.rend(); ++code) keyboard_.key(*code, false);
+      keyboard_.endUndisturbed();
       pause();
     }
   }

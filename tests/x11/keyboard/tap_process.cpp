@@ -1,5 +1,8 @@
 // A program with a tap that swallows every key press it can, on the display that its argument names: for
-// tests to kill, or to take the display from.
+// tests to kill, to stop, or to take the display from. With "hang" as a second argument it never comes back
+// from the first press that it is shown.
+
+#include <unistd.h>
 
 #include <cstdio>
 #include <memory>
@@ -13,24 +16,32 @@
 
 int main(int argc, char** argv) {
   using namespace keyvora;
-  if (argc != 2) return 2;
+  namespace event_type = platform::event_type;
+  if (argc < 2) return 2;
+  const bool hangs = argc > 2;
   x11::setDisplayLossHandler([] { std::fputs("records are safe\n", stderr); });
   x11::TargetWindow targetWindow;
   const x11::Applications applications(argv[1], targetWindow);  // notices the end of the display
   x11::CurrentTap currentTap;
   x11::Keyboard keyboard(argv[1], KEYVORA_TAP_PROGRAM, currentTap, targetWindow);
+  keyboard.onFault([](const std::string& sentence) { std::fprintf(stderr, "%s\n", sentence.c_str()); });
   std::unique_ptr<platform::EventTap> tap;
-  const auto swallow = [](const platform::KeyEvent& event) {
-    return event.type == platform::event_type::keyDown && event.userData == 0 ? platform::Verdict::swallow
-                                                                              : platform::Verdict::pass;
+  // Says to whoever listens that the tap is at work.
+  const auto enable = [&] {
+    tap->enable();
+    for (const bool down : {true, false}) {
+      if (const auto sentinel = keyboard.createEvent(nullptr, x11::sentinelKey, down))
+        sentinel->postToHardware();
+    }
+  };
+  const auto swallow = [&](const platform::KeyEvent& event) {
+    if (event.type == event_type::tapDisabledByTimeout) enable();
+    if (event.type != event_type::keyDown || event.userData != 0) return platform::Verdict::pass;
+    while (hangs) pause();
+    return platform::Verdict::swallow;
   };
   if (!x11::runUntil([&] { return (tap = keyboard.createTap(0x1C00, swallow)) != nullptr; })) return 3;
-  tap->enable();
-  // Says to whoever listens that the tap is at work.
-  for (const bool down : {true, false}) {
-    if (const auto sentinel = keyboard.createEvent(nullptr, x11::sentinelKey, down))
-      sentinel->postToHardware();
-  }
+  enable();
   x11::runUntil([] { return false; }, std::chrono::minutes(2));
   return 4;
 }

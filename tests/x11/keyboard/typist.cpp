@@ -60,6 +60,10 @@ void Typist::chord(std::initializer_list<std::uint16_t> held, std::uint16_t keyC
   for (const auto key : held) release(key);
 }
 
+void Typist::sync() {
+  XSync(state_->connection->get(), False);
+}
+
 void Typist::setRepetition(std::chrono::milliseconds delay, std::chrono::milliseconds interval) {
   Display* display = state_->connection->get();
   XkbSetAutoRepeatRate(display, XkbUseCoreKbd, unsigned(delay.count()), unsigned(interval.count()));

@@ -28,6 +28,9 @@ class Typist {
   /// Presses and releases each key in turn.
   void tap(std::initializer_list<std::uint16_t> keyCodes);
 
+  /// Waits until the server has taken all that was typed.
+  void sync();
+
   /// How long a key is held before it repeats, and how long it takes from one repetition to the next.
   void setRepetition(std::chrono::milliseconds delay, std::chrono::milliseconds interval);
 

@@ -1,0 +1,161 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "tests/x11/keyboard/event_tap_fixture.h"
+
+/// The tap's program and its owner when one of them is stopped or killed: keys reach their windows.
+namespace keyvora::x11 {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+using Keys = std::vector<std::uint16_t>;
+
+/// The one process that this one has started.
+pid_t childOf(pid_t process) {
+  std::ifstream children("/proc/" + std::to_string(process) + "/task/" + std::to_string(process) +
+                         "/children");
+  pid_t child = -1;
+  children >> child;
+  return child;
+}
+
+class TapProgramTest : public EventTapTest {
+ protected:
+  /// A program with a tap that swallows every key press, until its tap is at work.
+  void start(const std::vector<std::string>& arguments = {}) {
+    std::vector<std::string> command{KEYVORA_TAP_PROCESS, display.name()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    owner = Child(command, {});
+    ASSERT_TRUE(awaitEnabled(1));
+  }
+
+  /// The owner has enabled its tap so many times.
+  bool awaitEnabled(int times) {
+    return runUntil([&] { return target.sentinels() >= times; });
+  }
+
+  void expectKeysAreSwallowedFrom(const Keys& before) {
+    user.tap({key::leftOption, key::a, key::b});
+    auto expected = before;
+    expected.push_back(key::leftOption);
+    expectPressed(expected);
+  }
+
+  Child owner;
+};
+
+TEST_F(TapProgramTest, AStoppedOwnerHoldsTheKeyboardForASecondAtMost) {
+  start();
+  expectKeysAreSwallowedFrom({});
+  kill(owner.pid(), SIGSTOP);
+  const auto typed = Clock::now();
+  user.tap({key::a, key::leftOption, key::b});
+  expectPressed({key::leftOption, key::a, key::leftOption, key::b});
+  EXPECT_GT(target.received().back().at - typed, milliseconds(900)) << "nothing was held";
+  // From then on nothing is held at all.
+  const auto again = Clock::now();
+  user.tap({key::d, key::leftOption, key::d});
+  expectPressed({key::leftOption, key::a, key::leftOption, key::b, key::d, key::leftOption, key::d});
+  EXPECT_LT(target.received().back().at - again, milliseconds(900));
+  kill(owner.pid(), SIGCONT);
+  ASSERT_TRUE(awaitEnabled(2));
+  expectKeysAreSwallowedFrom(
+      {key::leftOption, key::a, key::leftOption, key::b, key::d, key::leftOption, key::d});
+}
+
+TEST_F(TapProgramTest, AnOwnerThatNeverComesBackHoldsTheKeyboardForASecondAtMost) {
+  start({"hang"});
+  user.tap({key::leftOption, key::a, key::b, key::leftOption, key::d});
+  expectPressed({key::leftOption, key::a, key::b, key::leftOption, key::d});
+}
+
+TEST_F(TapProgramTest, KillingAStoppedOwnerWhileAKeyIsHeldLosesNoKey) {
+  start();
+  kill(owner.pid(), SIGSTOP);
+  user.tap({key::leftOption, key::a, key::b});
+  user.sync();
+  owner.kill();
+  expectPressed({key::leftOption, key::a, key::b});
+  EXPECT_TRUE(awaitTapPossible()) << "and a new start is not refused";
+}
+
+TEST_F(TapProgramTest, TheTapIsNotEndedOrStoppedByWhatATerminalOrASessionSends) {
+  start();
+  const auto program = childOf(owner.pid());
+  ASSERT_GT(program, 0);
+  EXPECT_NE(getpgid(program), getpgid(owner.pid())) << "Control-Z does not even reach it";
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) kill(program, signal);
+  expectKeysAreSwallowedFrom({});
+  EXPECT_EQ(childOf(owner.pid()), program);
+}
+
+TEST_F(TapProgramTest, ATapThatWasKilledIsReplacedAfterASecondAndTold) {
+  std::vector<std::string> faults;
+  keyboard.onFault([&](const std::string& sentence) { faults.push_back(sentence); });
+  int disabled = 0;
+  const auto started = Clock::now();
+  tapWith([&](const platform::KeyEvent& event) {
+    if (event.type != platform::event_type::tapDisabledByTimeout) return catcher(event);
+    ++disabled;
+    tap->enable();
+    return platform::Verdict::pass;
+  });
+  // The display's programs are children, too.
+  const auto findTap = [] {
+    std::ifstream children("/proc/self/task/" + std::to_string(getpid()) + "/children");
+    for (pid_t child = 0; children >> child;) {
+      if (std::filesystem::read_symlink("/proc/" + std::to_string(child) + "/exe").filename() ==
+          "keyvora-tap")
+        return child;
+    }
+    return -1;
+  };
+  for (int times = 1; times <= 2; ++times) {
+    const auto program = findTap();
+    ASSERT_GT(program, 0);
+    kill(program, SIGKILL);
+    ASSERT_TRUE(runUntil([&] { return disabled == times; }));
+    EXPECT_EQ(faults.size(), std::size_t(times));
+    EXPECT_EQ(faults.back(), "The keyboard's program was ended by signal 9; another one is started.");
+    ASSERT_TRUE(runUntil([&] { return findTap() > 0; }));
+    ASSERT_TRUE(awaitTap());
+    EXPECT_GE(Clock::now() - started, milliseconds(1000) * times) << "at most one start a second";
+    catcher = Catcher(applications);
+    user.tap({key::leftOption, key::h, key::f, key::a});
+    ASSERT_TRUE(runUntil([&] { return catcher.caught == (Keys{key::h, key::f}); })) << times;
+  }
+  expectPressed({key::leftOption, key::a, key::leftOption, key::a});
+}
+
+TEST_F(TapProgramTest, AKeyMapThatChangesInBurstsWhileArmedLosesNoKey) {
+  constexpr int rounds = 60;
+  tapWithCatcher();
+  std::atomic<bool> ending = false;
+  std::thread changing([&] {
+    for (int i = 0; i < 12; ++i) display.setLayout(i % 2 == 0 ? "de" : "us");
+    ending = true;
+  });
+  Keys expected;
+  Keys caught;
+  const auto round = [&] {
+    user.tap({key::leftOption, key::h, key::f, key::a, key::b});
+    expected.insert(expected.end(), {key::leftOption, key::a, key::b});
+    caught.insert(caught.end(), {key::h, key::f});
+    EXPECT_TRUE(runUntil([&] { return target.pressed().size() >= expected.size(); })) << expected.size() / 3;
+  };
+  for (int i = 0; i < rounds || !ending; ++i) round();
+  changing.join();
+  round();
+  expectPressed(expected);
+  EXPECT_EQ(catcher.caught, caught);
+}
+
+}  // namespace
+}  // namespace keyvora::x11

@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>  // ahead of Xlib, whose macros it cannot bear
+
+#include "hosts/x11/tap/tap.h"
+
+#include <sys/socket.h>
+
+#include "platform/key_code.h"
+#include "tests/x11/keyboard/client_window.h"
+#include "tests/x11/keyboard/typist.h"
+#include "tests/x11/private_display.h"
+#include "tests/x11/tap/relay.h"
+
+/// The tap, led through its work step by step: what it does between two events is the test's to choose.
+namespace keyvora::x11 {
+namespace {
+
+namespace key = platform::key_code;
+using platform::Verdict;
+using Keys = std::vector<std::uint16_t>;
+using Kind = TapRecord::Kind;
+
+class TapTest : public testing::Test {
+ protected:
+  TapTest()
+      : sockets(pair()), end(posix::FileDescriptor(sockets[0])), owner(posix::FileDescriptor(sockets[1])) {
+    EXPECT_TRUE(target.awaitFocus());
+  }
+
+  static std::array<int, 2> pair() {
+    std::array<int, 2> made{};
+    EXPECT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, made.data()), 0);
+    return made;
+  }
+
+  /// A tap on this display, switched on.
+  void open(const std::string& displayName) {
+    tap = Tap::open(displayName, end);
+    ASSERT_NE(tap, nullptr);
+    say({.kind = OwnerRecord::Kind::enable});
+    ASSERT_EQ(heard().kind, Kind::enabled);
+  }
+
+  void say(const OwnerRecord& record) {
+    ASSERT_TRUE(owner.send(record));
+    tap->heedOwner();
+  }
+
+  /// The next that the tap says, once it has read it.
+  TapRecord heard() {
+    std::optional<TapRecord> record;
+    EXPECT_TRUE(runUntil([&] {
+      tap->readEvents();
+      record = owner.receive();
+      return record.has_value();
+    }));
+    return record.value_or(TapRecord{});
+  }
+
+  /// The next that it asks about, which is to be this key.
+  TapRecord asked(std::uint16_t keyCode) {
+    const auto record = heard();
+    EXPECT_EQ(record.kind, Kind::asked);
+    EXPECT_EQ(record.event.keyCode, keyCode);
+    return record;
+  }
+
+  void pass(const TapRecord& record) {
+    say({.kind = OwnerRecord::Kind::verdict, .number = record.number, .verdict = Verdict::pass});
+  }
+
+  /// The user taps Option, and the owner lets it pass: every key is grabbed. It does not say that it has seen
+  /// the release.
+  void tapOption() {
+    user.tap({key::leftOption});
+    pass(asked(key::leftOption));
+    const auto release = heard();
+    EXPECT_EQ(release.kind, Kind::told);
+    lastTold = release.number;
+  }
+
+  /// The owner hangs for longer than it may.
+  void giveUp() { tap->keepTime(Tap::Clock::now() + 2 * verdictLimit); }
+
+  bool arrive(const Keys& keys) {
+    return runUntil([&] { return target.pressed() == keys; });
+  }
+
+  PrivateDisplay display;
+  ClientWindow target{display.name(), {}};
+  Typist user{display.name(), Typist::Device::hardware};
+  std::array<int, 2> sockets;
+  TapEnd end;
+  RecordSocket<TapRecord, OwnerRecord> owner;
+  std::unique_ptr<Tap> tap;
+  std::uint64_t lastTold = 0;
+};
+
+TEST_F(TapTest, AKeyThatWasCaughtJustBeforeTheTapWentOffIsSentOn) {
+  open(display.name());
+  tapOption();
+  user.press(key::h);
+  user.sync();  // the server holds it; the tap has not read of it
+  giveUp();
+  tap->readEvents();
+  EXPECT_TRUE(arrive({key::leftOption, key::h}));
+  user.release(key::h);
+}
+
+TEST_F(TapTest, WhenTheOwnerHangsItUngrabsBeforeItLetsGo) {
+  open(display.name());
+  tapOption();
+  user.tap({key::h, key::a, key::b});
+  asked(key::h);
+  giveUp();
+  // With the grabs still there the next key would be caught, and wait for the tap to read of it.
+  EXPECT_TRUE(arrive({key::leftOption, key::h, key::a, key::b}));
+}
+
+TEST_F(TapTest, WhenItIsEnabledAgainItKnowsNothingOfThePressesBefore) {
+  open(display.name());
+  user.press(key::leftOption);
+  pass(asked(key::leftOption));
+  user.tap({key::h});
+  asked(key::h);
+  giveUp();
+  EXPECT_TRUE(arrive({key::leftOption, key::h}));
+  EXPECT_EQ(heard().kind, Kind::disabled);
+  say({.kind = OwnerRecord::Kind::enable});
+  EXPECT_EQ(heard().kind, Kind::enabled);
+  user.release(key::leftOption);
+  // The owner was never shown the letter between: with its code the release would make a lone tap of Option.
+  const auto released = heard();
+  EXPECT_EQ(released.event.type, platform::event_type::flagsChanged);
+  EXPECT_EQ(released.event.keyCode, key::none);
+}
+
+TEST_F(TapTest, AModifierThatWentDownWhileItWasOffIsAFlag) {
+  open(display.name());
+  tapOption();
+  giveUp();
+  EXPECT_EQ(heard().kind, Kind::disabled);
+  user.press(key::leftShift);
+  EXPECT_TRUE(arrive({key::leftOption, key::leftShift}));
+  tap->readEvents();
+  say({.kind = OwnerRecord::Kind::enable});
+  EXPECT_EQ(heard().kind, Kind::enabled);
+  user.tap({key::h});
+  EXPECT_EQ(asked(key::h).event.flags, platform::event_flag::shift);
+  user.release(key::leftShift);
+}
+
+TEST_F(TapTest, ItAsksTheServerBeforeItDecidesThatNoGrabHoldsAPress) {
+  Relay relay(display.name());
+  open(relay.name());
+  tapOption();
+  relay.holdBackBehindNextPress();
+  user.tap({key::h});
+  // That a grab holds it comes late. Taken for a key typed elsewhere it would be told of without its code.
+  asked(key::h);
+  tap.reset();
+}
+
+TEST_F(TapTest, ItLetsGoOfAHeldKeyWhenItEnds) {
+  open(display.name());
+  user.tap({key::leftOption, key::a});
+  asked(key::leftOption);
+  tap.reset();
+  EXPECT_TRUE(arrive({key::leftOption, key::a}));
+}
+
+}  // namespace
+}  // namespace keyvora::x11
