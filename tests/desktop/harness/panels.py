@@ -191,4 +191,5 @@ enable-animations=false
             capture_output=True, check=False).returncode == 0, "the stand-in for the login manager", PATIENCE)
 
 
-PANELS: dict[str, type[Panel]] = {panel.name: panel for panel in (XfcePanel, LxqtPanel, GnomeShell)}
+PANELS: dict[str, type[Panel]] = {
+    XfcePanel.name: XfcePanel, LxqtPanel.name: LxqtPanel, GnomeShell.name: GnomeShell}

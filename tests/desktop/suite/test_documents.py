@@ -88,7 +88,6 @@ class DocumentsTest(DesktopTest):
         self.go(sheet, "A1")
         equal(sheet.input, content, "the first cell")
 
-
     def expect_background_input(self, text: str, in_front: Spreadsheet, own: str = "") -> None:
         """What was meant for the first document is there, and not in the one in front, which has its `own` text."""
         if self.sheet.hears_in_the_background:
