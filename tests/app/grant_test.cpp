@@ -6,6 +6,10 @@ namespace keyvora {
 namespace {
 
 using simulated::Call;
+using simulated::TraceEntry;
+using simulated::trace::Console;
+using simulated::trace::MenuShown;
+using simulated::trace::TapEnabled;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -49,6 +53,15 @@ TEST_F(GrantTest, InstallsTheTapWithinTwoSecondsAndRebuildsTheMenu) {
   EXPECT_THAT(host.trace.logged(), ElementsAre("accessibility granted, tap installed, 2 sequences"));
   EXPECT_EQ(statusLine(), "2 sequences, ready");
   EXPECT_EQ(menusShown(), 1U);
+}
+
+TEST_F(GrantTest, IsLoggedBeforeTheMenuIsRebuilt) {
+  giveTrust();
+  host.advance(2.0);
+  EXPECT_THAT(host.trace.entries(),
+              ElementsAre(TraceEntry(TapEnabled{}),
+                          TraceEntry(Console{"keyvora: accessibility granted, tap installed, 2 sequences"}),
+                          testing::VariantWith<MenuShown>(testing::_)));
 }
 
 TEST_F(GrantTest, IsNeverAskedForAgainOnceTheTapIsInstalled) {

@@ -56,6 +56,31 @@ TEST_F(LaunchTest, WithoutTheGrantItSaysSoAndWaits) {
   EXPECT_THAT(host.trace.of<AskedForTrust>(), ElementsAre(AskedForTrust{}));
 }
 
+TEST_F(LaunchTest, TheLaunchIsLoggedBeforeTheUserIsAskedForTheGrant) {
+  withholdTrust();
+  launch();
+  EXPECT_THAT(
+      host.trace.entries(),
+      ElementsAre(TraceEntry(TitleShown{"⌥"}), VariantWith<MenuShown>(testing::_),
+                  TraceEntry(Console{"keyvora: launch 1.2 (42)"}), TraceEntry(AskedForTrust{}),
+                  TraceEntry(Console{"keyvora: accessibility not granted yet"}),
+                  TraceEntry(Console{"keyvora: tap not installed yet: waiting for the Accessibility grant"}),
+                  TraceEntry(UpdaterCalled{UpdaterCalled::What::created}),
+                  TraceEntry(UpdaterCalled{UpdaterCalled::What::started})));
+}
+
+TEST_F(LaunchTest, EverythingIsConnectedWhenTheUpdaterStarts) {
+  int started = 0;
+  host.failures.onCall = [&](simulated::Call call) {
+    if (call != simulated::Call::startUpdater) return;
+    ++started;
+    EXPECT_TRUE(MappingStore::shared().onReload);
+    EXPECT_TRUE(KeySequenceTap::shared().onStateChange);
+  };
+  launch();
+  EXPECT_EQ(started, 1);
+}
+
 TEST_F(LaunchTest, TheTapIsTriedWhateverTheGrant) {
   host.failures.always(simulated::Call::isTrustedPrompting);
   launch();
@@ -91,6 +116,24 @@ TEST_F(LaunchTest, ArmingShowsTheLettersAfterABlank) {
   EXPECT_EQ(host.statusBar.title(), "⌥ H");
   host.keyboard.type(key::escape);
   EXPECT_EQ(host.statusBar.title(), "⌥");
+}
+
+TEST_F(LaunchTest, WhatIsTypedAtTheHardwareLevelPassesOurOwnTap) {
+  launch();
+  host.applications.front =
+      "com.microsoft.Excel";  // in front, and not among the running: it is about to quit
+  host.keyboard.tapOption();
+  host.keyboard.type(key::h);
+  host.keyboard.type(key::b);
+  host.keyboard.tapOption();  // armed again, while the program types
+  host.trace.clear();
+  host.advance(2);
+  std::vector<platform::Verdict> verdicts;
+  for (const auto& event : host.trace.of<simulated::trace::Tapped>()) verdicts.push_back(event.verdict);
+  EXPECT_EQ(verdicts, std::vector<platform::Verdict>(8, platform::Verdict::pass))
+      << "four of the lead-in, two a key";
+  EXPECT_EQ(host.statusBar.title(), "⌥ ") << "still armed, and no letter counted";
+  EXPECT_THAT(host.trace.logged(), ElementsAre("H B  Borders (keytips HB)"));
 }
 
 TEST_F(LaunchTest, ThatNothingShowsTheItemIsLogged) {

@@ -15,6 +15,7 @@ using simulated::trace::Exited;
 using simulated::trace::FileOpened;
 using simulated::trace::LoginChanged;
 using simulated::trace::MenuShown;
+using simulated::trace::PolicySet;
 using simulated::trace::UpdaterCalled;
 using testing::_;
 using testing::ElementsAre;
@@ -46,6 +47,29 @@ TEST_F(MenuCommandsTest, AFailedReloadIsOneLine) {
   host.statusBar.choose("Reload mappings");
   EXPECT_THAT(host.trace.logged(), ElementsAre("mappings.json not loaded, keeping the last good one: " +
                                                *MappingStore::shared().lastError()));
+}
+
+TEST_F(MenuCommandsTest, AFailedReloadOfAChangedFileShowsInTheNextMenuAndNotInTheOpenOne) {
+  host.mainLoop.menuTracking = true;
+  const auto shown = rows();
+  host.files.write(mappingsPath, "{");
+  host.advance(0.2);
+  ASSERT_TRUE(MappingStore::shared().lastError());
+  const auto error = *MappingStore::shared().lastError();
+  EXPECT_THAT(host.trace.entries(),
+              ElementsAre(TraceEntry(
+                  Console{"keyvora: mappings.json not loaded, keeping the last good one: " + error})));
+  EXPECT_EQ(rows(), shown) << "the open menu stays as it is";
+  EXPECT_EQ(MappingStore::shared().mapping().sequences.size(), 2U);
+
+  host.mainLoop.menuTracking = false;
+  host.statusBar.choose("Launch at Login");  // which rebuilds it
+  EXPECT_EQ(rows().at(1), "• mappings.json: " + error);
+
+  host.files.write(mappingsPath, oneSequence);
+  host.advance(0.2);
+  EXPECT_EQ(statusLine(), "1 sequences, ready");
+  EXPECT_EQ(rows().at(1), "-") << "a good document takes the error away";
 }
 
 TEST_F(MenuCommandsTest, AccessibilitySettingsOpenWithoutAPrompt) {
@@ -111,6 +135,19 @@ TEST_F(MenuCommandsTest, OnlyQuitIsTheSystemsToCarryOut) {
   for (const auto& row : host.statusBar.menu().rows) {
     EXPECT_EQ(row.endsApplication, row.title == "Quit keyvora") << row.title;
   }
+}
+
+TEST_F(MenuCommandsTest, ACheckFromAnotherApplicationComesToTheFrontUntilItEnds) {
+  host.applications.front = "com.apple.finder";
+  host.statusBar.choose("Check for Updates…");
+  auto& framework = *host.updates.delegate();
+  framework.didFindValidUpdate({"1.3", "57"});
+  framework.willHandleShowingUpdate(true, {"1.3", "57"});
+  framework.willFinishUpdateSession();
+  EXPECT_THAT(host.trace.entries(),
+              ElementsAre(TraceEntry(Activated{}), TraceEntry(UpdaterCalled{UpdaterCalled::What::checked}),
+                          TraceEntry(PolicySet{platform::ActivationPolicy::regular}), TraceEntry(Activated{}),
+                          TraceEntry(PolicySet{platform::ActivationPolicy::accessory})));
 }
 
 TEST_F(MenuCommandsTest, QuitEndsTheApplicationNormally) {

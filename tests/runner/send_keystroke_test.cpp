@@ -66,6 +66,21 @@ TEST_F(SendKeystrokeTest, WithoutASourceEventsHaveNoMarker) {
   EXPECT_EQ(host.failures.count(Call::createSource), 1U) << "it is not tried again";
 }
 
+TEST_F(SendKeystrokeTest, AsksForTheTargetOnce) {
+  pressing("a", {});
+  EXPECT_EQ(host.failures.count(Call::running), 1U);
+}
+
+TEST_F(SendKeystrokeTest, TheKeyDownIsMadeBeforeTheKeyUp) {
+  host.failures.event(0, true);
+  pressing("a", {});
+  EXPECT_EQ(host.failures.count(Call::createEvent), 1U) << "without it, the other is not tried";
+  host.failures.clear();
+  host.failures.event(0, false);
+  pressing("a", {});
+  EXPECT_EQ(host.failures.count(Call::createEvent), 3U);
+}
+
 TEST_F(SendKeystrokeTest, EventsThatCannotBeMadeEndItWithoutAWord) {
   for (const bool direction : {true, false}) {
     host.failures.clear();

@@ -39,6 +39,29 @@ TEST_F(InstallTest, ARefusalChangesNothing) {
   EXPECT_TRUE(tap.installed());
 }
 
+TEST_F(InstallTest, ASecondCallAsksForASecondTap) {
+  EXPECT_TRUE(tap.install());
+  EXPECT_TRUE(tap.install());
+  EXPECT_EQ(host.failures.count(Call::createTap), 2U) << "whoever calls looks at installed() first";
+}
+
+TEST_F(InstallTest, IsIdleWithoutATimerBeforeItSaysSo) {
+  mapping = mappingOf({"H", "HF"});
+  tap.install();
+  host.applications.front = "com.microsoft.Excel";
+  host.keyboard.tapOption();
+  host.keyboard.type(key::h);
+  ASSERT_EQ(host.mainLoop.pending(), 1U) << "the wait on H";
+  int told = 0;
+  tap.onStateChange = [&](bool armed, const std::string&) {
+    if (armed || ++told > 1) return;
+    EXPECT_EQ(host.mainLoop.pending(), 0U);
+    EXPECT_EQ(tap.handle(keyDown, {keyDown, key::f, 0, 0}), Verdict::pass);
+  };
+  host.keyboard.type(key::escape);
+  EXPECT_EQ(told, 1);
+}
+
 TEST_F(InstallTest, SeesKeysAndModifierChangesOnly) {
   tap.install();
   int reports = 0;

@@ -113,7 +113,10 @@ TEST_F(ScriptsTest, ItWaitsForTheScriptAndForNothingThatItLeavesBehind) {
 }
 
 TEST_F(ScriptsTest, TheScriptSeesNoneOfOurFilesAndSignalsAsAFreshProcessHasThem) {
-  const posix::FileDescriptor inherited(open("/dev/null", O_RDONLY));  // would be handed on
+  // Would be handed on; its number is none that the script uses for itself.
+  const posix::FileDescriptor null(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  const posix::FileDescriptor inherited(fcntl(null.number(), F_DUPFD, 50));
+  ASSERT_GE(inherited.number(), 50);
   signal(SIGPIPE, SIG_IGN);
   sigset_t blocked;
   sigemptyset(&blocked);

@@ -222,6 +222,19 @@ TEST_F(FileWatchTest, AWriteThatACancelledWatchWasAboutToReportIsHeard) {
   EXPECT_TRUE(awaitNotification());
 }
 
+TEST_F(FileWatchTest, AWriteThatOnlyTheCancelledWatchKnowsOfIsHeard) {
+  struct stat before {};
+  ASSERT_EQ(stat(file.c_str(), &before), 0);
+  files.read(file);
+  watch();
+  writeFile(file, "2nd..");  // as long as before, and made to look as old
+  const timespec times[2] = {before.st_atim, before.st_mtim};
+  ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+  source->cancel();
+  watch();
+  EXPECT_TRUE(awaitNotification());
+}
+
 TEST_F(FileWatchTest, WatchesLeaveNoFilesOpen) {
   watch();  // the loop opens a file of its own for its first source
   source.reset();
