@@ -10,6 +10,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tests" / "desktop"))
 
+from harness.panels import PANELS  # noqa: E402
 from harness.private_desktop import PrivateDesktop  # noqa: E402
 
 FIGURES = ("startup", "reload", "delivery", "idle", "soak")
@@ -21,9 +22,12 @@ def main() -> int:
     parser.add_argument("--programs", type=Path, required=True, help="the build folder")
     parser.add_argument("--times", type=int, default=10_000, help="keys of each row (delivery)")
     parser.add_argument("--minutes", type=float, help="how long (idle: 1, soak: 10)")
+    parser.add_argument("--panel", choices=sorted(PANELS), help="what shows the status item; a system tray without")
     arguments = parser.parse_args()
     print(f"{os.cpu_count()} processors, load {os.getloadavg()[0]:.1f} before the run", flush=True)
-    with PrivateDesktop() as desktop:
+    with PrivateDesktop(tray=not arguments.panel) as desktop:
+        if arguments.panel:
+            PANELS[arguments.panel](desktop.children, desktop.home).start()
         # Not before the desktop stands: what reads it joins the desktop that it finds.
         import delivery
         import idle

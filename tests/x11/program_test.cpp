@@ -3,6 +3,7 @@
 
 #include <csignal>
 
+#include "hosts/x11/applications/desktop_windows.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/screen.h"
 
@@ -85,6 +86,20 @@ TEST_F(ProgramTest, UnderWaylandItRunsOnXwaylandAndSaysWhatWorks) {
   EXPECT_NE(
       errors().find("keyvora: This is a Wayland session: key sequences work in applications that run through "
                     "XWayland, and in no others.\n"),
+      std::string::npos);
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(endStatus(), 0);
+}
+
+TEST_F(ProgramTest, AWaylandCompositorThatTellsNoWindowsIsNamed) {
+  const auto connection = Connection::open("");
+  XDeleteProperty(connection->get(), connection->root(), listProperty(connection->get()));
+  XSync(connection->get(), False);
+  start("", {"WAYLAND_DISPLAY=wayland-0"});
+  EXPECT_TRUE(awaitLog("tap installed"));
+  EXPECT_NE(
+      errors().find("keyvora: This is a Wayland session whose compositor does not tell which X window is in "
+                    "front: key sequences do not work. They do in the sessions of GNOME and KDE.\n"),
       std::string::npos);
   kill(program.pid(), SIGTERM);
   EXPECT_EQ(endStatus(), 0);

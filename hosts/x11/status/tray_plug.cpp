@@ -2,8 +2,10 @@
 
 #include <gtk/gtkx.h>
 
+#include <algorithm>
 #include <utility>
 
+#include "hosts/x11/display.h"
 #include "hosts/x11/gobject.h"
 #include "hosts/x11/status/status_icon.h"
 #include "hosts/x11/toolkit.h"
@@ -41,6 +43,29 @@ GdkVisual* transparentVisual(Tray& tray) {
   constexpr int depthWithAlpha = 32;
   if (visual == nullptr || gdk_visual_get_depth(visual) != depthWithAlpha) return nullptr;
   return visual;
+}
+
+/// How much of the window is seen: a tray that has less room than was asked for may give a smaller window
+/// around it.
+std::pair<int, int> visibleSize(GdkWindow* window) {
+  int width = gdk_window_get_width(window);
+  int height = gdk_window_get_height(window);
+  auto* display = GDK_WINDOW_XDISPLAY(window);
+  const ErrorTrap trap(display);
+  Window root = None;
+  Window parent = None;
+  Window* children = nullptr;
+  unsigned count = 0;
+  XWindowAttributes slot;
+  if (XQueryTree(display, GDK_WINDOW_XID(window), &root, &parent, &children, &count) != 0) {
+    if (children != nullptr) XFree(children);
+    if (parent != root && XGetWindowAttributes(display, parent, &slot) != 0) {
+      const int scale = gdk_window_get_scale_factor(window);
+      width = std::min(width, slot.width / scale);
+      height = std::min(height, slot.height / scale);
+    }
+  }
+  return {width, height};
 }
 
 }  // namespace
@@ -100,9 +125,7 @@ void TrayPlug::setTitle(const std::string& title) {
 
 /// Draws the icon when the slot has no room for the text; false when it has.
 bool TrayPlug::drawNarrow(cairo_t* context) const {
-  auto* window = gtk_widget_get_window(plug_);
-  const int width = gdk_window_get_width(window);
-  const int height = gdk_window_get_height(window);
+  const auto [width, height] = visibleSize(gtk_widget_get_window(plug_));
   int needed = 0;
   gtk_widget_get_preferred_width(button_, &needed, nullptr);
   if (width >= needed) return false;

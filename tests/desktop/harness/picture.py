@@ -23,7 +23,7 @@ class Picture:
         """The part of the screen in which two pictures of the same area differ; None when nowhere."""
         changed = [(index % self.area.width, index // self.area.width)
                    for index, (ours, theirs) in enumerate(zip(self._pixels, other._pixels, strict=True))
-                   if abs(ours - theirs) > 32]
+                   if abs(ours - theirs) > 12]
         if not changed:
             return None
         left, top = min(x for x, _ in changed), min(y for _, y in changed)

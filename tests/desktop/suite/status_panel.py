@@ -3,6 +3,8 @@
 Run with --panel. Leaves pictures of every state in the folder of --pictures, for a person to look at.
 """
 
+from typing import ClassVar
+
 from harness import notifier, x11
 from harness.panel_menu import PanelMenu
 from harness.picture import Picture
@@ -25,11 +27,16 @@ RELOAD = 2
 
 class StatusPanel(DesktopTest):
     document = LONGER
+    # What the panel looks like without an item.
+    empty: ClassVar[Picture | None] = None
 
     def setUp(self) -> None:
         assert self.environment.panel, "these tests need --panel"
         self.panel = self.environment.panel
-        self.empty = Picture(self.panel.area)
+        if StatusPanel.empty is None:
+            StatusPanel.empty = Picture(self.panel.area)
+        # Some panels take a while to let an item go.
+        until(lambda: not Picture(self.panel.area).difference(self.empty), "the panel to be empty", PATIENCE)
         super().setUp()
         self.place = self.find_item()
         self.idle = Picture(self.panel.area)

@@ -6,6 +6,7 @@
 #include "tests/x11/conversation.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/screen.h"
+#include "tests/x11/status/narrow_tray.h"
 #include "tests/x11/status/panel_stand_in.h"
 
 /// The item as a status notifier, as panels meet it on the session bus.
@@ -223,6 +224,27 @@ TEST_F(NotifierTest, InGnomeTheLettersAreALabelAndEveryClickIsThePanels) {
   EXPECT_EQ(text("XAyatanaLabel"), "HF");
   EXPECT_FALSE(panel->callItem("Activate", g_variant_new("(ii)", 1, 1)));
   EXPECT_EQ(panel->error, "org.freedesktop.DBus.Error.UnknownMethod");
+}
+
+TEST_F(NotifierTest, ASlotThatIsTooNarrowForTheTextShowsTheIcon) {
+  for (const int size : {16, 22, 24}) {
+    NarrowTray tray(size, size);
+    start();
+    ASSERT_TRUE(runUntil([&] { return tray.hasIcon(); })) << size;
+    const int half = size * size / 2;
+    EXPECT_TRUE(runUntil([&] { return tray.look().dark > half && tray.look().bright > size; }))
+        << "idle " << size;
+    tell("title ⌥ ");
+    EXPECT_TRUE(runUntil([&] { return tray.look().bright > half; }))
+        << "armed " << size << ": " << tray.look().bright << " bright, " << tray.look().dark << " dark";
+    const auto armed = tray.look();
+    tell("title ⌥ HF");
+    EXPECT_TRUE(runUntil([&] { return tray.look() != armed && tray.look().bright > size * size / 3; }))
+        << "letters " << size << ": " << tray.look().bright << " bright";
+    tell("title ⌥");
+    EXPECT_TRUE(runUntil([&] { return tray.look().dark > half; })) << "idle again " << size;
+    program.reset();
+  }
 }
 
 TEST_F(NotifierTest, WhenTheSessionBusEndsTheTrayHasTheItem) {

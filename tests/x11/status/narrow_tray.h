@@ -1,0 +1,45 @@
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <memory>
+#include <optional>
+
+#include "hosts/x11/display.h"
+#include "hosts/x11/glib_source.h"
+#include "tests/x11/screen.h"
+
+namespace keyvora::x11 {
+
+/// A system tray that gives each icon a slot of one size, whatever the icon asks for. It takes icons in while
+/// the test runs the main loop.
+class NarrowTray {
+ public:
+  NarrowTray(int width, int height);
+
+  /// Whether an icon is in its slot.
+  [[nodiscard]] bool hasIcon() const { return icon_ != None; }
+
+  /// Where the slot is on the screen.
+  [[nodiscard]] Screen::Area slot() const { return slot_; }
+
+  /// How many pixels of the slot are brighter than half, and how many are darker.
+  struct Look {
+    int bright = 0;
+    int dark = 0;
+    friend bool operator==(const Look&, const Look&) = default;
+  };
+  [[nodiscard]] Look look();
+
+ private:
+  void readEvents();
+  void fit(Window icon);
+
+  std::unique_ptr<Connection> connection_;
+  Screen::Area slot_;
+  Window window_ = None;
+  Window icon_ = None;
+  std::optional<ReadableSource> events_;
+};
+
+}  // namespace keyvora::x11
