@@ -16,6 +16,7 @@ from script import Command
 LIVE_AT_THE_END = {
     "dispatch source": 1,
     "mach port": 1,
+    "open file": 1,
     "run-loop source": 1,
     "serial queue": 1,
     "status item": 1,

@@ -12,6 +12,7 @@
 #include <map>
 #include <mutex>
 
+#include "tests/macos/rig/recorders/descriptors.h"
 #include "tests/macos/rig/recorders/dispatch_queues.h"
 
 namespace keyvora::rig {
@@ -51,6 +52,7 @@ void writeLine(const char* prefix, const char* format, va_list arguments) {
 
 void endRecord() {
   waitForSerialQueues();
+  countOpenFiles(shared().file);
   {
     const std::scoped_lock lock(shared().mutex);
     for (const auto& [kind, counts] : shared().counts) {
