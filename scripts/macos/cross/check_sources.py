@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """Compiles the sources of a cross-build once more in other ways, and ends with 1 when one of them says anything.
 
-usage: check_sources.py BUILD [--clang VERSION] [--libcxx FOLDER] [--analyze] [--jobs N]
+usage: check_sources.py BUILD [--clang VERSION] [--libcxx FOLDER] [--analyze] [--under FOLDER] [--jobs N]
 
   --clang VERSION   with clang++-VERSION in place of the build's; syntax only
   --libcxx FOLDER   with libc++'s headers in FOLDER in place of the SDK's; syntax only
-  --analyze         with the static analyzer, the macOS host's files and the program's
+  --analyze         with the static analyzer
 
-Each may be given by itself or together with others, as a pass of its own. Tests of the core are left out.
+Each may be given by itself or together with others, as a pass of its own. Tests of the core are left out; with --under,
+everything outside that folder of the project.
 """
 
 import argparse
@@ -63,12 +64,14 @@ def main() -> int:
     parser.add_argument("--clang")
     parser.add_argument("--libcxx")
     parser.add_argument("--analyze", action="store_true")
+    parser.add_argument("--under", type=pathlib.Path, default=pathlib.Path())
     parser.add_argument("--jobs", type=int, default=2)
     options = parser.parse_args()
     chosen = [
         command
         for command in read_commands(options.build)
-        if not command.source.is_relative_to(TESTS) or command.source.is_relative_to(HOST_TESTS)
+        if command.source.is_relative_to(ROOT / options.under)
+        and (not command.source.is_relative_to(TESTS) or command.source.is_relative_to(HOST_TESTS))
     ]
     if not chosen:
         print("check_sources.py: the build compiles no source of the project", file=sys.stderr)
