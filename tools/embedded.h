@@ -14,6 +14,10 @@ extern const std::string_view schema;
 /// tools/cheatsheet.css: how the HTML sheet looks.
 extern const std::string_view cheatsheetStyle;
 
+/// tools/data/menu_titles.txt and tools/data/script_words.txt.
+extern const std::string_view menuTitles;
+extern const std::string_view scriptWords;
+
 /// The program's version.
 extern const std::string_view version;
 

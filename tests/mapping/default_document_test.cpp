@@ -70,15 +70,15 @@ std::optional<std::uint16_t> keyTyping(const std::string& letter) {
 
 TEST(DefaultDocumentTest, HoldsEnoughToBeWorthHavingOnTheFirstDay) {
   EXPECT_EQ(document().version, 1);
-  EXPECT_GE(document().sequences.size(), 120U);
-  EXPECT_GE(ofKind<action::AppleScript>().size(), 60U);
+  EXPECT_GE(document().sequences.size(), 280U);
+  EXPECT_GE(ofKind<action::AppleScript>().size(), 19U);
   EXPECT_FALSE(ofKind<action::Keystroke>().empty());
-  EXPECT_FALSE(ofKind<action::KeyTips>().empty());
   EXPECT_FALSE(ofKind<action::Menu>().empty());
   EXPECT_EQ(document().timeoutMilliseconds, 1500);
 }
 
-TEST(DefaultDocumentTest, EverySequenceCanBeTypedAndNoneIsInAnothersWay) {
+TEST(DefaultDocumentTest, EverySequenceCanBeTypedAndFewAreInAnothersWay) {
+  std::set<std::string> waiting;
   std::set<std::vector<std::string>> all;
   for (const auto& sequence : document().sequences) {
     const auto letters = sequence.letters();
@@ -89,8 +89,9 @@ TEST(DefaultDocumentTest, EverySequenceCanBeTypedAndNoneIsInAnothersWay) {
   for (const auto& letters : all) {
     const auto match = document().lookup(letters);
     ASSERT_NE(match.exact, nullptr);
-    EXPECT_FALSE(match.isPrefixOfLonger) << match.exact->keys << " would have to wait";
+    if (match.isPrefixOfLonger) waiting.insert(match.exact->keys);
   }
+  EXPECT_THAT(waiting, ElementsAre("ES", "HH", "MK", "NV")) << "on Windows they begin longer ones, too";
 }
 
 TEST(DefaultDocumentTest, EveryNameIsClear) {
@@ -126,22 +127,15 @@ TEST(DefaultDocumentTest, EveryKeyAndModifierIsKnown) {
     EXPECT_TRUE(keyCodeFor(keystroke->key)) << sequence->keys;
     for (const auto& modifier : keystroke->modifiers) EXPECT_TRUE(modifierFlag(modifier)) << sequence->keys;
   }
-  for (const auto& [sequence, keyTips] : ofKind<action::KeyTips>()) {
-    EXPECT_FALSE(firstWithoutKey(keyPlan(keyTips->keys))) << sequence->keys;
-    EXPECT_FALSE(keyPlan(keyTips->keys).empty()) << sequence->keys;
-  }
 }
 
-TEST(DefaultDocumentTest, TheNotesTeachTheFormatAndNameWhatNeedsKeyTips) {
+TEST(DefaultDocumentTest, TheNotesTeachTheFormat) {
   ASSERT_TRUE(document().notes);
   std::string notes;
   for (const auto& note : *document().notes) notes += note + "\n";
   for (const auto* term : {"keys", "name", "action", "keystroke", "menu", "applescript", "keytips",
                            "modifiers", "path", "timeoutMilliseconds", "Option"}) {
     EXPECT_THAT(notes, HasSubstr(term));
-  }
-  for (const auto& [sequence, keyTips] : ofKind<action::KeyTips>()) {
-    EXPECT_THAT(notes, AnyOf(HasSubstr(" " + sequence->keys + ","), HasSubstr(" " + sequence->keys + " ")));
   }
 }
 
@@ -164,11 +158,11 @@ TEST(DefaultDocumentTest, TogglesToggle) {
   };
   for (const auto& [sequence, keystroke] : toggling)
     EXPECT_EQ(sequenceFor(sequence).action, Action(keystroke));
-  for (const auto* keys : {"HW", "HOL", "WFF", "WVG", "WVH", "WVF", "WS", "PVG", "PVH", "PPG", "PPH"}) {
+  for (const auto* keys : {"HW", "HOL", "WFF", "WVG", "WVH", "WS", "PVG", "PVH", "PPG", "PPH"}) {
     EXPECT_THAT(std::get<action::AppleScript>(sequenceFor(keys).action).script, HasSubstr(" to not "))
         << keys;
   }
-  for (const auto* keys : {"HAL", "HAC", "HAR", "HMC", "HOP", "RPS"}) {
+  for (const auto* keys : {"HAR", "HMC"}) {
     const auto& script = std::get<action::AppleScript>(sequenceFor(keys).action).script;
     EXPECT_THAT(script, testing::StartsWith("if (")) << keys;
     EXPECT_THAT(script, HasSubstr("\nelse\n")) << keys;
@@ -182,7 +176,6 @@ TEST(DefaultDocumentTest, ScriptsGuardWhatRaisesAndWaitForNoDialog) {
   };
   const Guard guards[] = {
       {"special cells", "try\n"},
-      {"show all data", "if filter mode of active sheet is true then"},
       {"format condition", "try\n"},
       {"inside horizontal", "try\n"},
       {"insert amount -1", "> 0 then"},
@@ -202,8 +195,34 @@ TEST(DefaultDocumentTest, ScriptsGuardWhatRaisesAndWaitForNoDialog) {
   }
   for (const auto& [sequence, action] : ofKind<action::AppleScript>()) {
     EXPECT_THAT(action->script, Not(HasSubstr("display alerts"))) << sequence->keys;
-    EXPECT_THAT(action->script, Not(HasSubstr("tell application"))) << sequence->keys;
+    EXPECT_THAT(action->script, Not(testing::StartsWith("tell application"))) << sequence->keys;
     EXPECT_THAT(action->script, Not(HasSubstr("range selection of"))) << sequence->keys;
+  }
+}
+
+TEST(DefaultDocumentTest, AWrongGuessDoesNoHarm) {
+  // Letters of key tips land in the cell while Excel has them switched off, as it has at first.
+  EXPECT_THAT(ofKind<action::KeyTips>(), IsEmpty());
+  for (const auto& [sequence, action] : ofKind<action::AppleScript>()) {
+    // A lone column would be sorted out of its table, and a sheet protected unasked; Excel undoes neither.
+    EXPECT_THAT(action->script, Not(HasSubstr("sort "))) << sequence->keys;
+    EXPECT_THAT(action->script, Not(HasSubstr("protect"))) << sequence->keys;
+  }
+  // Windows users press Enter after these, which pastes everything where cells are still marked for copying.
+  for (const auto* keys : {"ESV", "EST", "ESF", "ESE", "ESW"}) {
+    const auto& script = std::get<action::AppleScript>(sequenceFor(keys).action).script;
+    EXPECT_THAT(script, testing::MatchesRegex("paste special [^\n]*\ntry\n[^\n]*set cut copy mode to "
+                                              "false[^\n]*\nend try"))
+        << keys;
+  }
+}
+
+TEST(DefaultDocumentTest, ExcelCanUndoWhatHasAKeyOrAMenuItem) {
+  for (const auto* keys : {"HAL", "HAC", "HAN", "HP", "HK", "HOUR", "HOUC", "HOUO", "HOUL"}) {
+    EXPECT_TRUE(std::holds_alternative<action::Keystroke>(sequenceFor(keys).action)) << keys;
+  }
+  for (const auto* keys : {"HIR", "HIC", "IR", "IC", "HSC", "AC", "DFS", "WVF"}) {
+    EXPECT_TRUE(std::holds_alternative<action::Menu>(sequenceFor(keys).action)) << keys;
   }
 }
 
@@ -283,6 +302,10 @@ TEST_F(DefaultDocumentInUse, EverySequenceDoesItsOwnActionAndNothingElse) {
     for (const auto& letter : letters) {
       EXPECT_THAT(done(), IsEmpty()) << sequence.keys << " fires before its last letter";
       EXPECT_EQ(host.keyboard.type(keyTyping(letter).value()), platform::Verdict::swallow) << sequence.keys;
+    }
+    if (document().lookup(letters).isPrefixOfLonger) {
+      EXPECT_THAT(done(), IsEmpty()) << sequence.keys << " could go on";
+      host.advance(1.5);
     }
     EXPECT_EQ(done(), deeds(sequence)) << sequence.keys;
     host.advance(10);

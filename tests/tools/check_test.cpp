@@ -91,14 +91,14 @@ TEST(CheckTest, SortsByPlaceWhateverTheRuleThatFoundIt) {
 }
 
 TEST(CheckTest, WritesOneJsonObjectForPrograms) {
-  const Document document(R"({"version": 1, "tabs": {}, "sequences": [{"keys": "\"", "name": "", )"
+  const Document document(R"({"version": 1, "tabs": {}, "sequences": [{"keys": "\"", "name": "N", )"
                           R"("action": {"kind": "menu", "path": []}}]})");
   EXPECT_EQ(asJson(check(document), "a \"b\".json"),
             R"({"file":"a \"b\".json","findings":[)"
             R"({"severity":"warning","rule":"untypable-letters","line":1,"column":51,)"
             R"("path":"sequences[0].keys","text":"no key produces \"\\\"\", so this sequence never fires; )"
             R"(use the letters A to Z and the digits 0 to 9"},)"
-            R"({"severity":"warning","rule":"empty-path","line":1,"column":104,)"
+            R"({"severity":"warning","rule":"empty-path","line":1,"column":105,)"
             R"("path":"sequences[0].action.path","text":"an empty path presses the menu bar itself; )"
             R"(write the titles from the menu bar down to the item"}]})"
             "\n");
@@ -107,7 +107,7 @@ TEST(CheckTest, WritesOneJsonObjectForPrograms) {
 
 TEST(CheckTest, TakesNoNoteOfFieldsOfTheUsersOwn) {
   EXPECT_THAT(check(Document(R"({"$schema": "mappings.schema.json", "version": 1, "tabs": {}, "sequences": [
-      {"keys": "A", "name": "", "comment": "mine", "action": {"kind": "menu", "path": ["A"], "why": "so"}}]})")),
+      {"keys": "A", "name": "A name", "comment": "mine", "action": {"kind": "menu", "path": ["A"], "why": "so"}}]})")),
               IsEmpty());
 }
 

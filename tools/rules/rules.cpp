@@ -20,6 +20,11 @@ std::span<const Rule> rules() {
       Rule{"menu-title", rule::menuTitles},
       Rule{"script-blocks", rule::scriptBlocks},
       Rule{"script-tell", rule::scriptTells},
+      Rule{"unknown-title", rule::unknownTitles},
+      Rule{"misspelt-term", rule::misspeltTerms},
+      Rule{"waiting-script", rule::waitingScripts},
+      Rule{"empty-name", rule::emptyNames},
+      Rule{"other-version", rule::otherVersions},
       Rule{"timeout", rule::timeouts},
   };
   return table;

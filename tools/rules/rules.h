@@ -43,6 +43,15 @@ void menuTitles(const Document& document, std::string_view name, Findings& findi
 void scriptBlocks(const Document& document, std::string_view name, Findings& findings);
 void scriptTells(const Document& document, std::string_view name, Findings& findings);
 
+// excel.cpp: what the programs that are acted on call their things, and do.
+void unknownTitles(const Document& document, std::string_view name, Findings& findings);
+void misspeltTerms(const Document& document, std::string_view name, Findings& findings);
+void waitingScripts(const Document& document, std::string_view name, Findings& findings);
+
+// whole.cpp: names and the format's version.
+void emptyNames(const Document& document, std::string_view name, Findings& findings);
+void otherVersions(const Document& document, std::string_view name, Findings& findings);
+
 // timeout.cpp
 void timeouts(const Document& document, std::string_view name, Findings& findings);
 
