@@ -5,9 +5,11 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "hosts/x11/keyboard/key_codes.h"
 #include "hosts/x11/keyboard/modifier_state.h"
+#include "hosts/x11/keyboard/sticky_keys.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {
@@ -34,6 +36,27 @@ std::uint16_t codeOf(const XkbNamesRec& names, const char (&name)[XkbKeyNameLeng
   return code;
 }
 
+/// The symbol that a key makes in a group, pressed alone.
+KeySym symbolOf(const XkbDescRec& description, unsigned keycode, unsigned group) {
+  const auto& symbols = description.map->key_sym_map[keycode];
+  const unsigned count = XkbNumGroups(symbols.group_info);
+  if (count == 0) return NoSymbol;
+  if (group >= count) {
+    switch (XkbOutOfRangeGroupAction(symbols.group_info)) {
+      case XkbClampIntoRange:
+        group = count - 1;
+        break;
+      case XkbRedirectIntoRange:
+        group = XkbOutOfRangeGroupNumber(symbols.group_info);
+        if (group >= count) group = 0;
+        break;
+      default:
+        group %= count;
+    }
+  }
+  return description.map->syms[symbols.offset + group * symbols.width];
+}
+
 }  // namespace
 
 KeyMap::KeyMap(Display* display) : display_(display) {
@@ -42,51 +65,88 @@ KeyMap::KeyMap(Display* display) : display_(display) {
   int minor = XkbMinorVersion;
   XkbQueryExtension(display_, &unused, &xkbEvent_, &unused, &major, &minor);
   XkbSelectEvents(display_, XkbUseCoreKbd, XkbNewKeyboardNotifyMask, XkbNewKeyboardNotifyMask);
-  XkbSelectEventDetails(display_, XkbUseCoreKbd, XkbMapNotify, XkbModifierMapMask, XkbModifierMapMask);
+  constexpr unsigned mapParts = XkbModifierMapMask | XkbKeySymsMask;
+  XkbSelectEventDetails(display_, XkbUseCoreKbd, XkbMapNotify, mapParts, mapParts);
   XkbSelectEventDetails(display_, XkbUseCoreKbd, XkbNamesNotify, XkbKeyNamesMask, XkbKeyNamesMask);
+  XkbSelectEventDetails(display_, XkbUseCoreKbd, XkbStateNotify, XkbGroupStateMask, XkbGroupStateMask);
+  XkbSelectEventDetails(display_, XkbUseCoreKbd, XkbControlsNotify, XkbControlsEnabledMask,
+                        XkbControlsEnabledMask);
+  stickyKeys_ = stickyKeysAreOn(display_);
   read();
 }
 
 bool KeyMap::notice(const XEvent& event) {
   if (event.type != xkbEvent_) return false;
-  read();
+  const auto& told = reinterpret_cast<const XkbEvent&>(event);
+  if (told.any.xkb_type == XkbControlsNotify) {
+    stickyKeys_ = (told.ctrls.enabled_ctrls & XkbStickyKeysMask) != 0;
+    return false;
+  }
+  if (told.any.xkb_type == XkbStateNotify) {
+    group_ = unsigned(told.state.group) % groups;
+  } else {
+    read();
+  }
   return true;
 }
 
+std::optional<GroupChange> KeyMap::groupChange(const XEvent& event) const {
+  if (event.type != xkbEvent_) return std::nullopt;
+  const auto& told = reinterpret_cast<const XkbEvent&>(event);
+  if (told.any.xkb_type != XkbStateNotify) return std::nullopt;
+  return GroupChange{told.state.keycode, told.state.time};
+}
+
 std::optional<KeyCode> KeyMap::keycode(std::uint16_t keyCode) const {
-  if (keyCode >= keycodes_.size() || keycodes_[keyCode] == 0) return std::nullopt;
-  return keycodes_[keyCode];
+  const auto& keycodes = keycodes_[group_];
+  if (keyCode >= keycodes.size() || keycodes[keyCode] == 0) return std::nullopt;
+  return keycodes[keyCode];
 }
 
 unsigned KeyMap::modifierBits(std::uint64_t flags) const {
   using namespace platform::event_flag;
   unsigned bits = 0;
   if ((flags & shift) != 0) bits |= ShiftMask;
-  for (const auto key : {key_code::leftControl, key_code::leftOption, key_code::leftCommand}) {
+  // Where no key makes a modifier, its usual bit still means it to applications.
+  constexpr std::array<std::pair<std::uint16_t, unsigned>, 3> keys{{{key_code::leftControl, Mod4Mask},
+                                                                   {key_code::leftOption, Mod1Mask},
+                                                                   {key_code::leftCommand, ControlMask}}};
+  for (const auto& [key, usual] : keys) {
     if ((flags & flagOf(key)) == 0) continue;
-    if (const auto number = keycode(key)) bits |= modifiers_[*number];
+    const auto number = keycode(key);
+    bits |= number && modifiers_[*number] != 0 ? modifiers_[*number] : usual;
   }
   return bits;
 }
 
 void KeyMap::read() {
-  keyCodes_.fill(key_code::none);
-  keycodes_.fill(0);
+  meanings_ = {};
+  keycodes_ = {};
+  optionKeycodes_.clear();
   modifiers_.fill(0);
-  const Description description(XkbGetMap(display_, XkbModifierMapMask, XkbUseCoreKbd));
-  if (!description) return;
+  XkbStateRec state{};
+  if (XkbGetState(display_, XkbUseCoreKbd, &state) == Success) group_ = state.group % groups;
+  constexpr unsigned parts = XkbModifierMapMask | XkbKeySymsMask | XkbKeyTypesMask;
+  const Description description(XkbGetMap(display_, parts, XkbUseCoreKbd));
+  if (!description || description->map == nullptr || description->map->key_sym_map == nullptr) return;
   if (XkbGetNames(display_, XkbKeyNamesMask | XkbKeyAliasesMask, description.get()) != Success) return;
   if (description->names == nullptr || description->names->keys == nullptr) return;
   for (unsigned keycode = description->min_key_code; keycode <= description->max_key_code; ++keycode) {
     const auto& name = description->names->keys[keycode].name;
-    const auto code = codeOf(*description->names, name);
-    keyCodes_[keycode] = code;
-    if (code < keycodes_.size() && (keycodes_[code] == 0 || text(name) == keyName(code))) {
-      keycodes_[code] = KeyCode(keycode);
+    const auto place = codeOf(*description->names, name);
+    bool isOption = false;
+    for (unsigned group = 0; group < groups; ++group) {
+      const auto meaning = keyMeaning(symbolOf(*description, keycode, group), place);
+      meanings_[group][keycode] = meaning;
+      isOption = isOption || key_code::isOption(meaning.keyCode);
+      auto& keycodes = keycodes_[group];
+      const auto code = meaning.keyCode;
+      if (code < keycodes.size() && (keycodes[code] == 0 || text(name) == keyName(code))) {
+        keycodes[code] = KeyCode(keycode);
+      }
     }
-    if (description->map != nullptr && description->map->modmap != nullptr) {
-      modifiers_[keycode] = description->map->modmap[keycode];
-    }
+    if (isOption) optionKeycodes_.push_back(KeyCode(keycode));
+    if (description->map->modmap != nullptr) modifiers_[keycode] = description->map->modmap[keycode];
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "hosts/x11/keyboard/key_codes.h"
@@ -27,29 +28,22 @@ constexpr std::uint64_t flagOf(std::uint16_t keyCode) {
   }
 }
 
-/// Which modifier keys are down, and the flags that makes. By the keys themselves and not by what the layout
-/// turns them into: the right Alt key of many layouts types third-level characters and sets another modifier
-/// bit, and a character typed with it must still count as typed with Option.
+/// The flags of the modifier keys that are down, each as it was when it went down: what a key means may
+/// change while it is held. Keys are the display's numbers.
 class ModifierState {
  public:
-  void set(std::uint16_t keyCode, bool down) {
-    if (!isModifier(keyCode)) return;
-    const auto bit = std::uint16_t(1U << (keyCode - key_code::rightCommand));
-    held_ = std::uint16_t(down ? held_ | bit : held_ & ~bit);
-  }
-
-  void clear() { held_ = 0; }
+  void press(unsigned keycode, std::uint64_t flag) { flags_[keycode & 0xFF] = flag; }
+  void release(unsigned keycode) { flags_[keycode & 0xFF] = 0; }
+  void clear() { flags_.fill(0); }
 
   [[nodiscard]] std::uint64_t flags() const {
-    std::uint64_t flags = 0;
-    for (auto key = key_code::rightCommand; key <= key_code::rightControl; ++key) {
-      if ((held_ >> (key - key_code::rightCommand) & 1U) != 0) flags |= flagOf(key);
-    }
-    return flags;
+    std::uint64_t all = 0;
+    for (const auto flag : flags_) all |= flag;
+    return all;
   }
 
  private:
-  std::uint16_t held_ = 0;
+  std::array<std::uint64_t, 256> flags_{};
 };
 
 }  // namespace keyvora::x11

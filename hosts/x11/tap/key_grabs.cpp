@@ -14,13 +14,11 @@
 namespace keyvora::x11 {
 
 bool KeyGrabs::apply(Extent extent, const std::vector<Window>& windows, const KeyMap& keys) {
-  const decltype(optionKeycodes_) optionKeycodes{keys.keycode(key_code::leftOption),
-                                                 keys.keycode(key_code::rightOption)};
   // Letting go of every key also lets go of the Option keys: a window whose keys change starts afresh.
-  const bool sameKeys = extent == extent_ && optionKeycodes == optionKeycodes_;
+  const bool sameKeys = extent == extent_ && keys.optionKeycodes() == optionKeycodes_;
   const auto before = std::exchange(windows_, windows);
   extent_ = extent;
-  optionKeycodes_ = optionKeycodes;
+  optionKeycodes_ = keys.optionKeycodes();
   for (const Window window : before) {
     if (!sameKeys || std::ranges::find(windows_, window) == windows_.end()) release(window);
   }
@@ -30,6 +28,12 @@ bool KeyGrabs::apply(Extent extent, const std::vector<Window>& windows, const Ke
     if (!sameKeys || isNew) granted = grab(window) && granted;
   }
   return granted;
+}
+
+bool KeyGrabs::cover(unsigned keycode) const {
+  if (windows_.empty() || extent_ == Extent::none) return false;
+  return extent_ == Extent::everyKey ||
+         std::ranges::find(optionKeycodes_, KeyCode(keycode)) != optionKeycodes_.end();
 }
 
 bool KeyGrabs::grab(Window window) const {
@@ -43,7 +47,7 @@ bool KeyGrabs::grab(Window window) const {
   }
   bool granted = true;
   for (const auto& keycode : optionKeycodes_) {
-    if (keycode) granted = grab(window, *keycode) && granted;
+    granted = grab(window, keycode) && granted;
   }
   return granted;
 }

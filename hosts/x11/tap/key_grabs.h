@@ -28,6 +28,9 @@ class KeyGrabs {
   [[nodiscard]] Extent extent() const { return extent_; }
   [[nodiscard]] const std::vector<Window>& windows() const { return windows_; }
 
+  /// Whether presses of this key, by the display's number, are grabbed.
+  [[nodiscard]] bool cover(unsigned keycode) const;
+
   /// Ends the automatic repetition of a key that stays held back. The server goes on repeating a key whose
   /// release it had queued already when it processed the press, and would never stop once the queue is let
   /// go.
@@ -44,7 +47,7 @@ class KeyGrabs {
   Display* display_;
   int master_;
   Extent extent_ = Extent::none;
-  std::array<std::optional<KeyCode>, 2> optionKeycodes_;
+  std::vector<KeyCode> optionKeycodes_;
   std::vector<Window> windows_;
 };
 

@@ -3,6 +3,7 @@
 #include <X11/extensions/XTest.h>
 
 #include <array>
+#include <utility>
 
 #include "hosts/x11/keyboard/key_codes.h"
 #include "hosts/x11/keyboard/key_map.h"
@@ -36,6 +37,7 @@ void KeyReader::select(bool raw) {
   if (raw) {
     XISetMask(bits.data(), XI_RawKeyPress);
     XISetMask(bits.data(), XI_RawKeyRelease);
+    XISetMask(bits.data(), XI_RawButtonPress);
   }
   XIEventMask mask{.deviceid = XIAllDevices, .mask_len = int(bits.size()), .mask = bits.data()};
   XISelectEvents(display_, DefaultRootWindow(display_), &mask, 1);
@@ -43,7 +45,14 @@ void KeyReader::select(bool raw) {
 
 bool KeyReader::isModifierDown() const {
   for (unsigned keycode = 0; keycode < down_.size(); ++keycode) {
-    if (down_[keycode] && isModifier(keys_.keyCode(keycode))) return true;
+    if (down_[keycode] && meanings_[keycode].isModifier) return true;
+  }
+  return false;
+}
+
+bool KeyReader::isOptionDown() const {
+  for (unsigned keycode = 0; keycode < down_.size(); ++keycode) {
+    if (down_[keycode] && key_code::isOption(meanings_[keycode].keyCode)) return true;
   }
   return false;
 }
@@ -57,13 +66,18 @@ void KeyReader::resynchronise() {
   for (unsigned keycode = 0; keycode < down_.size(); ++keycode) {
     const bool down = (static_cast<unsigned char>(keymap[keycode / 8]) >> keycode % 8 & 1U) != 0;
     down_[keycode] = down;
-    if (down) modifiers_.set(keys_.keyCode(keycode), true);
+    meanings_[keycode] = keys_.meaning(keycode);
+    if (down) modifiers_.press(keycode, meanings_[keycode].flag);
   }
 }
 
 void KeyReader::notice(const XGenericEventCookie& cookie) {
   if (cookie.evtype == XI_KeyPress) {
     held(*static_cast<const XIDeviceEvent*>(cookie.data));
+    return;
+  }
+  if (cookie.evtype == XI_RawButtonPress) {
+    if (isOptionDown()) optionWasNotAlone_ = true;
     return;
   }
   if (cookie.evtype != XI_RawKeyPress && cookie.evtype != XI_RawKeyRelease) return;
@@ -78,6 +92,22 @@ void KeyReader::notice(const XGenericEventCookie& cookie) {
   } else {
     released(raw);
   }
+}
+
+void KeyReader::groupChanged(const GroupChange& change) {
+  lastGroupChange_ = change;
+  if (isOptionDown()) optionWasNotAlone_ = true;
+}
+
+/// A key that changes the group by being pressed may show that before the press itself.
+void KeyReader::optionPressed(unsigned keycode, Time time) {
+  const bool changedGroup = lastGroupChange_.keycode == keycode && lastGroupChange_.time == time;
+  if (changedGroup || keys_.stickyKeys()) optionWasNotAlone_ = true;
+}
+
+void KeyReader::tellThatOptionWasNotAlone() {
+  const auto flags = modifiers_.flags() | platform::event_flag::option;
+  listener_.keyRead({.event = {.keyCode = key_code::none, .flags = flags}});
 }
 
 void KeyReader::inject(KeyCode key, bool down, OwnMark mark) {
@@ -98,14 +128,17 @@ void KeyReader::pressed(const XIRawEvent& raw) {
   const auto keycode = unsigned(raw.detail) & 0xFF;
   const auto event = changed(keycode, true, markOf(raw));
   wasHeld_[keycode] = false;
+  if (key_code::isOption(event.keyCode)) optionPressed(keycode, raw.time);
   undecided_ = Press{keycode, event};
-  if (!listener_.mayBeHeld(event.keyCode)) decide();
+  if (!listener_.mayBeHeld(keycode)) decide();
 }
 
 void KeyReader::released(const XIRawEvent& raw) {
   const auto keycode = unsigned(raw.detail) & 0xFF;
   const auto mark = markOf(raw);
   if (!down_[keycode]) return;
+  const bool endsOption = key_code::isOption(meanings_[keycode].keyCode);
+  if (endsOption && std::exchange(optionWasNotAlone_, false)) tellThatOptionWasNotAlone();
   auto event = changed(keycode, false, mark);
   if (!wasHeld_[keycode]) event.keyCode = key_code::none;
   listener_.keyRead({.event = event, .keycode = keycode});
@@ -123,6 +156,7 @@ void KeyReader::held(const XIDeviceEvent& press) {
     undecided_.reset();
   } else {
     key.event = changed(keycode, true, OwnMark{});
+    if (key_code::isOption(key.event.keyCode)) optionPressed(keycode, press.time);
   }
   wasHeld_[keycode] = true;
   listener_.keyRead(key);
@@ -133,9 +167,14 @@ OwnMark KeyReader::markOf(const XIRawEvent& raw) {
 }
 
 platform::KeyEvent KeyReader::changed(unsigned keycode, bool down, OwnMark mark) {
+  if (down && !down_[keycode]) {
+    meanings_[keycode] = keys_.meaning(keycode);
+    if (key_code::isOption(meanings_[keycode].keyCode) && !isOptionDown()) optionWasNotAlone_ = false;
+  }
   down_[keycode] = down;
   // Modifiers that the program presses are flags of its own events, and none of the user's.
-  if (mark == OwnMark{}) modifiers_.set(keys_.keyCode(keycode), down);
+  if (mark == OwnMark{} && down) modifiers_.press(keycode, meanings_[keycode].flag);
+  if (mark == OwnMark{} && !down) modifiers_.release(keycode);
   auto made = event(keycode, down);
   if (mark != OwnMark{}) made.flags = mark.flags;
   made.userData = mark.userData;
@@ -144,10 +183,10 @@ platform::KeyEvent KeyReader::changed(unsigned keycode, bool down, OwnMark mark)
 
 platform::KeyEvent KeyReader::event(unsigned keycode, bool down) const {
   platform::KeyEvent made;
-  made.keyCode = keys_.keyCode(keycode);
-  made.type = isModifier(made.keyCode) ? platform::event_type::flagsChanged
-              : down                   ? platform::event_type::keyDown
-                                       : platform::event_type::keyUp;
+  made.keyCode = meanings_[keycode].keyCode;
+  made.type = meanings_[keycode].isModifier ? platform::event_type::flagsChanged
+              : down                        ? platform::event_type::keyDown
+                                            : platform::event_type::keyUp;
   made.flags = modifiers_.flags();
   return made;
 }

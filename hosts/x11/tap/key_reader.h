@@ -3,18 +3,18 @@
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput2.h>
 
+#include <array>
 #include <bitset>
 #include <cstdint>
 #include <optional>
 
+#include "hosts/x11/keyboard/key_map.h"
 #include "hosts/x11/keyboard/modifier_state.h"
 #include "hosts/x11/tap/key_devices.h"
 #include "hosts/x11/tap/own_events.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {
-
-class KeyMap;
 
 /// A key event, and what the server holds back for it.
 struct ReadKey {
@@ -35,8 +35,8 @@ class KeyListener {
  public:
   virtual ~KeyListener() = default;
 
-  /// Whether a grab is in place that can catch this key.
-  [[nodiscard]] virtual bool mayBeHeld(std::uint16_t keyCode) const = 0;
+  /// Whether a grab is in place that can catch this key, by the display's number.
+  [[nodiscard]] virtual bool mayBeHeld(unsigned keycode) const = 0;
 
   virtual void keyRead(const ReadKey& key) = 0;
 };
@@ -70,6 +70,9 @@ class KeyReader {
   /// Looks at an XInput event whose data was fetched.
   void notice(const XGenericEventCookie& cookie);
 
+  /// The keyboard's layout was changed to another of its groups.
+  void groupChanged(const GroupChange& change);
+
   /// Whether a press was read that a grab may be holding: the server says so next, or never.
   [[nodiscard]] bool isUndecided() const { return undecided_.has_value(); }
 
@@ -87,6 +90,9 @@ class KeyReader {
 
   void select(bool raw);
   [[nodiscard]] bool isModifierDown() const;
+  [[nodiscard]] bool isOptionDown() const;
+  void optionPressed(unsigned keycode, Time time);
+  void tellThatOptionWasNotAlone();
   void pressed(const XIRawEvent& raw);
   void released(const XIRawEvent& raw);
   void held(const XIDeviceEvent& press);
@@ -102,6 +108,11 @@ class KeyReader {
   OwnEvents own_;
   ModifierState modifiers_;
   std::bitset<256> down_;
+  /// What the keys that are down meant when they went down.
+  std::array<KeyMeaning, 256> meanings_{};
+  GroupChange lastGroupChange_;
+  /// Something besides keys happened while Option was down, which the handler has to learn before it is up.
+  bool optionWasNotAlone_ = false;
   std::bitset<256> wasHeld_;
   std::optional<Press> undecided_;
 };

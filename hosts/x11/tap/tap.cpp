@@ -138,15 +138,16 @@ void Tap::notice(XEvent& event) {
     if (!XGetEventData(connection_->get(), &event.xcookie)) return;
     reader_.notice(event.xcookie);
     XFreeEventData(connection_->get(), &event.xcookie);
-  } else if (keys_.notice(event) || windows_.notice(event)) {
+    return;
+  }
+  if (const auto change = keys_.groupChange(event)) reader_.groupChanged(*change);
+  if (keys_.notice(event) || windows_.notice(event)) {
     follow(grabs_.extent());
   }
 }
 
-bool Tap::mayBeHeld(std::uint16_t keyCode) const {
-  if (grabs_.windows().empty()) return false;
-  return grabs_.extent() == KeyGrabs::Extent::everyKey ||
-         (grabs_.extent() == KeyGrabs::Extent::option && key_code::isOption(keyCode));
+bool Tap::mayBeHeld(unsigned keycode) const {
+  return grabs_.cover(keycode);
 }
 
 void Tap::keyRead(const ReadKey& key) {

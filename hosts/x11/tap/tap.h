@@ -61,7 +61,7 @@ class Tap : private KeyListener {
  private:
   Tap(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices, TapEnd& owner);
 
-  [[nodiscard]] bool mayBeHeld(std::uint16_t keyCode) const override;
+  [[nodiscard]] bool mayBeHeld(unsigned keycode) const override;
   void keyRead(const ReadKey& key) override;
 
   bool claim();

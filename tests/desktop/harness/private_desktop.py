@@ -80,9 +80,10 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         subprocess.run(["import", "-silent", "-window", "root", *crop, str(path)], check=True)
         return path
 
-    def set_layout(self, layout: str, variant: str = "") -> None:
-        """Changes the layout of every keyboard, as a user's settings do."""
-        subprocess.run(["setxkbmap", "-layout", layout, "-variant", variant], check=True)
+    def set_layout(self, layout: str, variant: str = "", option: str = "") -> None:
+        """Changes the layout of every keyboard, and what its special keys do, as a user's settings do."""
+        subprocess.run(["setxkbmap", "-layout", layout, "-variant", variant, "-option", "", "-option", option],
+                       check=True)
 
     def _stand_up(self) -> None:
         environment = {name: os.environ[name] for name in _KEPT if name in os.environ}

@@ -5,8 +5,12 @@
 #include <X11/XKBlib.h>
 #include <X11/keysym.h>
 
+#include <algorithm>
+#include <string_view>
+
 #include "hosts/x11/display.h"
 #include "hosts/x11/keyboard/key_codes.h"
+#include "hosts/x11/keyboard/sticky_keys.h"
 #include "platform/keyboard.h"
 #include "tests/x11/private_display.h"
 
@@ -52,8 +56,11 @@ TEST_F(KeyMapTest, EveryKeyComesBackUnderEveryLayout) {
       EXPECT_EQ(fresh.keyCode(*keycode), keyCode) << layout << variant;
     }
     for (std::uint16_t modifier = key_code::rightCommand; modifier <= key_code::rightControl; ++modifier) {
+      // Where the right Alt key chooses third-level characters, there is one Option key.
+      const bool hasAltGr = std::string_view(layout) != "us";
       const auto keycode = fresh.keycode(modifier);
-      ASSERT_TRUE(keycode) << layout << variant << " has no key " << modifier;
+      ASSERT_EQ(keycode.has_value(), !hasAltGr || modifier != key_code::rightOption) << layout << modifier;
+      if (!keycode) continue;
       EXPECT_EQ(fresh.keyCode(*keycode), modifier) << layout << variant;
     }
   }
@@ -85,10 +92,78 @@ TEST_F(KeyMapTest, FlagsAreTheModifierBitsOfTheirKeys) {
 }
 
 TEST_F(KeyMapTest, FollowsAChangeOfTheModifiers) {
-  ASSERT_EQ(keys.modifierBits(control), unsigned(Mod4Mask));
-  Child command({"setxkbmap", "-display", display.name(), "-option", "altwin:ctrl_win"}, {});
-  ASSERT_EQ(command.wait(), 0);
-  EXPECT_TRUE(follows([&] { return keys.modifierBits(control) == unsigned(ControlMask); }));
+  constexpr KeyCode leftSuper = 133;
+  ASSERT_EQ(keys.meaning(leftSuper).flag, control);
+  Child setting({"setxkbmap", "-display", display.name(), "-option", "altwin:ctrl_win"}, {});
+  ASSERT_EQ(setting.wait(), 0);
+  EXPECT_TRUE(follows([&] { return keys.meaning(leftSuper).flag == command; }));
+  EXPECT_EQ(keys.modifierBits(control), unsigned(Mod4Mask)) << "no key makes it, applications know it";
+}
+
+TEST_F(KeyMapTest, ModifiersAreWhatTheyDo) {
+  constexpr KeyCode leftAlt = 64;
+  constexpr KeyCode rightAlt = 108;
+  constexpr KeyCode leftControl = 37;
+  constexpr KeyCode leftSuper = 133;
+  struct Row {
+    const char* layout;
+    const char* choice;
+    KeyCode key;
+    std::uint16_t code;
+    bool isModifier;
+    std::uint64_t flag;
+  };
+  for (const auto& row : std::initializer_list<Row>{
+           {"us", "", leftAlt, key_code::leftOption, true, option},
+           {"us", "", rightAlt, key_code::rightOption, true, option},
+           {"de", "", rightAlt, key_code::none, true, option},
+           {"us", "compose:ralt", rightAlt, key_code::none, false, 0},
+           {"us,de", "grp:toggle", rightAlt, key_code::none, true, 0},
+           {"us", "altwin:swap_alt_win", leftAlt, key_code::leftControl, true, control},
+           {"us", "altwin:swap_alt_win", leftSuper, key_code::leftOption, true, option},
+           {"us", "ctrl:swap_lalt_lctl", leftAlt, key_code::leftCommand, true, command},
+           {"us", "ctrl:swap_lalt_lctl", leftControl, key_code::leftOption, true, option},
+           {"us", "altwin:meta_win", leftSuper, key_code::leftOption, true, option},
+           {"us", "altwin:meta_win", leftAlt, key_code::leftOption, true, option},
+       }) {
+    display.setLayout(row.layout);
+    Child command({"setxkbmap", "-display", display.name(), "-option", "", "-option", row.choice}, {});
+    ASSERT_EQ(command.wait(), 0);
+    const auto isTrue = [&] {
+      const auto& meaning = keys.meaning(row.key);
+      return meaning.keyCode == row.code && meaning.isModifier == row.isModifier && meaning.flag == row.flag;
+    };
+    EXPECT_TRUE(follows(isTrue)) << row.layout << " " << row.choice << " " << int(row.key);
+    const auto& options = keys.optionKeycodes();
+    EXPECT_EQ(std::ranges::find(options, row.key) != options.end(), key_code::isOption(row.code))
+        << row.layout << " " << row.choice << " " << int(row.key);
+  }
+}
+
+TEST_F(KeyMapTest, AKeyMeansWhatItDoesInTheGroupInForce) {
+  constexpr KeyCode rightAlt = 108;
+  display.setLayout("us,de");
+  const auto control = Connection::open(display.name());
+  for (const unsigned group : {0U, 1U, 0U}) {
+    XkbLockGroup(control->get(), XkbUseCoreKbd, group);
+    XSync(control->get(), False);
+    const auto expected = group == 0 ? key_code::rightOption : key_code::none;
+    EXPECT_TRUE(follows([&] { return keys.keyCode(rightAlt) == expected; })) << group;
+    EXPECT_EQ(keys.optionKeycodes().size(), 2U) << "grabbed in either";
+  }
+}
+
+TEST_F(KeyMapTest, StickyKeysAreKnownOf) {
+  EXPECT_FALSE(keys.stickyKeys());
+  const auto control = Connection::open(display.name());
+  XkbChangeEnabledControls(control->get(), XkbUseCoreKbd, XkbStickyKeysMask, XkbStickyKeysMask);
+  XSync(control->get(), False);
+  EXPECT_TRUE(stickyKeysAreOn(control->get()));
+  EXPECT_TRUE(follows([&] { return keys.stickyKeys(); }));
+  XkbChangeEnabledControls(control->get(), XkbUseCoreKbd, XkbStickyKeysMask, 0);
+  XSync(control->get(), False);
+  EXPECT_FALSE(stickyKeysAreOn(control->get()));
+  EXPECT_TRUE(follows([&] { return !keys.stickyKeys(); }));
 }
 
 TEST_F(KeyMapTest, WhatTheKeyboardLacksHasNoNumber) {
