@@ -109,8 +109,8 @@ unsigned KeyMap::modifierBits(std::uint64_t flags) const {
   if ((flags & shift) != 0) bits |= ShiftMask;
   // Where no key makes a modifier, its usual bit still means it to applications.
   constexpr std::array<std::pair<std::uint16_t, unsigned>, 3> keys{{{key_code::leftControl, Mod4Mask},
-                                                                   {key_code::leftOption, Mod1Mask},
-                                                                   {key_code::leftCommand, ControlMask}}};
+                                                                    {key_code::leftOption, Mod1Mask},
+                                                                    {key_code::leftCommand, ControlMask}}};
   for (const auto& [key, usual] : keys) {
     if ((flags & flagOf(key)) == 0) continue;
     const auto number = keycode(key);
