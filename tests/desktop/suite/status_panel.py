@@ -28,12 +28,12 @@ RELOAD = 2
 class StatusPanel(DesktopTest):
     document = LONGER
     # What the panel looks like without an item.
-    empty: ClassVar[Picture | None] = None
+    empty: ClassVar[Picture]
 
     def setUp(self) -> None:
         assert self.environment.panel, "these tests need --panel"
         self.panel = self.environment.panel
-        if StatusPanel.empty is None:
+        if not hasattr(StatusPanel, "empty"):
             StatusPanel.empty = Picture(self.panel.area)
         # Some panels take a while to let an item go.
         until(lambda: not Picture(self.panel.area).difference(self.empty), "the panel to be empty", PATIENCE)
