@@ -41,15 +41,17 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
     """Stands from `with` to its end. `home` is the user's home, `folder` holds everything that was written.
 
     `tray`, `window_manager` and `accessibility` leave out a part, for what happens on a desktop without it. The
-    folder is removed at the end, unless `keep` names one.
+    folder is removed at the end, unless `keep` names one. With `wayland` it is a session of Wayland without a screen,
+    and the display is the one that its compositor runs for X programs.
     """
 
     def __init__(self, *, size: str = "1280x800", keep: Path | None = None, tray: bool = True,
-                 window_manager: bool = True, accessibility: bool = True) -> None:
+                 window_manager: bool = True, accessibility: bool = True, wayland: bool = False) -> None:
         self._size = size
         self._keep = keep
         self._tray = tray
-        self._window_manager = window_manager
+        self._window_manager = window_manager and not wayland
+        self._wayland = wayland
         self._accessibility = accessibility
         self.folder = Path()
         self.home = Path()
@@ -74,8 +76,10 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         self._tear_down()
 
     def screenshot(self, path: Path, area: x11.Area | None = None) -> Path:
-        """Writes a picture of the whole screen or of a part of it; returns `path`."""
+        """Writes a picture of the whole screen or of a part of it; returns `path`. Not under Wayland."""
         path.parent.mkdir(parents=True, exist_ok=True)
+        if self._wayland:
+            return path  # the compositor shows its screen to nobody
         crop = ["-crop", f"{area.width}x{area.height}+{area.x}+{area.y}", "+repage"] if area else []
         subprocess.run(["import", "-silent", "-window", "root", *crop, str(path)], check=True)
         return path
@@ -96,8 +100,12 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         }
         os.environ.clear()
         os.environ.update(environment)
-        self._start_display()
-        self._start_session_bus()
+        if self._wayland:
+            self._start_session_bus()
+            self._start_compositor()
+        else:
+            self._start_display()
+            self._start_session_bus()
         if self._accessibility:
             self._start_accessibility_bus()
         else:
@@ -128,6 +136,14 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         if not number:
             raise RuntimeError(f"Xvfb did not start:\n{self.children.log('Xvfb').read_text()}")
         os.environ["DISPLAY"] = f":{number}"
+
+    def _start_compositor(self) -> None:
+        said = self.folder / "display"
+        self.children.start(["mutter", "--wayland", "--headless", "--virtual-monitor", self._size, "--", "sh", "-c",
+                             'echo "$DISPLAY $XAUTHORITY" >"$0.new"; mv "$0.new" "$0"; exec sleep infinity', str(said)])
+        until(said.exists, "the compositor", 30)
+        display, authority = said.read_text().split()
+        os.environ |= {"DISPLAY": display, "XAUTHORITY": authority, "XDG_SESSION_TYPE": "wayland", "GDK_BACKEND": "x11"}
 
     def _start_session_bus(self) -> None:
         read, write = os.pipe()

@@ -31,9 +31,13 @@ def main() -> int:
     if panel and not panel.is_installed():
         print(f"{panel.program} is not installed")
         return SKIPPED
+    if arguments.wayland and not (shutil.which("mutter") and shutil.which("Xwayland")):
+        print("mutter or Xwayland is not installed")
+        return SKIPPED
     # A call into the accessibility library cannot be interrupted: say where it stands if it never returns.
     faulthandler.dump_traceback_later(arguments.limit, exit=True)
-    with PrivateDesktop(tray=not panel, window_manager=not panel or not panel.is_window_manager) as desktop:
+    with PrivateDesktop(tray=not panel and not arguments.wayland, wayland=arguments.wayland,
+                        window_manager=not panel or not panel.is_window_manager) as desktop:
         from .desktop_test import DesktopTest, Environment
         shown_in = panel(desktop.children, desktop.home) if panel else None
         if shown_in:
@@ -54,6 +58,7 @@ def parse() -> argparse.Namespace:
     parser = argparse.ArgumentParser(prog="suite", description="The end-to-end tests.")
     parser.add_argument("--target", choices=["gnumeric", "calc"], default="gnumeric")
     parser.add_argument("--panel", choices=sorted(PANELS), help="what shows the status item; a system tray without")
+    parser.add_argument("--wayland", action="store_true", help="in a session of Wayland, for X programs")
     parser.add_argument("--pictures", type=Path, default=Path("pictures"), help="the folder for what a person looks at")
     parser.add_argument("--keyvora", type=Path, required=True, help="the program under test")
     parser.add_argument("--typist", type=Path, required=True, help="keyvora-typist")
