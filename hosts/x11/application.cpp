@@ -97,6 +97,7 @@ int Application::run() {
   }
   const EndingSignal onTerminate(SIGTERM, *this);
   const EndingSignal onInterrupt(SIGINT, *this);
+  const EndingSignal onHangUp(SIGHUP, *this);
   if (didFinishLaunching_)
     didFinishLaunching_();  // first: the answer to a probe may be waiting on the loop already
   if (!terminated_) g_main_loop_run(loop_);

@@ -24,8 +24,8 @@ class Application final : public platform::Application {
   void setActivationPolicy(platform::ActivationPolicy policy) override;
   void activate() override;
 
-  /// Returns 1 at once, with a notice, when there is no display and no work that needs none. SIGTERM and
-  /// SIGINT end it normally.
+  /// Returns 1 at once, with a notice, when there is no display and no work that needs none. SIGTERM,
+  /// SIGINT and SIGHUP end it normally.
   int run() override;
   void terminate() override;
 

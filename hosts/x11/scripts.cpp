@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "hosts/posix/file_descriptor.h"
+#include "hosts/x11/child_end.h"
 #include "hosts/x11/gobject.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "text/utf8.h"
@@ -73,7 +74,8 @@ class Spawning {
     posix_spawnattr_setsigmask(&attributes_, &signals);
     sigaddset(&signals, SIGPIPE);  // ignored here
     posix_spawnattr_setsigdefault(&attributes_, &signals);
-    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setflags(&attributes_,
+                             POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
   }
   ~Spawning() {
     posix_spawnattr_destroy(&attributes_);
@@ -94,14 +96,6 @@ class Spawning {
   posix_spawnattr_t attributes_{};
 };
 
-/// The status of a child at its end.
-int waitFor(pid_t process) {
-  int status = 0;
-  while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
-  }
-  return status;
-}
-
 }  // namespace
 
 ScriptOutcome Scripts::run(const std::string& source) {
@@ -110,13 +104,16 @@ ScriptOutcome Scripts::run(const std::string& source) {
   if (!input.isOpen() || !errors.isOpen() || !fill(input, source)) {
     return failure("the script cannot be handed to osascript: " + std::string(std::strerror(errno)));
   }
+  ChildEnd end;
   pid_t process = 0;
   if (const int error = Spawning(input, errors).start(process, tap_.letGo()); error == ENOENT) {
     return failure("there is no program named osascript on PATH to run AppleScript with");
   } else if (error != 0) {
     return failure("osascript cannot be started: " + std::string(std::strerror(error)));
   }
-  const int status = waitFor(process);
+  const auto ended = end.await(process, limit_);
+  if (!ended) return failure("osascript did not end within " + std::to_string(limit_.count()) + " s");
+  const int status = *ended;
   if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return {true, std::nullopt};
   auto message = messageIn(errors);
   if (!message && WIFSIGNALED(status)) {

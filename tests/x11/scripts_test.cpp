@@ -1,10 +1,15 @@
 #include "hosts/x11/scripts.h"
 
 #include <fcntl.h>
+#include <glib-unix.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <thread>
 
 #include "hosts/posix/file_descriptor.h"
 #include "hosts/x11/keyboard/current_tap.h"
@@ -136,6 +141,39 @@ TEST_F(ScriptsTest, TheScriptSeesNoneOfOurFilesAndSignalsAsAFreshProcessHasThem)
   EXPECT_EQ(files, "0 1 2 3 4 ");  // 3 is the script's own, 4 is the directory that ls reads
   EXPECT_EQ(blockedThere, 0u);
   EXPECT_EQ(ignoredThere >> (SIGPIPE - 1) & 1, 0u);
+}
+
+TEST_F(ScriptsTest, AScriptThatDoesNotEndIsEnded) {
+  for (const auto* commands : {"sleep 60", "exec sleep 60", "trap '' TERM; while :; do sleep 60; done"}) {
+    standIn(commands);
+    const auto start = std::chrono::steady_clock::now();
+    const auto outcome = Scripts(tap, std::chrono::seconds(1)).run("beep");
+    EXPECT_FALSE(outcome.succeeded);
+    EXPECT_EQ(outcome.message, "osascript did not end within 1 s");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "nothing is left of it";
+  }
+}
+
+TEST_F(ScriptsTest, ASignalThatEndsTheProgramEndsTheScript) {
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+    standIn(R"(echo running > "$OUTPUT"; sleep 60)");
+    std::filesystem::remove(scratch.path() / "output");
+    // The program's own handler, without which the signal would end the test.
+    const auto hear = +[](gpointer) -> gboolean { return G_SOURCE_CONTINUE; };
+    const auto source = g_unix_signal_add(number, hear, nullptr);
+    std::thread user([&] {
+      while (output() != "running\n") std::this_thread::yield();
+      kill(getpid(), number);
+    });
+    const auto start = std::chrono::steady_clock::now();
+    const auto outcome = run();
+    user.join();
+    g_source_remove(source);
+    EXPECT_FALSE(outcome.succeeded) << number;
+    EXPECT_EQ(outcome.message, "osascript was ended by signal 15");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << "not after a minute";
+  }
 }
 
 TEST_F(ScriptsTest, NoFilesAndNoProcessesAreLeft) {

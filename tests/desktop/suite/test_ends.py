@@ -55,3 +55,17 @@ class Ends(DesktopTest):
         self.assertEqual(0, self.keyvora.stop())
         self.typist.tap("k", "Option", "h")
         self.expect_input("kh")
+
+    def test_a_script_that_hangs_does_not_hold_up_the_end(self) -> None:
+        programs = self.desktop.folder / "hanging"
+        programs.mkdir(exist_ok=True)
+        begun = programs / "begun"
+        begun.unlink(missing_ok=True)
+        script = programs / "osascript"
+        script.write_text(f"#!/bin/sh\ntouch {begun}\nsleep 60\n")
+        script.chmod(0o755)
+        self.start(programs)
+        self.typist.tap("Option", "s")
+        until(begun.exists, "the script to begin")
+        self.assertEqual(0, self.keyvora.stop(), "ended by SIGTERM, not by force")
+        self.assertTrue(self.keyvora.log.has("S  Script FAILED: osascript was ended by signal 15"))
