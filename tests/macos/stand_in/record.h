@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdio>
 #include <string>
 
 namespace keyvora::stand_in {
@@ -10,17 +9,14 @@ namespace keyvora::stand_in {
 /// was. Main thread.
 class Record {
  public:
-  /// Appends to the file; without one that can be opened, to standard output.
-  explicit Record(const char* path);
-  ~Record();
-  Record(const Record&) = delete;
-  Record& operator=(const Record&) = delete;
+  /// Appends to this file; where it cannot be opened, to standard output.
+  explicit Record(std::string path);
 
-  /// Written through at once: a reader waits for it.
+  /// Written at once, and the file closed: a reader waits for it.
   void line(const std::string& text);
 
  private:
-  std::FILE* file_;
+  std::string path_;
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 

@@ -5,7 +5,10 @@
 
 #include_next <AppKit/AppKit.h>
 
-enum : NSUInteger { NSEventModifierFlagCommand = NSCommandKeyMask };
+enum : NSUInteger {
+  NSEventModifierFlagCommand = NSCommandKeyMask,
+  NSEventModifierFlagShift = NSShiftKeyMask
+};
 
 @interface NSApplication (Apple)
 @property(retain) id delegate;
