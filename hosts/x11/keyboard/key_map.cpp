@@ -85,9 +85,23 @@ bool KeyMap::notice(const XEvent& event) {
   if (told.any.xkb_type == XkbStateNotify) {
     group_ = unsigned(told.state.group) % groups;
   } else {
+    skipMapEvents();
     read();
   }
   return true;
+}
+
+/// One change of layout is many events, and a key may wait behind them. What is read next has all that are
+/// here.
+void KeyMap::skipMapEvents() {
+  const auto isMapEvent = [](Display*, XEvent* event, XPointer type) -> Bool {
+    if (event->type != *reinterpret_cast<const int*>(type)) return False;
+    const int kind = reinterpret_cast<const XkbEvent*>(event)->any.xkb_type;
+    return kind == XkbNewKeyboardNotify || kind == XkbMapNotify || kind == XkbNamesNotify ? True : False;
+  };
+  XEvent skipped;
+  while (XCheckIfEvent(display_, &skipped, isMapEvent, reinterpret_cast<XPointer>(&xkbEvent_)) == True) {
+  }
 }
 
 std::optional<GroupChange> KeyMap::groupChange(const XEvent& event) const {

@@ -56,6 +56,7 @@ class KeyMap {
  private:
   static constexpr std::size_t groups = 4;
 
+  void skipMapEvents();
   void read();
 
   Display* display_;

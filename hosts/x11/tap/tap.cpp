@@ -160,6 +160,7 @@ void Tap::keyRead(const ReadKey& key) {
   const bool repeatedModifier = key.repeated && key.event.type == event_type::flagsChanged;
   if (!enabled_ || repeatedModifier) {
     if (isHeld) grabs_.replay(*key.heldSince);
+    if (!enabled_) reader_.rest();
   } else if (isHeld) {
     const auto now = Clock::now();
     held_ = key;
@@ -215,6 +216,7 @@ void Tap::keepTime(Clock::time_point now) {
   // The grabs first: a key that waits behind the one that is let go would be caught by them.
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
   letGo(Verdict::pass);
+  reader_.rest();  // what is typed until the tap is enabled again is nobody's business here
   XSync(connection_->get(), False);
 }
 

@@ -58,6 +58,9 @@ class Tap : private KeyListener {
   /// Ends the repetition of a key that is held back for long, and gives up on an owner that takes too long.
   void keepTime(Clock::time_point now);
 
+  /// Readable when the server has said something.
+  [[nodiscard]] int fileDescriptor() const { return connection_->fileDescriptor(); }
+
  private:
   Tap(std::unique_ptr<Connection> connection, int opcode, KeyDevices devices, TapEnd& owner);
 

@@ -188,6 +188,20 @@ TEST_F(EventTapTest, ASwallowedKeyDoesNotRepeatUntilItIsReleased) {
   user.release(key::h);
 }
 
+TEST_F(EventTapTest, ASwallowedKeyDoesNotRepeatIntoAnotherWindowEither) {
+  user.setRepetition(milliseconds(200), milliseconds(25));
+  tapWithCatcher();
+  user.tap({key::leftOption});
+  user.press(key::h);
+  ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 1; }));
+  // As when an action opens something.
+  ClientWindow elsewhere(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
+  ASSERT_TRUE(elsewhere.awaitFocus());
+  runUntil([] { return false; }, milliseconds(700));
+  EXPECT_EQ(elsewhere.pressed(), Keys{});
+  user.release(key::h);
+}
+
 TEST_F(EventTapTest, ASwallowedKeyDoesNotRepeatWhileTheTapWaitsForMore) {
   user.setRepetition(milliseconds(200), milliseconds(25));
   tapWithCatcher();

@@ -2,6 +2,7 @@
 
 #include "hosts/x11/tap/tap.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 
 #include "platform/key_code.h"
@@ -132,6 +133,18 @@ TEST_F(TapTest, WhenItIsEnabledAgainItKnowsNothingOfThePressesBefore) {
   const auto released = heard();
   EXPECT_EQ(released.event.type, platform::event_type::flagsChanged);
   EXPECT_EQ(released.event.keyCode, key::none);
+}
+
+TEST_F(TapTest, WhileItIsOffItIsToldOfNoKey) {
+  open(display.name());
+  tapOption();
+  giveUp();
+  EXPECT_EQ(heard().kind, Kind::disabled);
+  tap->readEvents();
+  user.tap({key::a, key::leftOption, key::b});
+  EXPECT_TRUE(arrive({key::leftOption, key::a, key::leftOption, key::b}));
+  pollfd said{tap->fileDescriptor(), POLLIN, 0};
+  EXPECT_EQ(poll(&said, 1, 100), 0);
 }
 
 TEST_F(TapTest, AModifierThatWentDownWhileItWasOffIsAFlag) {
