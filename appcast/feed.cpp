@@ -6,14 +6,13 @@
 
 #include "appcast/address.h"
 #include "appcast/feed_element.h"
+#include "appcast/limits.h"
 #include "appcast/version_order.h"
 #include "text/ascii.h"
 #include "text/utf8.h"
 
 namespace keyvora::appcast {
 namespace {
-
-constexpr std::size_t maxVersionLength = 100;
 
 /// Why a feed is refused; caught in `readFeed`.
 struct Malformed {
@@ -31,6 +30,7 @@ bool hasControlCharacter(std::string_view text) {
 
 std::string webAddressOf(const std::string& reference, const Context& context, const char* what) {
   if (reference.empty()) return {};
+  if (reference.size() > maxAddressLength) throw Malformed{std::string("the ") + what + " is too long"};
   const auto address = hasControlCharacter(reference) ? std::nullopt : webAddress(reference, context.address);
   if (!address) throw Malformed{std::string("the ") + what + " is not an http or https address"};
   return *address;
@@ -77,10 +77,11 @@ Enclosure enclosureOf(const pugi::xml_node& item) {
   return result;
 }
 
-/// Notes that can be shown as they are. They are HTML unless the feed says otherwise; HTML without a tag or a
-/// character reference reads like text.
+/// Notes that can be shown as they are, and are not too long for it. They are HTML unless the feed says
+/// otherwise; HTML without a tag or a character reference reads like text.
 std::string notesOf(const pugi::xml_node& description) {
   auto notes = text(description);
+  if (notes.size() > maxNotesLength) return {};
   const std::string_view format = sparkleAttribute(description, "format").value();
   const bool isHtml = format.empty() || format == "html";
   if (isHtml && notes.find_first_of("<&") != std::string::npos) return {};
@@ -126,17 +127,33 @@ pugi::xml_node channelOf(const pugi::xml_document& document) {
   return channel;
 }
 
+/// How many children an item has; no further than it may have.
+std::size_t childrenOf(const pugi::xml_node& item) {
+  std::size_t count = 0;
+  for ([[maybe_unused]] const auto& child : item.children()) {
+    if (++count > maxChildren)
+      throw Malformed{"it has more than " + std::to_string(maxChildren) + " elements"};
+  }
+  return count;
+}
+
 std::vector<FeedItem> readItems(const pugi::xml_node& channel, const Context& context) {
   std::vector<FeedItem> items;
   std::size_t number = 0;
+  std::size_t children = 0;
   for (const auto& element : channel.children("item")) {
-    ++number;
+    if (++number > maxItems) throw Malformed{"it has more than " + std::to_string(maxItems) + " items"};
     try {
+      children += childrenOf(element);
+      if (children > maxAllChildren) {
+        throw Malformed{"the items up to here have more than " + std::to_string(maxAllChildren) +
+                        " elements"};
+      }
       const auto enclosure = enclosureOf(element);
       if (enclosure.isElsewhere || sparkleAttribute(enclosure.element, "deltaFrom")) continue;
       auto item = readItem(element, enclosure.element, context);
-      if (!isChannelName(text(sparkleChild(element, "channel", context.languages))))
-        items.push_back(std::move(item));
+      const auto channelName = sparkleChild(element, "channel", context.languages);
+      if (!isChannelName(text(channelName))) items.push_back(std::move(item));
     } catch (const Malformed& malformed) {
       throw Malformed{"item " + std::to_string(number) + ": " + malformed.why};
     }
@@ -149,6 +166,10 @@ std::vector<FeedItem> readItems(const pugi::xml_node& channel, const Context& co
 Feed readFeed(std::string_view bytes, const std::string& address, std::span<const std::string> languages) {
   Feed feed;
   try {
+    if (bytes.size() > maxFeedBytes) {
+      throw Malformed{"it is larger than " + std::to_string(maxFeedBytes) + " bytes"};
+    }
+    if (address.size() > maxAddressLength) throw Malformed{"its address is too long"};
     pugi::xml_document document;
     const auto parsed =
         document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_doctype);

@@ -2,38 +2,57 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
+#include <cstring>
+#include <optional>
+
+#include "appcast/limits.h"
 
 namespace keyvora::appcast {
 namespace {
 
 constexpr std::string_view sparkleNamespace = "http://www.andymatuschak.org/xml-namespaces/sparkle";
 
-/// Attributes of one element that are looked at: far more than any feed has, and no work for a hostile one.
-constexpr int maxAttributes = 64;
+/// The first attributes of an element: there is no work for one that has a million of them.
+template <class Matches>
+pugi::xml_attribute findAttribute(const pugi::xml_node& element, Matches matches) {
+  std::size_t looked = 0;
+  for (const auto& attribute : element.attributes()) {
+    if (matches(attribute)) return attribute;
+    if (++looked == maxAttributes) break;
+  }
+  return {};
+}
 
-std::pair<std::string_view, std::string_view> splitName(std::string_view name) {
-  const auto colon = name.find(':');
-  if (colon == std::string_view::npos) return {"", name};
-  return {name.substr(0, colon), name.substr(colon + 1)};
+/// A name's prefix, empty for none, if behind it stands `local`; none if something else does, or the prefix
+/// is longer than any. Looks at no more of the name than that takes.
+std::optional<std::string_view> prefixBefore(std::string_view local, const char* name) {
+  const std::size_t longest = maxPrefixLength + 1 + local.size();
+  const std::string_view whole(name, strnlen(name, longest + 1));
+  if (whole == local) return "";
+  if (whole.size() > longest || whole.size() <= local.size() || !whole.ends_with(local)) return std::nullopt;
+  const auto prefix = whole.substr(0, whole.size() - local.size() - 1);
+  const bool isPrefix = whole[prefix.size()] == ':' && prefix.find(':') == std::string_view::npos;
+  return isPrefix ? std::optional(prefix) : std::nullopt;
 }
 
 /// The address that a prefix stands for at this element; empty when it is not declared.
 std::string_view namespaceOf(std::string_view prefix, pugi::xml_node element) {
   const std::string declaration = prefix.empty() ? "xmlns" : "xmlns:" + std::string(prefix);
+  const auto declares = [&declaration](const pugi::xml_attribute& attribute) {
+    return std::strcmp(declaration.c_str(), attribute.name()) == 0;
+  };
   for (; element; element = element.parent()) {
-    int looked = 0;
-    for (const auto& attribute : element.attributes()) {
-      if (declaration == attribute.name()) return attribute.value();
-      if (++looked == maxAttributes) break;
-    }
+    if (const auto found = findAttribute(element, declares)) return found.value();
   }
   return "";
 }
 
 /// How well an element's language suits: the lower the better.
 std::size_t languageRank(const pugi::xml_node& element, std::span<const std::string> languages) {
-  std::string language = element.attribute("xml:lang").value();
+  const auto isLanguage = [](const pugi::xml_attribute& each) {
+    return std::strcmp(each.name(), "xml:lang") == 0;
+  };
+  std::string language = findAttribute(element, isLanguage).value();
   std::ranges::replace(language, '-', '_');
   if (language.empty()) return languages.size();
   const auto found = std::ranges::find(languages, language);
@@ -45,9 +64,13 @@ template <class Matches>
 pugi::xml_node bestChild(const pugi::xml_node& element, std::span<const std::string> languages,
                          Matches matches) {
   pugi::xml_node best;
+  std::size_t bestRank = 0;
   for (const auto& child : element.children()) {
     if (child.type() != pugi::node_element || !matches(child)) continue;
-    if (!best || languageRank(child, languages) < languageRank(best, languages)) best = child;
+    const auto rank = languageRank(child, languages);
+    if (best && rank >= bestRank) continue;
+    best = child;
+    bestRank = rank;
   }
   return best;
 }
@@ -55,21 +78,17 @@ pugi::xml_node bestChild(const pugi::xml_node& element, std::span<const std::str
 }  // namespace
 
 pugi::xml_attribute sparkleAttribute(const pugi::xml_node& element, std::string_view name) {
-  int looked = 0;
-  for (const auto& attribute : element.attributes()) {
-    const auto [prefix, local] = splitName(attribute.name());
-    if (local == name && !prefix.empty() && namespaceOf(prefix, element) == sparkleNamespace)
-      return attribute;
-    if (++looked == maxAttributes) break;
-  }
-  return {};
+  return findAttribute(element, [&](const pugi::xml_attribute& attribute) {
+    const auto prefix = prefixBefore(name, attribute.name());
+    return prefix && !prefix->empty() && namespaceOf(*prefix, element) == sparkleNamespace;
+  });
 }
 
 pugi::xml_node sparkleChild(const pugi::xml_node& element, std::string_view name,
                             std::span<const std::string> languages) {
   return bestChild(element, languages, [name](const pugi::xml_node& child) {
-    const auto [prefix, local] = splitName(child.name());
-    return local == name && namespaceOf(prefix, child) == sparkleNamespace;
+    const auto prefix = prefixBefore(name, child.name());
+    return prefix && namespaceOf(*prefix, child) == sparkleNamespace;
   });
 }
 

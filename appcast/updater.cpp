@@ -4,12 +4,11 @@
 #include <utility>
 
 #include "appcast/address.h"
+#include "appcast/limits.h"
 #include "appcast/version_order.h"
 
 namespace keyvora::appcast {
 namespace {
-
-constexpr std::size_t maxFeedBytes = 4 * 1024 * 1024;
 
 platform::UpdateItem publicItem(const FeedItem& item) {
   return {item.displayVersion, item.version};

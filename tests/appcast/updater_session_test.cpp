@@ -116,11 +116,11 @@ TEST_F(UserCheckTest, ShowsAnUpdateWithNotesAndWhereToGetIt) {
   EXPECT_TRUE(updater().isBusy());
 }
 
-TEST_F(UserCheckTest, AFeedMayTakeHalfAMinuteAndFourMebibytes) {
+TEST_F(UserCheckTest, AFeedMayTakeHalfAMinuteAndAMebibyte) {
   serve(feedAddress, newer);
   check();
   EXPECT_EQ(limits.time, std::chrono::seconds(30));
-  EXPECT_EQ(limits.bytes, 4U << 20);
+  EXPECT_EQ(limits.bytes, 1U << 20);
 }
 
 TEST_F(UserCheckTest, ClosingTheWindowEndsTheSession) {
@@ -158,6 +158,16 @@ TEST_F(UserCheckTest, LinkedNotesAreALinkAndNotFetched) {
   updater().checkForUpdates();
   host.advance(1);
   EXPECT_EQ(take().back(), "show update 57 over 1.2 at : In short https://example.org/n.html");
+}
+
+TEST_F(UserCheckTest, NotesOfASecureFeedAreNotFetchedOverHttpEither) {
+  const std::string link = "<sparkle:releaseNotesLink>http://example.org/n</sparkle:releaseNotesLink>";
+  serve(feedAddress, feedOf(itemOf("57", link)));
+  serve("http://example.org/n", "<p>Changed on its way.");
+  check();
+  host.advance(60);
+  EXPECT_THAT(take(), ElementsAre("show checking", "fetch https://example.org/feed.xml", "found 57 (57)",
+                                  "will show", "show update 57 over 1.2 at :  http://example.org/n"));
 }
 
 TEST_F(UserCheckTest, SaysThatItIsUpToDateBeforeTheDelegateHears) {

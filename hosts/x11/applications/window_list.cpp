@@ -14,6 +14,8 @@ WindowList::WindowList(Display* display) : display_(display), root_(DefaultRootW
 }
 
 bool WindowList::notice(const XEvent& event) {
+  // Not from the server: what other programs claim of a window counts for nothing.
+  if (event.xany.send_event != False) return false;
   if (event.type == DestroyNotify) {
     const auto gone = event.xdestroywindow.window;
     const auto erased = std::erase_if(descriptions_, [gone](const auto& it) { return it.window == gone; });

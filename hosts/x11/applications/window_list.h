@@ -32,7 +32,8 @@ class WindowList {
   /// Reads what is there and asks to be told of changes.
   explicit WindowList(Display* display);
 
-  /// Looks at an event of the connection; true when it changed the windows or the active one.
+  /// Looks at an event of the connection; true when it changed the windows or the active one. Events that
+  /// another program sent change nothing.
   bool notice(const XEvent& event);
 
   /// The oldest first.

@@ -43,9 +43,9 @@ UpdateHistory::UpdateHistory(std::filesystem::path file) : file_(std::move(file)
 
 std::optional<platform::Seconds> UpdateHistory::sinceLastCheck() {
   const std::chrono::seconds last(g_key_file_get_int64(load(file_).get(), group, lastCheckKey, nullptr));
-  const auto passed = now() - last;
-  if (last.count() <= 0 || passed.count() < 0) return std::nullopt;
-  return passed;
+  // The file may hold any number, and the difference to a negative one need not be one.
+  if (last.count() <= 0 || last > now()) return std::nullopt;
+  return now() - last;
 }
 
 void UpdateHistory::recordCheck() {

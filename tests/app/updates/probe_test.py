@@ -15,7 +15,7 @@ from feed_server import FeedServer, make_certificate
 from installation import FETCH_TIMEOUT, Display, Installation
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
-MAX_FEED_BYTES = 4 * 1024 * 1024
+MAX_FEED_BYTES = 1024 * 1024
 
 
 class ProbeTest(unittest.TestCase):

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "hosts/x11/display.h"
 #include "tests/x11/keyboard/client_window.h"
 #include "tests/x11/private_display.h"
 
@@ -158,6 +159,65 @@ TEST_F(ApplicationsTest, AWindowThatBecameAnotherInTheBackgroundIsFoundOutWhenIt
   ASSERT_TRUE(other.awaitFocus());
   window.setClass("gnumeric", "Gnumeric");
   ASSERT_TRUE(window.activate());
+  EXPECT_TRUE(comesToFront(true));
+}
+
+/// Sends events to whoever listens to a window, as any program may.
+class Forger {
+ public:
+  explicit Forger(const std::string& displayName) : connection_(Connection::open(displayName)) {}
+
+  void claimDestroyed(Window window) {
+    XEvent event{};
+    event.type = DestroyNotify;
+    event.xdestroywindow.event = window;
+    event.xdestroywindow.window = window;
+    send(window, event);
+  }
+
+  void claimChanged(Window window, const char* property) {
+    XEvent event{};
+    event.type = PropertyNotify;
+    event.xproperty.window = window;
+    event.xproperty.atom = connection_->atom(property);
+    event.xproperty.state = PropertyNewValue;
+    send(window, event);
+  }
+
+ private:
+  /// To everyone who listens to the window's end, whatever else they listen to.
+  void send(Window window, XEvent& event) {
+    XSendEvent(connection_->get(), window, False, StructureNotifyMask, &event);
+    XSync(connection_->get(), False);
+  }
+
+  std::unique_ptr<Connection> connection_;
+};
+
+TEST_F(ApplicationsTest, WhatAnotherProgramClaimsOfAWindowChangesNothing) {
+  const ClientWindow target(display.name(), {.process = 10});
+  ASSERT_TRUE(target.awaitFocus());
+  ASSERT_TRUE(runs({10}));
+  ASSERT_TRUE(comesToFront(true));
+  ClientWindow other(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 20});
+  ASSERT_TRUE(other.awaitFocus());
+  ASSERT_TRUE(comesToFront(false));
+  auto last = std::make_unique<ClientWindow>(display.name(), ClientWindow::Options{.process = 40});
+  ASSERT_TRUE(last->awaitFocus());
+  const ClientWindow front(display.name(), {.process = 30});
+  ASSERT_TRUE(front.awaitFocus());
+  ASSERT_TRUE(runs({10, 40, 30}));
+  ASSERT_TRUE(comesToFront(true));
+
+  display.endWindowManager();  // which believes it
+  Forger forger(display.name());
+  forger.claimDestroyed(target.window());
+  forger.claimDestroyed(front.window());
+  other.setClass("gnumeric", "Gnumeric");  // unknown until it comes to the front
+  forger.claimChanged(other.window(), "WM_CLASS");
+  // Once the end of the last window is known, all that was sent before it has been read.
+  last.reset();
+  EXPECT_TRUE(runs({10, 30}));
   EXPECT_TRUE(comesToFront(true));
 }
 

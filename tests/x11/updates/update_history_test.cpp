@@ -40,6 +40,14 @@ TEST_F(UpdateHistoryTest, ACheckInTheFutureCountsAsNone) {
   EXPECT_EQ(UpdateHistory(file()).sinceLastCheck(), std::nullopt);
 }
 
+TEST_F(UpdateHistoryTest, NoNumberIsTooGreatOrTooSmall) {
+  for (const auto* number : {"9223372036854775807", "-9223372036854775808", "9223372036854775808",
+                             "-9223372036854775809", "1e300", "-1", "0"}) {
+    write("[Updates]\nLastCheck=" + std::string(number) + "\n");
+    EXPECT_EQ(UpdateHistory(file()).sinceLastCheck(), std::nullopt) << number;
+  }
+}
+
 TEST_F(UpdateHistoryTest, AnOldCheckCounts) {
   write("[Updates]\nLastCheck=1000000000\n");
   EXPECT_GT(UpdateHistory(file()).sinceLastCheck()->count(), 1e8);
