@@ -4,12 +4,17 @@
 #include <glib.h>
 #include <sys/inotify.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
 
 namespace keyvora::x11 {
 namespace {
+
+/// Changes are handed on once none has come for this long, or the first is this old, in milliseconds.
+constexpr int quiet = 5;
+constexpr int longest = 20;
 
 constexpr std::uint32_t watchedEvents = IN_MODIFY | IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF;
 
@@ -38,7 +43,7 @@ FileWatch::FileWatch(std::filesystem::path path, const FileStamp& file, posix::F
       handler_(std::move(handler)),
       missed_(std::move(missed)),
       source_(
-          std::make_unique<ReadableSource>(inotify_.number(), G_PRIORITY_DEFAULT, [this] { deliver(); })) {}
+          std::make_unique<ReadableSource>(inotify_.number(), G_PRIORITY_DEFAULT, [this] { collect(); })) {}
 
 FileWatch::~FileWatch() {
   FileWatch::cancel();
@@ -46,16 +51,41 @@ FileWatch::~FileWatch() {
 
 void FileWatch::cancel() {
   catchUp_.reset();
-  if (!source_) return;
-  source_.reset();
-  const auto news = readEvents();
+  stopCollecting();
+  auto news = std::exchange(collected_, {});
+  if (source_) {
+    source_.reset();
+    const auto late = readEvents();
+    news.written = news.written || late.written;
+    news.gone = news.gone || late.gone;
+  }
   if (news.written || news.gone) missed_();
 }
 
-void FileWatch::deliver() {
+void FileWatch::collect() {
   const auto news = readEvents();
   if (news.gone) source_.reset();  // the path names another file now, or none
   if (!news.written && !news.gone) return;
+  if (!collected_.written && !collected_.gone) collectingSince_ = g_get_monotonic_time();
+  collected_.written = collected_.written || news.written;
+  collected_.gone = collected_.gone || news.gone;
+  stopCollecting();
+  const auto age = int((g_get_monotonic_time() - collectingSince_) / 1000);
+  if (age >= longest) return deliver();
+  const auto end = +[](gpointer watch) -> gboolean {
+    static_cast<FileWatch*>(watch)->timer_ = 0;
+    static_cast<FileWatch*>(watch)->deliver();
+    return G_SOURCE_REMOVE;
+  };
+  timer_ = g_timeout_add(guint(std::min(quiet, longest - age)), end, this);
+}
+
+void FileWatch::stopCollecting() {
+  if (timer_ != 0) g_source_remove(std::exchange(timer_, 0));
+}
+
+void FileWatch::deliver() {
+  collected_ = {};
   runHandler();
 }
 

@@ -12,8 +12,8 @@
 
 namespace keyvora::x11 {
 
-/// Watches one file, not a path, by inotify on GLib's default main context. The handler runs once for each
-/// batch of events that was read. Main thread.
+/// Watches one file, not a path, by inotify on GLib's default main context. The handler runs once for changes
+/// that follow each other closely, as when a program saves line by line. Main thread.
 class FileWatch final : public platform::FileWatch {
  public:
   /// `missed` is called where the watch is cancelled with notifications that were still on their way. Null
@@ -43,7 +43,9 @@ class FileWatch final : public platform::FileWatch {
     bool gone = false;  ///< deleted or renamed
   };
 
+  void collect();
   void deliver();
+  void stopCollecting();
   void runHandler();
   News readEvents();
   bool wasUnlinked();
@@ -54,6 +56,11 @@ class FileWatch final : public platform::FileWatch {
   std::function<void()> handler_;
   std::function<void()> missed_;
   std::unique_ptr<ReadableSource> source_;
+  /// What was read and not yet handed on, since when in microseconds of GLib's clock, and the timer that
+  /// hands it on.
+  News collected_;
+  std::int64_t collectingSince_ = 0;
+  unsigned timer_ = 0;
   std::unique_ptr<platform::Timer> catchUp_;
 };
 

@@ -2,6 +2,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <thread>
+
 #include "hosts/posix/file_descriptor.h"
 #include "hosts/x11/files/file_system.h"
 #include "hosts/x11/main_loop.h"
@@ -74,6 +79,29 @@ TEST_F(FileWatchTest, ABurstThatIsReadAtOnceIsOneNotification) {
   ASSERT_TRUE(awaitNotification());
   settle();
   EXPECT_EQ(notified, 1);
+}
+
+TEST_F(FileWatchTest, SavingLineByLineIsHeardAFewTimesAndItsEndToo) {
+  using Clock = std::chrono::steady_clock;
+  watch();
+  const auto start = Clock::now();
+  std::atomic<bool> saved = false;
+  std::thread editor([&] {
+    std::ofstream stream(file, std::ios::app);
+    for (int line = 0; line < 300; ++line) {
+      stream << "line" << std::endl;
+      const auto next = start + line * std::chrono::microseconds(500);
+      while (Clock::now() < next) std::this_thread::yield();
+    }
+    saved = true;
+  });
+  ASSERT_TRUE(runUntil([&] { return saved.load(); }));
+  editor.join();
+  const auto heardWhileSaving = notified;
+  const auto milliseconds = (Clock::now() - start) / std::chrono::milliseconds(1);
+  EXPECT_LE(heardWhileSaving, milliseconds / 5 + 1) << "at most one in 5 ms";
+  writeFile(file, "end");
+  EXPECT_TRUE(runUntil([&] { return notified > heardWhileSaving; }));
 }
 
 TEST_F(FileWatchTest, TruncationIsAWrite) {
