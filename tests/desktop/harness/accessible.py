@@ -105,7 +105,8 @@ def area(element: Element) -> Area:
 def text(element: Element) -> str:
     """The text that the element holds."""
     try:
-        return element.get_text(0, element.get_character_count()) or ""
+        # By the interface's name: newer bindings have another get_text() on every element.
+        return Atspi.Text.get_text(element, 0, Atspi.Text.get_character_count(element)) or ""
     except GLib.Error:
         return ""
 
@@ -116,6 +117,24 @@ def cell(table: Element, row: int, column: int) -> Element | None:
         return table.get_table_iface().get_accessible_at(row, column)
     except GLib.Error:
         return None
+
+
+def selected_children(element: Element, most: int = 100) -> list[Element]:
+    """The children that are selected; none when there are more than `most`."""
+    try:
+        count = Atspi.Selection.get_n_selected_children(element)
+        found = [Atspi.Selection.get_selected_child(element, index) for index in range(count if count <= most else 0)]
+    except GLib.Error:
+        return []
+    return [child for child in found if child]
+
+
+def attribute(element: Element, key: str) -> str:
+    """What the element says of itself under a key; empty when it says nothing."""
+    try:
+        return (element.get_attributes() or {}).get(key, "")
+    except GLib.Error:
+        return ""
 
 
 def find(element: Element, wanted: str, title: str | None = None) -> Element | None:

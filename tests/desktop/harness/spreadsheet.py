@@ -1,8 +1,10 @@
 """The spreadsheets that stand in for Excel: started, driven by the simulated user, read through AT-SPI."""
 
 import copy
+import functools
 import re
 import shutil
+import subprocess
 from abc import ABC, abstractmethod
 from typing import ClassVar
 
@@ -41,7 +43,8 @@ class Spreadsheet(ABC):
         return shutil.which(cls.program) is not None
 
     def __init__(self, desktop: PrivateDesktop, *files: str) -> None:
-        before = x11.active_window()
+        # A window that is gone may leave its number to the next one.
+        before = x11.active_window() if x11.active_class() else ""
         desktop.children.start(self._command(desktop) + list(files))
         self._take_window_in_front(before)
 
@@ -61,6 +64,10 @@ class Spreadsheet(ABC):
         self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus", 20)
         self._frame = until(self._active_frame, f"the frame of {self.name}", 20)
         until(self._has_menus, f"the menus of {self.name}", 20)
+        self._find_places()
+
+    def _find_places(self) -> None:
+        """Finds where the selection and the input are read."""
         texts = until(self._find_texts, "the name box and the input line", 20)
         assert texts
         self._name_box, self._input_line = texts
@@ -97,6 +104,14 @@ class Spreadsheet(ABC):
         """Goes to a cell and reads what it holds."""
         self.select(typist, cell)
         return self.input()
+
+    def has_menu_item(self, path: list[str]) -> bool:
+        """Whether its menu bar has an item with this path of titles."""
+        element = accessible.find(self._frame, "menu bar")
+        for title in path:
+            below = accessible.children(element) if element else []
+            element = next((child for child in below if accessible.name(child) == title), None)
+        return element is not None
 
     def open_menu(self) -> str:
         """The name of the menu that its menu bar has open, or the empty text."""
@@ -185,6 +200,48 @@ class Calc(Spreadsheet):
         """A cell of the sheet."""
         table = accessible.find(self._frame, "table")
         return accessible.cell(table, int(cell[1:]) - 1, ord(cell[0]) - ord("A")) if table else None
+
+    @classmethod
+    @functools.cache
+    def version(cls) -> tuple[int, ...]:
+        """LibreOffice's version, as (7, 4)."""
+        said = subprocess.run([cls.program, "--version"], capture_output=True, text=True, check=False).stdout
+        match = re.search(r"LibreOffice (\d+)\.(\d+)", said)
+        assert match, said
+        return int(match[1]), int(match[2])
+
+    def selected(self) -> str:
+        return super().selected() if self._tells_its_texts() else self._selected_cells()
+
+    def input(self) -> str:
+        """As ever; where Calc tells nothing of its input line, the selected cell's formula or text."""
+        if self._tells_its_texts():
+            return super().input()
+        found = self.cell(self._selected_cells().partition(":")[0] or "A1")
+        if not found:
+            return ""
+        formula = accessible.attribute(found, "Formula")
+        return f"={formula.removeprefix('=')}" if formula else accessible.text(found)
+
+    def _selected_cells(self) -> str:
+        """The selected range, read from the table: a range of its cells, or the one with the cursor, not far from A1."""
+        table = accessible.find(self._frame, "table")
+        if not table:
+            return ""
+        if cells := [accessible.name(cell) for cell in accessible.selected_children(table)]:
+            return cells[0] if len(cells) == 1 else f"{cells[0]}:{cells[-1]}"
+        near = (accessible.cell(table, row, column) for row in range(10) for column in range(8))
+        return next((accessible.name(cell) for cell in near if cell and accessible.is_focused(cell)), "")
+
+    def _tells_its_texts(self) -> bool:
+        # Later ones have nothing on the bus where the name box and the input line are.
+        return self.version() < (24, 8)
+
+    def _find_places(self) -> None:
+        if self._tells_its_texts():
+            super()._find_places()
+        else:
+            until(lambda: accessible.find(self._frame, "table"), "the sheet's table", 20)
 
     def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
         bar = accessible.find(self._frame, "tool bar", "Formula Tool Bar")
