@@ -6,10 +6,11 @@ from typing import ClassVar
 
 from harness import accessible, x11
 from harness.spreadsheet import Calc
+from harness.waiting import equal
 
 from .calc_cases import CASES
 from .document_case import Case
-from .document_test import DocumentTest, add_tests_of_all, read_document
+from .document_test import PATIENCE, DocumentTest, add_tests_of_all, read_document
 
 END = "</office:document>"
 CELLS: list[list[str | int | None]] = [["Name", "Amount", "City", "Twice"], ["Pear", 30, "Rome", "=[.B2]*2"],
@@ -93,7 +94,20 @@ def _cell(value: object) -> str:
 
 
 class CalcDocument(OnCalc):
-    """One test for each sequence of the document."""
+    """One test for each sequence of the document, and what its notes say."""
+
+    def test_values_are_pasted_as_they_are_shown(self) -> None:
+        self.open("rounded")
+        self.go("E2")
+        self.typist.tap("=", "1", "/", "3", "Return")
+        self.go("E2")
+        self.fire("HP")
+        self.typist.tap("Control+c", "Down", "Down")
+        self.fire("HVV")
+        equal(lambda: self.shown("E4"), "33.33%", "what E4 shows", PATIENCE)
+        self.go("E4")
+        self.fire("HN")
+        equal(lambda: self.shown("E4"), "0.3333", "what is left of a third", PATIENCE)
 
 
 add_tests_of_all(CalcDocument)

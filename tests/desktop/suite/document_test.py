@@ -96,10 +96,7 @@ class DocumentTest(unittest.TestCase):
         return str(self.sequence(keys).get("note", "")).startswith("Only in ")
 
     def carry_out(self, keys: str, case: Case) -> None:
-        self.file = self.desktop.folder / f"{keys}{self.suffix}"
-        self.file.write_bytes(self.workbook(case.variant))
-        self.addCleanup(self.end_all)
-        self.sheet = self.kind(self.desktop, str(self.file))
+        self.open(keys, case.variant)
         if self.is_noted(keys) and self.is_missing(keys):
             self.skipTest("only another version has it, as the document says")
         before = ""
@@ -122,6 +119,13 @@ class DocumentTest(unittest.TestCase):
         if case.click:
             x11.click(self.area(case.click))
         self.expect(case.outcome, before)
+
+    def open(self, name: str, variant: str = "") -> None:
+        """Starts the spreadsheet with the workbook, in a file of this name."""
+        self.file = self.desktop.folder / f"{name}{self.suffix}"
+        self.file.write_bytes(self.workbook(variant))
+        self.addCleanup(self.end_all)
+        self.sheet = self.kind(self.desktop, str(self.file))
 
     def select(self, case: Case) -> None:
         """Selects what a case is about."""
@@ -252,10 +256,7 @@ def add_tests_of_all(test: type[DocumentTest]) -> None:
         self.assertEqual({sequence["keys"] for sequence in self.document["sequences"]}, set(self.cases))
 
     def test_every_menu_item_is_there_or_noted_as_one_versions(self: DocumentTest) -> None:
-        file = self.desktop.folder / f"menus{self.suffix}"
-        file.write_bytes(self.workbook(""))
-        self.addCleanup(self.end_all)
-        self.sheet = self.kind(self.desktop, str(file))
+        self.open("menus")
         missing = [keys for keys in self.cases if self.is_missing(keys) and not self.is_noted(keys)]
         self.assertEqual([], missing, "write down which version has it")
 
