@@ -49,7 +49,7 @@ TEST_F(EventTapTest, OnlyEventsOfTheMaskAreShown) {
   });
   ASSERT_NE(tap, nullptr);
   tap->enable();
-  // A key goes through the tap's thread behind the enabling; its press is of the wanted type.
+  // A key goes through the tap behind the enabling; its press is of the wanted type.
   keyboard.createEvent(nullptr, sentinelKey, true)->postToHardware();
   keyboard.createEvent(nullptr, sentinelKey, false)->postToHardware();
   ASSERT_TRUE(runUntil([&] { return shown.size() == 1; }));
