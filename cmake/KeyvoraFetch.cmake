@@ -36,7 +36,7 @@ if(KEYVORA_TESTS)
   target_include_directories(keyvora_rapidjson SYSTEM INTERFACE ${rapidjson_SOURCE_DIR}/include)
 endif()
 
-# Sparkle: the release's own archive, held to its published hash, or a folder that has Sparkle.framework.
+# Sparkle: the release's own archive, checked against its published hash, or a folder that has Sparkle.framework.
 set(KEYVORA_SPARKLE_DIR "$ENV{KEYVORA_SPARKLE_DIR}" CACHE PATH "Folder that holds Sparkle.framework; empty to download it")
 if(NOT KEYVORA_SPARKLE_DIR)
   FetchContent_Declare(sparkle

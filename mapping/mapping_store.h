@@ -25,7 +25,7 @@ class MappingStore {
   MappingStore(const MappingStore&) = delete;
   MappingStore& operator=(const MappingStore&) = delete;
 
-  /// The document in force; always a whole one. Changes only inside `reload`.
+  /// The current document; always a whole one. Changes only inside `reload`.
   [[nodiscard]] const Mapping& mapping() const { return mapping_; }
 
   /// Where `mappings.json` is.
@@ -37,7 +37,7 @@ class MappingStore {
   /// Called with the new document after every successful `reload`.
   std::function<void(const Mapping&)> onReload;
 
-  /// Reads the file again. A document that fails to load leaves the present one in force. Never fails
+  /// Reads the file again. A document that fails to load leaves the current one in place. Never fails
   /// outward.
   void reload();
 

@@ -11,7 +11,7 @@ namespace keyvora::platform {
 /// Ends the process on the spot, without a word. Any thread.
 [[noreturn]] void trap();
 
-/// Fatal unless called on the main thread of the host in force; `what` names the caller.
+/// Fatal unless called on the main thread of the current host; `what` names the caller.
 void requireMainThread(std::string_view what);
 
 }  // namespace keyvora::platform

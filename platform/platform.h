@@ -37,7 +37,7 @@ struct Platform {
   Workspace& workspace;
 };
 
-/// The host in force. Fatal when none was chosen. Any thread.
+/// The current host. Fatal when none was chosen. Any thread.
 const Platform& current();
 
 /// Chooses the host for as long as it lives: the process entry makes one, and so does each test. At its end

@@ -19,7 +19,7 @@ class Runner;
 /// collects letters, waits on ambiguous sequences, fires the one that matches. Main thread only.
 class KeySequenceTap {
  public:
-  /// Gives the mapping in force; asked anew at every letter.
+  /// Gives the current mapping; asked anew at every letter.
   using MappingSource = std::function<const Mapping&()>;
 
   /// The process's tap, on the shared store and runner.

@@ -1,4 +1,4 @@
-"""How long the user waits: for the tap after a start, for a saved document to be in force."""
+"""How long the user waits: for the tap after a start, for a saved document to take effect."""
 
 import argparse
 import time
@@ -23,7 +23,7 @@ def startup(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
 
 
 def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
-    """From a document renamed into place to the line that says that it is in force, less the fixed delay."""
+    """From a document renamed into place to the line that says that it was loaded, less the fixed delay."""
     path = mappings(desktop.home)
     path.write_text(DOCUMENT)
     times = []
@@ -36,4 +36,4 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
             beside.rename(path)
             times.append(keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY)
             time.sleep(0.05)  # the file is watched anew after the line
-    print(f"change on disk to document in force, beyond the fixed {DELAY} s: {in_milliseconds(times)}")
+    print(f"change on disk to document loaded, beyond the fixed {DELAY} s: {in_milliseconds(times)}")

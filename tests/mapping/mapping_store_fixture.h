@@ -35,7 +35,7 @@ struct MappingStoreTest : testing::Test {
 
   static MappingStore& store() { return MappingStore::shared(); }
 
-  /// The keys of the document in force, one after another.
+  /// The keys of the current document, one after another.
   static std::string keys() {
     std::string all;
     for (const auto& sequence : store().mapping().sequences) all += sequence.keys;

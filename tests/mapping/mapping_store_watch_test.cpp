@@ -92,7 +92,7 @@ TEST_F(MappingStoreWatchTest, AFileThatStaysAwayEndsTheWatchButNotTheReload) {
   host.files.remove(path);
   host.advance(0.2);
   EXPECT_THAT(logged(), ElementsAre(missing));
-  EXPECT_EQ(keys(), "A") << "the last good document stays in force";
+  EXPECT_EQ(keys(), "A") << "the last good document stays in use";
   EXPECT_EQ(host.files.watchCount(), 0u);
 
   host.files.write(path, document("B"));

@@ -22,7 +22,7 @@ class ReferenceModel {
   /// Lets time go by. A deadline that is reached counts as passed.
   StepResult advance(std::int64_t microseconds);
 
-  /// Puts another document in force.
+  /// Replaces the current document.
   StepResult reload(Mapping mapping);
 
   /// Opens or closes a menu of our own: while it is open no timeout runs out.

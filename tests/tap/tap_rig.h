@@ -26,7 +26,7 @@ class TapRig {
   /// Lets time go by.
   StepResult advance(std::int64_t microseconds);
 
-  /// Puts another document in force.
+  /// Replaces the current document.
   StepResult reload(Mapping mapping);
 
   /// Opens or closes a menu of our own.

@@ -22,11 +22,11 @@ struct ManagedWindow {
 };
 
 /// The windows of the desktop and the active one, as the window manager announces them on the root window.
-/// Read again when they change, never asked for. While no window manager runs, what the last one said about
-/// the windows stands. Used by the thread that has the connection.
+/// Read again when they change, never asked for. While no window manager runs, the last
+/// list is kept. Used by the thread that has the connection.
 ///
-/// A window that has said what it is is asked again when it becomes the active one, and not listened to in
-/// between: toolkits set a property of the window at every key that is typed into it.
+/// Once a window's class and process are known, its properties are read again only when it becomes the active
+/// window. It is not watched in between, because toolkits set a property at every key typed into the window.
 class WindowList {
  public:
   /// Reads what is there and asks to be told of changes.

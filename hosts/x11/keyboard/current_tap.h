@@ -17,7 +17,7 @@ class KeyboardIsFree {
   KeyboardIsFree() = default;
 };
 
-/// The tap that this host has in force, if any, as those who act on the target need it. Outlives all of them.
+/// The current tap of this host, if any, as those who act on the target need it. Outlives all of them.
 class CurrentTap {
  public:
   /// From now on this one, for as long as it exists. Any thread.

@@ -54,7 +54,7 @@ void EventTap::showEvents() {
   auto& end = *process_->end();
   end.toMain().clear();
   while (const auto event = end.next(Clock::now())) {
-    // An action may follow inside the handler, so the window is in force before the verdict is there.
+    // An action may follow inside the handler, so the window is set before there is a verdict.
     const auto before = target_.get();
     if (const auto window = end.window(); window != 0) target_.set(window);
     const auto verdict = show(*event);

@@ -20,7 +20,7 @@ struct GroupChange {
 };
 
 /// The display's own numbers for keys, by the names that its keyboard description gives them, and what
-/// modifier keys do in the group that is in force. Follows changes. Used by the thread that has the
+/// modifier keys do in the current group. Follows changes. Used by the thread that has the
 /// connection.
 class KeyMap {
  public:

@@ -43,15 +43,15 @@ class KeyListener {
 
 /// Makes key events of what the server reports about the keyboard.
 ///
-/// It is attentive or rests. While it rests the server tells it of nothing but presses that a grab holds
-/// back, and the first of these makes it attentive: ordinary typing does not reach this process at all. While
-/// it is attentive, every press and release shows as a raw event of the master keyboard, in the order in
-/// which windows see them. A press that a grab holds back is followed at once by an event of the grab; a
-/// repeated press has only that. A release without a press is none.
+/// The reader has two states. At rest it receives only the presses that a grab holds back; ordinary typing
+/// does not reach this process at all. The first such press makes it attentive. An attentive reader receives
+/// every press and release as a raw event of the master keyboard, in the order in which windows see them. A
+/// press that a grab holds back is followed at once by the grab's own event. A repeated press has no raw
+/// event, only the grab's. A release without a press before it is ignored.
 ///
-/// Events that went their way without a grab (typed elsewhere, or while the application has a grab of its
-/// own, as it does while a menu is open) bear the key code `key_code::none`: what could not be held back must
-/// neither count as a letter nor as an Option tap.
+/// Events that no grab held back have the key code `key_code::none`: keys typed in another window, or while
+/// the application has a grab of its own, for example while its menu is open. Such an event counts neither as
+/// a letter nor as an Option tap, since it could not have been swallowed.
 class KeyReader {
  public:
   /// Rests. The map and the listener must outlive the reader.

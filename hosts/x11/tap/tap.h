@@ -25,9 +25,9 @@ namespace keyvora::x11 {
 /// window, so that a letter typed however fast behind it is caught. The handler does not say when it is done,
 /// and need not: a letter typed after an Option tap is swallowed as long as the handler waits for one, so the
 /// first key press that it lets pass with no Option key down, not counting the program's own, proves that it
-/// waits no more. That press is then still held back, which makes the change seamless. A handler that ends
-/// otherwise (a sequence fires, time runs out) costs one more key that is looked at. A press that no grab
-/// could hold proves the same: it has no code, and nothing goes on with such a key. After a time-out the
+/// no longer waits. That press is still held back while the grabs change, so no key slips through. When a
+/// sequence ends in another way (it fires, or its time runs out), one more key is examined. A press that no
+/// grab could hold has no key code and ends the examination too. After a time-out the
 /// handler may be in any state, and every key is grabbed.
 ///
 /// While only the Option keys are grabbed the reader rests, as soon as no modifier key is down: nothing of
