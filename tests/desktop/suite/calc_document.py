@@ -104,10 +104,10 @@ class CalcDocument(OnCalc):
         self.fire("HP")
         self.typist.tap("Control+c", "Down", "Down")
         self.fire("HVV")
-        equal(lambda: self.shown("E4"), "33.33%", "what E4 shows", PATIENCE)
+        equal(lambda: self.sheet.shown("E4"), "33.33%", "what E4 shows", PATIENCE)
         self.go("E4")
         self.fire("HN")
-        equal(lambda: self.shown("E4"), "0.3333", "what is left of a third", PATIENCE)
+        equal(lambda: self.sheet.shown("E4"), "0.3333", "what is left of a third", PATIENCE)
 
 
 add_tests_of_all(CalcDocument)
