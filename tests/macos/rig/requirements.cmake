@@ -4,7 +4,8 @@ set(RIG_LACKS "")
 find_program(RIG_CLANGXX NAMES clang++ clang++-19 clang++-16 clang++-14)
 find_program(RIG_GCC NAMES gcc)
 find_program(RIG_XVFB NAMES Xvfb)
-find_path(RIG_GNUSTEP_HEADERS NAMES AppKit/AppKit.h PATHS /usr/include/GNUstep NO_DEFAULT_PATH)
+find_path(RIG_GNUSTEP_HEADERS NAMES AppKit/AppKit.h
+  PATHS /usr/include/GNUstep /usr/include/${CMAKE_CXX_LIBRARY_ARCHITECTURE}/GNUstep NO_DEFAULT_PATH)
 find_file(RIG_BLOCKS NAMES Block.h)
 
 # gcc keeps the headers and the library of its Objective-C runtime in folders of its own version.

@@ -1,5 +1,6 @@
 """keyvora.app while it runs in the rig: its keys, its menu, its files, its log."""
 
+import os
 import pathlib
 import re
 import socket
@@ -11,8 +12,8 @@ from typing import TypeVar
 from display import environment
 import record
 
-# How long a condition may take, however busy the machine is.
-PATIENCE = 60.0
+# How many seconds a condition may take, however busy the machine is.
+PATIENCE = float(os.environ.get("KEYVORA_RIG_PATIENCE", "60"))
 
 
 T = TypeVar("T")
