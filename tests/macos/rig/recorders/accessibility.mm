@@ -189,7 +189,7 @@ AXError AXUIElementPerformAction(AXUIElementRef reference, CFStringRef action) {
   const auto* element = use<Element>(reference, "AXUIElementPerformAction");
   if (element == nullptr) return kAXErrorInvalidUIElement;
   record("perform %s on %s", text(action).c_str(),
-         quoted(element->node == nullptr ? "" : element->node->title).c_str());
+         inQuotes(element->node == nullptr ? "" : element->node->title).c_str());
   waitForTarget();
   return kAXErrorSuccess;
 }

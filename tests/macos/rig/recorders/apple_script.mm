@@ -49,7 +49,7 @@ bool contains(NSString* text, NSString* part) { return [text rangeOfString:part]
 }
 - (NSAppleEventDescriptor*)executeAndReturnError:(NSDictionary**)error {
   keyvora::rig::requireMainThread("executeAndReturnError:");
-  keyvora::rig::record("script %s", keyvora::rig::quoted(_source.UTF8String).c_str());
+  keyvora::rig::record("script %s", keyvora::rig::inQuotes(_source.UTF8String).c_str());
   keyvora::rig::waitForTarget();
   if (contains(_source, @"error number")) {  // one that comes without a message
     if (error != nullptr) *error = @{@"NSAppleScriptErrorNumber" : @(-128)};

@@ -19,7 +19,7 @@ void requireMainThread(const char* call);
 bool isMainThread();
 
 /// Text on one line, in quotes: line feeds and quotes are escaped.
-std::string quoted(std::string_view text);
+std::string inQuotes(std::string_view text);
 
 /// Notes that one object of a kind was made (+1) or has ended (-1). Any thread. `kind` is a literal.
 void count(const char* kind, int change);

@@ -91,7 +91,7 @@ void requireMainThread(const char* call) {
   if (!isMainThread()) violation("%s off the main thread", call);
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   std::string line = "\"";
   for (const char unit : text) {
     if (unit == '\n') {

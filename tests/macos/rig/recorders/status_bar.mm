@@ -9,7 +9,7 @@
 #include "tests/macos/rig/recorders/status_item.h"
 
 using keyvora::rig::count;
-using keyvora::rig::quoted;
+using keyvora::rig::inQuotes;
 using keyvora::rig::record;
 using keyvora::rig::requireMainThread;
 using keyvora::rig::violation;
@@ -20,7 +20,7 @@ using keyvora::rig::violation;
 @implementation KVStatusButton
 - (void)setTitle:(NSString*)title {
   requireMainThread("a status item's title");
-  record("title %s", quoted(title.UTF8String).c_str());
+  record("title %s", inQuotes(title.UTF8String).c_str());
   [super setTitle:title];
 }
 - (NSString*)title {

@@ -5,10 +5,9 @@
 
 #include_next <AppKit/AppKit.h>
 
-enum : NSUInteger {
-  NSEventModifierFlagCommand = NSCommandKeyMask,
-  NSEventModifierFlagShift = NSShiftKeyMask
-};
+// Macros, as newer versions of GNUstep have the enumerators.
+#define NSEventModifierFlagCommand NSCommandKeyMask
+#define NSEventModifierFlagShift NSShiftKeyMask
 
 @interface NSApplication (Apple)
 @property(retain) id delegate;
