@@ -1,5 +1,7 @@
 // What clang calls to count references, each by way of the ordinary message.
 
+#include <dlfcn.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -20,9 +22,13 @@ bool isCounted(const Object* object) {
   return object != nullptr && object->isa != protocol;
 }
 
-/// Weak references are not bridged: a use of one must not pass in silence.
-[[noreturn]] void noWeakReferences() {
-  std::fputs("the bridge has no weak references\n", stderr);
+/// Weak references are GNUstep's, in the versions that have them (1.31 on); in others a use must not pass in
+/// silence.
+void* weak(const char* call, void* place, void* other) {
+  using Function = void* (*)(void*, void*);
+  const auto library = reinterpret_cast<Function>(dlsym(RTLD_NEXT, call));
+  if (library != nullptr) return library(place, other);
+  std::fprintf(stderr, "%s: this GNUstep has no weak references\n", call);
   std::abort();
 }
 
@@ -74,23 +80,23 @@ void objc_autoreleasePoolPop(void* pool) {
   send(static_cast<Object*>(pool), "release");
 }
 
-void objc_initWeak() {
-  noWeakReferences();
+void* objc_initWeak(void* place, void* object) {
+  return weak("objc_initWeak", place, object);
 }
-void objc_storeWeak() {
-  noWeakReferences();
+void* objc_storeWeak(void* place, void* object) {
+  return weak("objc_storeWeak", place, object);
 }
-void objc_loadWeakRetained() {
-  noWeakReferences();
+void* objc_loadWeakRetained(void* place) {
+  return weak("objc_loadWeakRetained", place, nullptr);
 }
-void objc_destroyWeak() {
-  noWeakReferences();
+void objc_destroyWeak(void* place) {
+  weak("objc_destroyWeak", place, nullptr);
 }
-void objc_copyWeak() {
-  noWeakReferences();
+void objc_copyWeak(void* to, void* from) {
+  weak("objc_copyWeak", to, from);
 }
-void objc_moveWeak() {
-  noWeakReferences();
+void objc_moveWeak(void* to, void* from) {
+  weak("objc_moveWeak", to, from);
 }
 }
 
