@@ -106,12 +106,12 @@ class Spreadsheet(ABC):
         return self.input()
 
     def has_menu_item(self, path: list[str]) -> bool:
-        """Whether its menu bar has an item with this path of titles."""
+        """Whether its menu bar has an item with this path of titles, one that opens no further menu."""
         element = accessible.find(self._frame, "menu bar")
         for title in path:
             below = accessible.children(element) if element else []
             element = next((child for child in below if accessible.name(child) == title), None)
-        return element is not None
+        return element is not None and not accessible.children(element)
 
     def open_menu(self) -> str:
         """The name of the menu that its menu bar has open, or the empty text."""
