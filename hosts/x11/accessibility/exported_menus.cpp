@@ -20,6 +20,8 @@ namespace {
 constexpr int limitMilliseconds = 200;
 /// Sections may hold sections: where a menu ends that no menu has.
 constexpr int deepestSection = 8;
+/// Far more menus and sections than any application has.
+constexpr int mostVisited = 2000;
 
 struct VariantUnref {
   void operator()(GVariant* variant) const { g_variant_unref(variant); }
@@ -115,7 +117,7 @@ class Menus {
   std::optional<Row> find(Place place, const std::string& title, int depth) {
     load(place.first);
     const auto menu = menus_.find(place);
-    if (menu == menus_.end() || depth == 0) return std::nullopt;
+    if (menu == menus_.end() || depth == 0 || ++visited_ > mostVisited) return std::nullopt;
     for (const auto& row : menu->second) {
       if (!row.section && row.title == title) return row;
       if (!row.section) continue;
@@ -177,6 +179,7 @@ class Menus {
   const Exported& exported_;
   std::map<Place, std::vector<Row>> menus_;
   std::vector<guint32> subscribed_;
+  int visited_ = 0;
   bool failed_ = false;
 };
 
