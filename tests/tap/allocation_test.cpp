@@ -11,11 +11,16 @@ namespace {
 thread_local std::size_t allocations = 0;
 }  // namespace
 
-// Every allocation of the program comes by here: the other forms of `new` are made of this one.
+// Every allocation of the program comes by here: the other forms of `new` are made of these two. A sanitizer
+// has a form of its own that does not throw, so that one is here too.
 void* operator new(std::size_t size) {
   ++allocations;
   if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
   throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
+  ++allocations;
+  return std::malloc(size == 0 ? 1 : size);
 }
 void operator delete(void* memory) noexcept {
   std::free(memory);
