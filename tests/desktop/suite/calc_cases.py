@@ -97,7 +97,7 @@ CASES: dict[str, Case] = {
     "HOM": Case(Window("Move/Copy Sheet")),
     "HOT": Case(Window("Tab Color")),
     "HOP": Case(Window("Protect Sheet")),
-    "HUS": Case(Cells({"B5": "=SUM(B2:B4)"}), "B5", then=["Return"]),
+    "HUS": Case(Saved(r"of:=SUM\(\[\.B2:\.B4\]\)"), "B5", then=["Return"]),
     "HFID": Case(Cells({"A3": "Pear", "A4": "Pear"}), "A2", "A4"),
     "HFIR": Case(Cells({"B2": "Pear", "C2": "Pear"}), "A2", "C2"),
     "HFIU": Case(Cells({"A2": "Fig", "A3": "Fig"}), "A2", "A4"),
