@@ -5,10 +5,13 @@
 
 namespace keyvora {
 
-void Runner::runAppleScript(const std::string& script, const std::string& name) {
+std::string Runner::scriptFor(const std::string& fragment) {
   // The fragment goes in as it stands: whatever it holds becomes part of the script.
-  const auto source = "tell application \"Microsoft Excel\"\n" + script + "\nend tell";
-  const auto result = platform::current().scripts.run(source);
+  return "tell application \"Microsoft Excel\"\n" + fragment + "\nend tell";
+}
+
+void Runner::runAppleScript(const std::string& script, const std::string& name) {
+  const auto result = platform::current().scripts.run(scriptFor(script));
   Log::line(result.succeeded ? outcome::done(name, "applescript")
                              : outcome::failed(name, result.message.value_or("unknown error")));
 }

@@ -29,6 +29,9 @@ class Runner {
   virtual void sendKeystroke(const std::string& key, const std::vector<std::string>& modifiers,
                              const std::string& name);
 
+  /// The whole script that a fragment of a document becomes.
+  static std::string scriptFor(const std::string& fragment);
+
   /// Runs a fragment of AppleScript inside a tell block for the target and waits for its end.
   virtual void runAppleScript(const std::string& script, const std::string& name);
 

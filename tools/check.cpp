@@ -27,6 +27,12 @@ Findings check(const Document& document) {
   return findings;
 }
 
+Findings errorsIn(const Document& document) {
+  auto findings = check(document);
+  std::erase_if(findings, [](const Finding& finding) { return finding.severity != Severity::error; });
+  return findings;
+}
+
 std::string asText(const Findings& findings, std::string_view file) {
   std::string text;
   for (const auto& finding : findings) {

@@ -13,6 +13,9 @@ namespace keyvora::tools {
 /// would not load the document.
 Findings check(const Document& document);
 
+/// Its errors alone.
+Findings errorsIn(const Document& document);
+
 /// The findings for people, one a line: `file:line:column: error: path: text`.
 std::string asText(const Findings& findings, std::string_view file);
 

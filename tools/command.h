@@ -4,6 +4,8 @@
 #include <span>
 #include <string>
 
+#include "tools/host.h"
+
 namespace keyvora::tools {
 
 /// What the program ends with.
@@ -16,10 +18,13 @@ inline constexpr int no = 1;
 inline constexpr int failed = 2;
 }  // namespace exit_status
 
-/// Where a command writes: what it was asked for, and what went wrong.
+/// What a command has to do with: where it writes what it was asked for and what went wrong, and the programs
+/// that run.
 struct Streams {
   std::ostream& out;
   std::ostream& error;
+  /// Null when no host is there to ask.
+  HostMaker makeHost = nullptr;
 };
 
 /// Carries out a command line (without the program's name) and returns the exit status. Main thread.

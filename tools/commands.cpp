@@ -21,13 +21,14 @@ std::span<const Command> commands() {
       {"explain",
        "LETTERS [FILE]",
        "Say what typing these letters after a tap of Option does, step by step.",
+       "Where letters may follow, each is named with what it leads to.\n"
        "Exit status: 0 when a sequence fires, 1 when none does, 2 when the document does not load.\n",
        {{}, {}, 1, 2},
        explainCommand},
       {"list",
-       "[FILE] [--tab LETTER]",
+       "[FILE] [--tab LETTERS]",
        "List the sequences that can fire: keys, name, kind and action.",
-       "  --tab LETTER  only those that start with this letter\n",
+       "  --tab LETTERS  only those that start with these letters\n",
        {{}, {"--tab"}, 0, 1},
        listCommand},
       {"cheatsheet",
@@ -37,6 +38,16 @@ std::span<const Command> commands() {
        "  --markdown  tables\n",
        {{"--html", "--markdown"}, {}, 0, 1},
        cheatsheetCommand},
+      {"rehearse",
+       "[FILE] [--all]",
+       "Hold every action against the spreadsheet that runs, without carrying any out.",
+       "  --all  say what was found for every sequence, not only what is missing\n"
+       "Each menu path must be in the program's menus, each script must compile (osacompile, on a Mac). A "
+       "key\n"
+       "is looked for among the shortcuts that the menus show; not to be there is no fault.\n"
+       "Exit status: 0 when nothing is missing, 1 when something is, 2 without a program to ask.\n",
+       {{"--all"}, {}, 0, 1},
+       rehearseCommand},
       {"schema", "", "Write the JSON schema of mapping documents, for editors.", "", {}, schemaCommand},
   };
   return all;

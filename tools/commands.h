@@ -28,6 +28,7 @@ int checkCommand(const Options& options, const Streams& streams);
 int explainCommand(const Options& options, const Streams& streams);
 int listCommand(const Options& options, const Streams& streams);
 int cheatsheetCommand(const Options& options, const Streams& streams);
+int rehearseCommand(const Options& options, const Streams& streams);
 int schemaCommand(const Options& options, const Streams& streams);
 
 /// What the program tells about itself, and about one command.

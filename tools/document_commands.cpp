@@ -1,6 +1,5 @@
 #include <variant>
 
-#include "text/text.h"
 #include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/embedded.h"
@@ -24,9 +23,7 @@ std::optional<Mapping> load(const std::optional<std::string>& file, const Stream
   const auto& source = std::get<Source>(read);
   const Document document(source.bytes);
   if (document.isSound()) return document.mapping();
-  auto findings = check(document);
-  std::erase_if(findings, [](const Finding& finding) { return finding.severity != Severity::error; });
-  streams.error << asText(findings, source.name);
+  streams.error << asText(errorsIn(document), source.name);
   return std::nullopt;
 }
 
@@ -51,8 +48,7 @@ int listCommand(const Options& options, const Streams& streams) {
   if (!mapping) return exit_status::failed;
   auto sheet = sheetOf(*mapping);
   if (const auto tab = options.setting("--tab")) {
-    const auto wanted = text::upperCased(*tab);
-    std::erase_if(sheet, [&](const SheetTab& each) { return each.letter != wanted; });
+    keepStartingWith(sheet, Sequence{*tab, {}, {}}.letters());
     if (sheet.empty()) {
       streams.error << complaint("no sequence starts with " + inQuotes(*tab));
       return exit_status::no;

@@ -5,6 +5,7 @@
 #include <span>
 #include <utility>
 
+#include "tools/continuations.h"
 #include "tools/letters.h"
 #include "tools/rehearsal.h"
 #include "tools/wording.h"
@@ -12,30 +13,10 @@
 namespace keyvora::tools {
 namespace {
 
-/// How many sequences are named before the rest is only counted.
-constexpr std::size_t mostNamed = 8;
-
 using Letters = std::span<const std::string>;
 
 std::string label(const Sequence& sequence) {
   return sequence.keys + "  " + sequence.name;
-}
-
-/// What the letters typed so far may still become, without what they are already.
-std::string longerKeys(Letters typed, const Mapping& mapping) {
-  std::vector<std::string> longer;
-  for (const auto& sequence : mapping.sequences) {
-    const auto letters = sequence.letters();
-    if (letters.size() <= typed.size() || !std::equal(typed.begin(), typed.end(), letters.begin())) continue;
-    auto keys = joined(letters);
-    if (std::ranges::find(longer, keys) == longer.end()) longer.push_back(std::move(keys));
-  }
-  std::string names;
-  for (const auto& keys : std::span(longer).first(std::min(longer.size(), mostNamed))) {
-    names += (names.empty() ? "" : ", ") + keys;
-  }
-  if (longer.size() > mostNamed) names += " and " + std::to_string(longer.size() - mostNamed) + " more";
-  return names;
 }
 
 /// Writes the lines of an explanation: a key, or the time, and what comes of it.
@@ -50,8 +31,8 @@ class Telling {
 
   void more(const std::string& what) { key("", what); }
 
-  /// A letter that the tap took.
-  void letter(Letters typed, const Step& step) {
+  /// A letter that the tap took. After the last one each that may follow is named.
+  void letter(Letters typed, const Step& step, bool isLast) {
     const auto match = mapping_.lookup(typed);
     const auto& name = typed.back();
     if (step.fired) {
@@ -60,11 +41,14 @@ class Telling {
     } else if (!step.armed) {
       key(name, "swallowed; nothing starts with " + joined(typed));
       log(step);
-    } else if (match.exact != nullptr) {
-      key(name, "waits " + inSeconds(mapping_.timeout()) + " with " + label(*match.exact) + "; goes on to " +
-                    longerKeys(typed, mapping_));
     } else {
-      key(name, "goes on to " + longerKeys(typed, mapping_));
+      const auto next = continuationsOf(typed, mapping_);
+      const auto count = counted(sequencesIn(next), match.exact == nullptr ? "sequence" : "longer sequence");
+      key(name, match.exact == nullptr ? "goes on to " + count
+                                       : "waits " + inSeconds(mapping_.timeout()) + " with " +
+                                             label(*match.exact) + "; goes on to " + count);
+      if (!isLast) return;
+      for (const auto& line : asLines(next, typed.size())) more("  " + line);
     }
   }
 
@@ -121,7 +105,8 @@ Explanation explain(const std::vector<std::string>& letters, const Mapping& mapp
       telling.key(letter, step.swallowed ? "swallowed" : "reaches Excel: the sequence is over");
       continue;
     }
-    telling.letter(Letters(letters).first(++taken), step);
+    ++taken;
+    telling.letter(Letters(letters).first(taken), step, taken == letters.size());
     collecting = step.armed;
     fires = fires || step.fired;
   }

@@ -34,6 +34,16 @@ std::vector<SheetTab> sheetOf(const Mapping& mapping) {
   return tabs;
 }
 
+void keepStartingWith(std::vector<SheetTab>& sheet, const std::vector<std::string>& prefix) {
+  for (auto& tab : sheet) {
+    std::erase_if(tab.rows, [&](const SheetRow& row) {
+      return row.letters.size() < prefix.size() ||
+             !std::equal(prefix.begin(), prefix.end(), row.letters.begin());
+    });
+  }
+  std::erase_if(sheet, [](const SheetTab& tab) { return tab.rows.empty(); });
+}
+
 std::string asTable(const std::vector<SheetTab>& sheet) {
   std::size_t keysWidth = 0;
   std::size_t nameWidth = 0;

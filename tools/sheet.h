@@ -30,6 +30,9 @@ struct SheetTab {
 /// for, in the order in which the tabs first come up.
 std::vector<SheetTab> sheetOf(const Mapping& mapping);
 
+/// Leaves out every sequence that does not start with these letters, and the tabs that are empty then.
+void keepStartingWith(std::vector<SheetTab>& sheet, const std::vector<std::string>& prefix);
+
 /// The sheet for a terminal: a line for each sequence, in columns.
 std::string asTable(const std::vector<SheetTab>& sheet);
 

@@ -83,9 +83,12 @@ TEST_F(CommandTest, OtherCommandsTakeTheDefaultDocumentUntilTheUserHasOne) {
   EXPECT_EQ(out.str(), "QQ  Mine  menu         A\n");
 }
 
-TEST_F(CommandTest, ListsOneTab) {
+TEST_F(CommandTest, ListsWhatStartsWithLetters) {
   EXPECT_EQ(run({"list", "--tab", "w"}), 0);
   EXPECT_THAT(out.str(), StartsWith("WL   Normal view"));
+  EXPECT_EQ(run({"list", "--tab", "w f"}), 0);
+  EXPECT_THAT(out.str(), StartsWith("WF"));
+  EXPECT_THAT(out.str(), testing::Not(HasSubstr("\nWL")));
   EXPECT_EQ(run({"list", "--tab=q"}), 1);
   EXPECT_THAT(out.str(), IsEmpty());
   EXPECT_EQ(error.str(), "keyvora-mappings: no sequence starts with \"q\"\n");

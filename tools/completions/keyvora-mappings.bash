@@ -3,15 +3,16 @@ _keyvora_mappings() {
   local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]-} options=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'check explain list cheatsheet schema help version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse cheatsheet schema help version' -- "$word")
     return
   fi
   case $command in
     check) options='--watch --strict --json' ;;
     list) options='--tab' ;;
+    rehearse) options='--all' ;;
     cheatsheet) options='--html --markdown' ;;
     help)
-      mapfile -t COMPREPLY < <(compgen -W 'check explain list cheatsheet schema' -- "$word")
+      mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse cheatsheet schema' -- "$word")
       return
       ;;
     schema | version) return ;;

@@ -92,6 +92,17 @@ bool AccessibilityCalls::isActive(const Accessible& window) {
   return states && *states && atspi_state_set_contains(states->get(), ATSPI_STATE_ACTIVE);
 }
 
+std::optional<std::string> AccessibilityCalls::keyBinding(const Accessible& accessible) {
+  if (gaveUp_) return std::nullopt;
+  const GObjectRef<AtspiAction> action(atspi_accessible_get_action_iface(accessible.get()));
+  if (!action) return std::nullopt;
+  const auto count = ask([&](GError** error) { return atspi_action_get_n_actions(action.get(), error); });
+  if (!count || *count < 1) return std::nullopt;
+  const auto text = ask([&](GError** error) { return atspi_action_get_key_binding(action.get(), 0, error); });
+  if (!text || *text == nullptr) return std::nullopt;
+  return take(*text);
+}
+
 bool AccessibilityCalls::press(const Accessible& accessible, KeyboardIsFree) {
   if (gaveUp_) return false;
   const GObjectRef<AtspiAction> action(atspi_accessible_get_action_iface(accessible.get()));

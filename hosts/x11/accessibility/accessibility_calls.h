@@ -35,6 +35,9 @@ class AccessibilityCalls {
   /// Whether a window has the keyboard, as far as its application has noticed.
   bool isActive(const Accessible& window);
 
+  /// The key binding of the action by which a user would choose the element; none where it has none.
+  std::optional<std::string> keyBinding(const Accessible& accessible);
+
   /// Performs the action by which a user would choose the element; false when there is none or it failed.
   bool press(const Accessible& accessible, KeyboardIsFree);
 

@@ -10,6 +10,7 @@
 #include "hosts/x11/accessibility/accessibility_calls.h"
 #include "hosts/x11/accessibility/exported_menus.h"
 #include "hosts/x11/accessibility/menu_bar_search.h"
+#include "hosts/x11/accessibility/shown_shortcut.h"
 #include "hosts/x11/keyboard/current_tap.h"
 
 namespace keyvora::x11 {
@@ -37,6 +38,7 @@ class MenuElement final : public platform::Element {
   AttributeAnswer attribute(std::string_view name) override {
     if (name == "AXChildren") return children();
     if (name == "AXTitle") return title();
+    if (name == "AXKeyShortcutsValue") return shortcut();
     return {ax_error::attributeUnsupported, {}};
   }
 
@@ -63,6 +65,13 @@ class MenuElement final : public platform::Element {
     if (!name) return {ax_error::cannotComplete, {}};
     if (name->empty()) return {};
     return {0, std::move(*name)};
+  }
+
+  AttributeAnswer shortcut() {
+    const auto binding = calls_->keyBinding(accessible_);
+    auto shown = binding ? shortcutIn(*binding) : std::nullopt;
+    if (!shown) return {};
+    return {0, std::move(*shown)};
   }
 
   std::int32_t press(KeyboardIsFree free) {
