@@ -11,21 +11,30 @@
 namespace keyvora::json {
 namespace {
 
-/// The place of an offset in the text.
-Position positionAt(std::string_view text, std::size_t offset) {
-  Position position;
-  std::size_t lineStart = 0;
-  for (std::size_t i = 0; i < offset; ++i) {
-    const bool ends = text[i] == '\n' || (text[i] == '\r' && text.substr(i + 1, 1) != "\n");
-    if (!ends) continue;
-    ++position.line;
-    lineStart = i + 1;
-  }
-  for (const char byte : text.substr(lineStart, offset - lineStart)) {
-    const bool continues = (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-    if (!continues) ++position.column;
+/// The place of offset `end` in the text, given that of offset `begin` before it.
+Position positionAt(std::string_view text, std::size_t end, Position position = {}, std::size_t begin = 0) {
+  for (std::size_t i = begin; i < end; ++i) {
+    if (text[i] == '\n' || (text[i] == '\r' && text.substr(i + 1, 1) != "\n")) {
+      ++position.line;
+      position.column = 1;
+    } else if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
+      ++position.column;
+    }
   }
   return position;
+}
+
+/// How many bytes lie between two places that a tree knows.
+constexpr std::size_t milestone = 1024;
+
+/// The places of the offsets 0, 1024, 2048, ...
+std::vector<Position> milestonesOf(std::string_view text) {
+  std::vector<Position> places{Position{}};
+  places.reserve(text.size() / milestone + 1);
+  for (std::size_t end = milestone; end < text.size(); end += milestone) {
+    places.push_back(positionAt(text, end, places.back(), end - milestone));
+  }
+  return places;
 }
 
 std::optional<char32_t> hexadecimal(std::string_view digits) {
@@ -267,11 +276,14 @@ std::variant<Tree, SyntaxError> Tree::parse(std::string_view bytes) {
     return SyntaxError{"the text is not well-formed Unicode", positionAt(tree.text(), *document.fault)};
   }
   if (auto error = Reader(tree).read()) return *std::move(error);
+  tree.milestones_ = milestonesOf(tree.text());
   return tree;
 }
 
 Position Value::position() const {
-  return positionAt(tree_->text(), tree_->nodes_[index_].offset);
+  const std::size_t offset = tree_->nodes_[index_].offset;
+  const auto before = offset / milestone;
+  return positionAt(tree_->text(), offset, tree_->milestones_[before], before * milestone);
 }
 
 }  // namespace keyvora::json

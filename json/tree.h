@@ -54,7 +54,7 @@ class Value {
   /// How many elements or members a container has, duplicates counted; 0 for the rest.
   [[nodiscard]] std::size_t size() const;
 
-  /// Where its first character stands. Counts the lines before it: meant for the few values reported on.
+  /// Where its first character stands.
   [[nodiscard]] Position position() const;
 
   /// Its elements in order; empty unless an array.
@@ -119,6 +119,9 @@ class Tree {
   std::string converted_;
   std::string unescaped_;
   std::vector<Node> nodes_;
+  /// The places of every so many bytes of the text, so that a value's place takes no look at what is far
+  /// before it.
+  std::vector<Position> milestones_;
 };
 
 /// The elements of an array, for a range-based loop.

@@ -1,11 +1,18 @@
 #include <algorithm>
+#include <array>
+#include <ctime>
+#include <optional>
 #include <thread>
 #include <variant>
+#include <vector>
 
 #include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/file.h"
 #include "tools/follow.h"
+#include "tools/marked_text.h"
+#include "tools/on_path.h"
+#include "tools/wording.h"
 
 namespace keyvora::tools {
 namespace {
@@ -16,59 +23,116 @@ class Checker {
   Checker(const Options& options, const Streams& streams)
       : streams_(streams), strict_(options.has("--strict")), json_(options.has("--json")) {}
 
-  /// Whether errors were found, or anything at all in strict mode. `sayNothing` is what to say when there is
-  /// nothing to say.
-  bool operator()(const Source& source, std::string_view sayNothing = {}) const {
-    const auto findings = check(Document(source.bytes));
-    streams_.out << (json_ ? asJson(findings, source.name) : asText(findings, source.name));
-    if (findings.empty() && !json_) streams_.out << sayNothing;
+  /// Whether errors were found, or anything at all in strict mode. With `always` something is said when there
+  /// is nothing to say.
+  bool operator()(const Source& source, bool always) const {
+    const Document document(source.bytes);
+    const auto findings = check(document);
+    if (json_) {
+      streams_.out << asJson(findings, source.name);
+    } else if (streams_.terminal) {
+      streams_.out << asMarkedText(findings, source.name, source.bytes, streams_.terminal->colours);
+    } else {
+      streams_.out << asText(findings, source.name);
+    }
+    if (findings.empty() && !json_ && (always || streams_.terminal)) {
+      streams_.out << source.name << ": " << counted(document.entries().size(), "sequence")
+                   << ", nothing to report\n";
+    }
     streams_.out.flush();
+    if (!json_) tellWhatCannotRun(document, source.name);
     return std::ranges::any_of(
         findings, [this](const Finding& finding) { return strict_ || finding.severity == Severity::error; });
   }
 
+  /// Separates a check from the one before it.
+  void separate() const {
+    if (json_) return;
+    const auto now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    std::array<char, 16> time{};
+    std::strftime(time.data(), time.size(), "%H:%M:%S", &local);
+    streams_.out << "--- " << time.data() << "\n";
+  }
+
+  void tellThatItIsGone(const std::string& file) const {
+    if (json_) return;
+    separate();
+    streams_.out << file << ": is gone; waiting for it to come back\n";
+    streams_.out.flush();
+  }
+
  private:
+  /// Scripts and key tips need Excel for Mac. Not part of the findings: a document may serve two systems.
+  void tellWhatCannotRun(const Document& document, const std::string& name) const {
+    if (onPath("osascript")) return;
+    std::size_t scripts = 0;
+    std::size_t keyTips = 0;
+    for (const auto& entry : document.entries()) {
+      scripts += std::holds_alternative<action::AppleScript>(entry.sequence.action) ? 1 : 0;
+      keyTips += std::holds_alternative<action::KeyTips>(entry.sequence.action) ? 1 : 0;
+    }
+    if (scripts + keyTips == 0) return;
+    streams_.error << name << ": " << counted(scripts + keyTips, "action")
+                   << " cannot run here: " << counted(scripts, "script") << ", for want of osascript, and "
+                   << counted(keyTips, "sequence") << " of Excel's own key tips\n";
+  }
+
   const Streams& streams_;
   bool strict_;
   bool json_;
 };
 
 /// Until the user interrupts it or nobody reads on.
-int watch(const std::string& file, const Checker& checker, const Streams& streams) {
-  Follower follower(file);
+int watch(const std::vector<std::string>& files, const Checker& checker, const Streams& streams) {
+  std::vector<Follower> followers(files.begin(), files.end());
   while (streams.out) {
-    if (auto bytes = follower.changed()) {
-      checker({file, std::move(*bytes)}, file + ": nothing to report\n");
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      if (auto bytes = followers[i].changed()) {
+        checker.separate();
+        checker({files[i], std::move(*bytes)}, true);
+      } else if (followers[i].vanished()) {
+        checker.tellThatItIsGone(files[i]);
+      }
     }
     std::this_thread::sleep_for(followInterval);
   }
   return exit_status::done;
 }
 
+/// What to check when nothing is named: the user's own document, or what the user would get.
+std::variant<Source, Unreadable> readOne(const std::optional<std::string>& file, bool watches) {
+  if (file || !watches) return readDocument(file);
+  return Unreadable{"you have no document yet; name a file to watch"};
+}
+
 }  // namespace
 
 int checkCommand(const Options& options, const Streams& streams) {
-  auto file = options.operand(0);
-  if (!file) {
-    const auto own = userDocument();
-    if (!own) {
-      streams.error << complaint("you have no home directory; name a file");
-      return exit_status::failed;
-    }
-    file = own->string();
-  }
   const Checker checker(options, streams);
-  if (options.has("--watch") && file == "-") {
+  const bool watches = options.has("--watch");
+  std::vector<std::optional<std::string>> files(options.operands.begin(), options.operands.end());
+  if (files.empty()) files.push_back(watches ? ownDocumentThatExists() : std::nullopt);
+  if (watches && std::ranges::find(files, "-") != files.end()) {
     streams.error << complaint("--watch needs a file");
     return exit_status::failed;
   }
-  const auto read = readFile(*file);
-  if (const auto* unreadable = std::get_if<Unreadable>(&read)) {
-    streams.error << complaint(unreadable->message);
-    return exit_status::failed;
+  int status = exit_status::done;
+  std::vector<std::string> names;
+  for (const auto& file : files) {
+    const auto read = readOne(file, watches);
+    if (const auto* unreadable = std::get_if<Unreadable>(&read)) {
+      streams.error << complaint(unreadable->message);
+      status = exit_status::failed;
+      continue;
+    }
+    const auto& source = std::get<Source>(read);
+    names.push_back(source.name);
+    if (!watches && checker(source, false)) status = std::max(status, exit_status::no);
   }
-  if (options.has("--watch")) return watch(*file, checker, streams);
-  return checker(std::get<Source>(read)) ? exit_status::no : exit_status::done;
+  if (!watches || status == exit_status::failed) return status;
+  return watch(names, checker, streams);
 }
 
 }  // namespace keyvora::tools

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <variant>
+#include <vector>
 
 #include "tools/commands.h"
 #include "tools/embedded.h"
+#include "tools/spelling.h"
 
 namespace keyvora::tools {
 namespace {
@@ -16,7 +18,12 @@ const Command* find(std::string_view name) {
 }
 
 int unknown(const std::string& name, const Streams& streams) {
-  streams.error << complaint("unknown command " + name + "; try: keyvora-mappings help");
+  std::vector<std::string_view> names{"help", "version"};
+  for (const auto& command : commands()) names.push_back(command.name);
+  const auto meant = nearest(name, names);
+  streams.error << complaint(
+      "unknown command " + name + "; " +
+      (meant ? "did you mean " + std::string(*meant) + "?" : "try: keyvora-mappings help"));
   return exit_status::failed;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <ostream>
 #include <span>
 #include <string>
@@ -18,6 +19,11 @@ inline constexpr int no = 1;
 inline constexpr int failed = 2;
 }  // namespace exit_status
 
+/// A terminal at the other end of the output.
+struct Terminal {
+  bool colours = false;
+};
+
 /// What a command has to do with: where it writes what it was asked for and what went wrong, and the programs
 /// that run.
 struct Streams {
@@ -25,6 +31,8 @@ struct Streams {
   std::ostream& error;
   /// Null when no host is there to ask.
   HostMaker makeHost = nullptr;
+  /// None when the output goes to a file or to another program.
+  std::optional<Terminal> terminal = std::nullopt;
 };
 
 /// Carries out a command line (without the program's name) and returns the exit status. Main thread.

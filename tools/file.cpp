@@ -36,6 +36,13 @@ std::optional<std::filesystem::path> userDocument() {
   return *home / "Library/Application Support/keyvora/mappings.json";
 }
 
+std::optional<std::string> ownDocumentThatExists() {
+  const auto own = userDocument();
+  std::error_code ignored;
+  if (!own || !std::filesystem::exists(*own, ignored)) return std::nullopt;
+  return own->string();
+}
+
 std::variant<Source, Unreadable> readFile(const std::string& file) {
   if (file == "-") return Source{"<standard input>", bytesOf(std::cin)};
   std::error_code ignored;
@@ -50,9 +57,7 @@ std::variant<Source, Unreadable> readFile(const std::string& file) {
 
 std::variant<Source, Unreadable> readDocument(const std::optional<std::string>& file) {
   if (file) return readFile(*file);
-  const auto own = userDocument();
-  std::error_code ignored;
-  if (own && std::filesystem::exists(*own, ignored)) return readFile(own->string());
+  if (const auto own = ownDocumentThatExists()) return readFile(*own);
   return Source{"<default document>", std::string(embedded::defaultDocument)};
 }
 

@@ -21,6 +21,9 @@ struct Unreadable {
 /// Where the user's own document is, whether it exists or not; none for a user without a home directory.
 std::optional<std::filesystem::path> userDocument();
 
+/// The user's own document, if it exists.
+std::optional<std::string> ownDocumentThatExists();
+
 /// Reads a file whole; `-` is the standard input.
 std::variant<Source, Unreadable> readFile(const std::string& file);
 

@@ -11,11 +11,15 @@ namespace {
 /// A file changed less than this ago is read again: another save may have fallen on the same time stamp.
 constexpr std::chrono::seconds stampResolution{2};
 
+/// After so many looks in vain the file counts as gone: a second.
+constexpr int looksInVain = 5;
+
 }  // namespace
 
 std::optional<std::string> Follower::changed() {
   std::error_code failed;
   const auto time = std::filesystem::last_write_time(path_, failed);
+  looksWithoutIt_ = failed ? looksWithoutIt_ + 1 : 0;
   if (failed) return std::nullopt;
   const auto size = std::filesystem::file_size(path_, failed);
   if (failed) return std::nullopt;
@@ -28,6 +32,13 @@ std::optional<std::string> Follower::changed() {
   if (bytes_ == source->bytes || (bytes_ && source->bytes.empty())) return std::nullopt;
   bytes_ = std::move(source->bytes);
   return bytes_;
+}
+
+bool Follower::vanished() {
+  if (looksWithoutIt_ < looksInVain || !bytes_) return false;
+  bytes_.reset();
+  seen_.reset();
+  return true;
 }
 
 }  // namespace keyvora::tools

@@ -18,12 +18,17 @@ class Follower {
   /// is not there, or empty because it is being written, is waited for.
   std::optional<std::string> changed();
 
+  /// True once when the file has not been there for some looks in a row, after it was; a save that deletes it
+  /// first takes less time. It is waited for still, and given when it comes back, whatever its bytes.
+  bool vanished();
+
  private:
   using Time = std::filesystem::file_time_type;
 
   std::filesystem::path path_;
   std::optional<std::pair<Time, std::uintmax_t>> seen_;
   std::optional<std::string> bytes_;
+  int looksWithoutIt_ = 0;
 };
 
 /// How often to ask a `Follower`: soon enough to feel immediate, rare enough to cost nothing.

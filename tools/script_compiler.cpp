@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -13,18 +12,18 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <string_view>
 #include <system_error>
 #include <thread>
 
 #include "runner/runner.h"
+#include "tools/on_path.h"
 
 extern char** environ;
 
 namespace keyvora::tools {
 namespace {
 
-constexpr auto program = "osacompile";
+constexpr const char* program = "osacompile";
 
 /// The first one waits until the target has started and told its dictionary.
 constexpr std::chrono::seconds limit{60};
@@ -68,15 +67,7 @@ ScriptCompiler::~ScriptCompiler() {
 }
 
 bool ScriptCompiler::isThere() {
-  const char* path = std::getenv("PATH");
-  std::string_view rest = path == nullptr ? "" : path;
-  while (!rest.empty()) {
-    const auto end = rest.find(':');
-    const auto file = std::filesystem::path(rest.substr(0, end)) / program;
-    if (access(file.c_str(), X_OK) == 0) return true;
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-  }
-  return false;
+  return onPath(program);
 }
 
 std::optional<std::string> ScriptCompiler::fault(const std::string& script) const {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <set>
 
 #include "tests/tools/golden.h"
@@ -88,6 +89,21 @@ TEST(CheckTest, SortsByPlaceWhateverTheRuleThatFoundIt) {
   EXPECT_TRUE(std::ranges::is_sorted(findings, {}, [](const Finding& finding) {
     return std::pair(finding.position.line, finding.position.column);
   }));
+}
+
+/// Ten times the findings take ten times as long, and not a hundred times. The bound leaves room for
+/// sanitizers.
+TEST(CheckTest, TakesTimeInProportionToTheFindings) {
+  std::string bytes = "{\"version\": 1, \"tabs\": {}, \"sequences\": [\n";
+  constexpr std::size_t count = 20'000;
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes += R"({"keys": "A-)" + std::to_string(i) +
+             R"(", "name": "N", "action": {"kind": "keystroke", "key": "zzz"}})" +
+             (i + 1 < count ? ",\n" : "]}");
+  }
+  const auto start = std::clock();  // processor time: other programs do not count
+  EXPECT_EQ(check(Document(bytes)).size(), 2 * count);
+  EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 15.0);
 }
 
 TEST(CheckTest, WritesOneJsonObjectForPrograms) {

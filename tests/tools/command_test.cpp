@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <sstream>
 
 #include "tests/support/scratch_directory.h"
@@ -25,7 +27,7 @@ struct CommandTest : testing::Test {
   int run(const std::vector<std::string>& arguments) {
     out.str("");
     error.str("");
-    return tools::run(arguments, {out, error});
+    return tools::run(arguments, {out, error, nullptr, terminal});
   }
 
   /// The user's own document.
@@ -38,6 +40,7 @@ struct CommandTest : testing::Test {
   test::ScratchDirectory home;
   std::ostringstream out;
   std::ostringstream error;
+  std::optional<Terminal> terminal;
 };
 
 const std::string sound = R"({"version": 1, "tabs": {}, "sequences": [
@@ -66,11 +69,104 @@ TEST_F(CommandTest, WarningsCountOnlyWhenTheyAreAskedTo) {
 }
 
 TEST_F(CommandTest, ADocumentThatIsNotThereCannotBeChecked) {
-  EXPECT_EQ(run({"check"}), 2);
-  EXPECT_THAT(error.str(), HasSubstr("mappings.json: No such file or directory"));
+  EXPECT_EQ(run({"check", (home / "mine.json").string()}), 2);
+  EXPECT_THAT(error.str(), HasSubstr("mine.json: No such file or directory"));
   EXPECT_EQ(run({"check", home.path().string()}), 2);
   EXPECT_EQ(error.str(), "keyvora-mappings: " + home.path().string() + ": is a directory\n");
   EXPECT_THAT(out.str(), IsEmpty());
+  EXPECT_EQ(run({"check", "--watch"}), 2);
+  EXPECT_EQ(error.str(), "keyvora-mappings: you have no document yet; name a file to watch\n");
+}
+
+TEST_F(CommandTest, ChecksTheDefaultDocumentUntilTheUserHasOne) {
+  terminal = Terminal{};
+  EXPECT_EQ(run({"check"}), 0);
+  EXPECT_THAT(out.str(), testing::MatchesRegex("<default document>: [0-9]+ sequences, nothing to report\n"));
+}
+
+TEST_F(CommandTest, ChecksSeveralFilesAndEndsWithTheWorst) {
+  const auto file = [this](const std::string& name, const std::string& bytes) {
+    test::write(home / name, bytes);
+    return (home / name).string();
+  };
+  const auto good = file("good.json", sound);
+  const auto bad = file("bad.json", "{");
+  EXPECT_EQ(run({"check", good, good}), 0);
+  EXPECT_EQ(run({"check", bad, good, file("odd.json", surprising)}), 1);
+  EXPECT_THAT(out.str(), HasSubstr("bad.json:1:2: error: "));
+  EXPECT_THAT(out.str(), HasSubstr("odd.json:2:12: warning: "));
+  EXPECT_EQ(run({"check", home / "none.json", bad}), 2);
+  EXPECT_THAT(out.str(), HasSubstr("bad.json:1:2: error: "));
+  EXPECT_EQ(run({"check", "--json", good, good}), 0);
+  EXPECT_EQ(std::ranges::count(out.str(), '\n'), 2);
+}
+
+TEST_F(CommandTest, ATerminalGetsALineOfSuccess) {
+  write(sound);
+  terminal = Terminal{};
+  EXPECT_EQ(run({"check"}), 0);
+  EXPECT_THAT(out.str(), HasSubstr("mappings.json: 1 sequence, nothing to report\n"));
+  EXPECT_EQ(run({"check", "--json"}), 0);
+  EXPECT_THAT(out.str(), StartsWith("{"));
+}
+
+TEST_F(CommandTest, ATerminalGetsTheLineWithACaretAndColoursWhereItHasThem) {
+  write(surprising);
+  terminal = Terminal{};
+  EXPECT_EQ(run({"check"}), 0);
+  const auto plain = out.str();
+  EXPECT_THAT(plain,
+              HasSubstr("  2 |   {\"keys\": \"Q-\", \"name\": \"Mine\", \"action\": {\"kind\": \"menu\","
+                        " \"path\": [\"A\"]}}]}\n"
+                        "    |            ^\n"));
+  terminal = Terminal{true};
+  EXPECT_EQ(run({"check"}), 0);
+  EXPECT_THAT(out.str(), HasSubstr("\x1B[1;35mwarning:\x1B[0m sequences[0].keys: no key produces"));
+  EXPECT_THAT(out.str(), HasSubstr("\x1B[1;32m^\x1B[0m\n"));
+}
+
+TEST_F(CommandTest, ATerminalGetsNothingThatItWouldTakeForACommand) {
+  terminal = Terminal{};
+  write(
+      "{\"a\x1B[2J\xC2\x9B"
+      "1m\t\": 1}");
+  EXPECT_EQ(run({"check"}), 1);
+  EXPECT_THAT(out.str(), testing::Not(HasSubstr("\x1B")));
+  EXPECT_THAT(out.str(), testing::Not(HasSubstr("\xC2\x9B")));
+}
+
+TEST_F(CommandTest, ALongLineIsCutToThePlace) {
+  terminal = Terminal{};
+  write(R"({"version": 1, "tabs": {}, "notes": [")" + std::string(500, 'x') + R"("], "sequences": 7})");
+  EXPECT_EQ(run({"check"}), 1);
+  std::istringstream lines(out.str());
+  std::string finding;
+  std::string line;
+  std::string caret;
+  std::getline(lines, finding);
+  std::getline(lines, line);
+  std::getline(lines, caret);
+  EXPECT_LT(line.size(), 120U);
+  EXPECT_THAT(line, HasSubstr("| …xxx"));
+  // The cut's mark takes three bytes and one column.
+  EXPECT_EQ(line.at(caret.find('^') + 2), '7') << line << "\n" << caret;
+}
+
+TEST_F(CommandTest, SaysHowManyActionsCannotRunWithoutAMac) {
+  const std::string path = std::getenv("PATH");
+  write(R"({"version": 1, "tabs": {}, "sequences": [
+    {"keys": "A", "name": "Script", "action": {"kind": "applescript", "script": "activate"}},
+    {"keys": "B", "name": "Tips", "action": {"kind": "keytips", "keys": "HH"}},
+    {"keys": "C", "name": "Menu", "action": {"kind": "menu", "path": ["A"]}}]})");
+  setenv("PATH", home.path().c_str(), 1);
+  EXPECT_EQ(run({"check", "--strict"}), 0);
+  EXPECT_THAT(error.str(),
+              HasSubstr("mappings.json: 2 actions cannot run here: 1 script, for want of osascript, "
+                        "and 1 sequence of Excel's own key tips\n"));
+  std::filesystem::create_symlink("/bin/sh", home / "osascript");
+  EXPECT_EQ(run({"check", "--strict"}), 0);
+  EXPECT_THAT(error.str(), IsEmpty());
+  setenv("PATH", path.c_str(), 1);
 }
 
 TEST_F(CommandTest, OtherCommandsTakeTheDefaultDocumentUntilTheUserHasOne) {
@@ -124,7 +220,9 @@ TEST_F(CommandTest, WrongUsageSaysWhatAndHowToGoOn) {
       {{"frob"}, "unknown command frob; try: keyvora-mappings help"},
       {{"check", "--fast"}, "unknown option --fast; try: keyvora-mappings help check"},
       {{"check", "--json=1"}, "option --json takes no value; try: keyvora-mappings help check"},
-      {{"check", "a", "b"}, "too many arguments: b; try: keyvora-mappings help check"},
+      {{"list", "a", "b"}, "too many arguments: b; try: keyvora-mappings help list"},
+      {{"chekc"}, "unknown command chekc; did you mean check?"},
+      {{"help", "ls"}, "unknown command ls; try: keyvora-mappings help"},
       {{"list", "--tab"}, "option --tab needs a value; try: keyvora-mappings help list"},
       {{"explain"}, "an argument is missing; try: keyvora-mappings help explain"},
       {{"explain", "H-F"}, "no key produces \"-\"; only letters and digits can be typed"},

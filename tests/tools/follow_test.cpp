@@ -37,6 +37,23 @@ TEST_F(FollowTest, FollowsARenamingAndADeletion) {
   EXPECT_EQ(follower.changed(), "three");
 }
 
+TEST_F(FollowTest, SaysOnceThatAFileIsGoneForGood) {
+  write(file, "one");
+  Follower follower(file);
+  follower.changed();
+  std::filesystem::remove(file);
+  EXPECT_EQ(follower.changed(), std::nullopt);
+  EXPECT_FALSE(follower.vanished());  // a save may delete it first
+  int said = 0;
+  for (int look = 0; look < 20; ++look) {
+    EXPECT_EQ(follower.changed(), std::nullopt);
+    said += follower.vanished() ? 1 : 0;
+  }
+  EXPECT_EQ(said, 1);
+  write(file, "one");
+  EXPECT_EQ(follower.changed(), "one");
+}
+
 TEST_F(FollowTest, ASaveThatChangesNothingIsNone) {
   write(file, "one");
   Follower follower(file);

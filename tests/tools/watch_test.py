@@ -31,6 +31,7 @@ class Watch(unittest.TestCase):
         threading.Thread(target=lambda: [self.lines.put(line) for line in self.process.stdout], daemon=True).start()
 
     def expect(self, text):
+        self.assertRegex(self.lines.get(timeout=LIMIT), r"^--- [0-2][0-9]:[0-5][0-9]:[0-6][0-9]\n$")
         self.assertEqual(self.lines.get(timeout=LIMIT), f"{self.file}:{text}\n")
 
     def save_by_rename(self, text):
@@ -45,14 +46,31 @@ class Watch(unittest.TestCase):
                    "letter cannot be typed; write 1500, or leave the field out")
         self.expect(warning)
         self.file.write_text(SOUND)
-        self.expect(" nothing to report")
+        self.expect(" 0 sequences, nothing to report")
         self.save_by_rename("{")
         self.expect("1:2: error: not valid JSON: expected a key in double quotes, found the end of the document")
         self.save_by_rename(SURPRISING)
         self.expect(warning)
         self.file.unlink()
         self.file.write_text(SOUND)
-        self.expect(" nothing to report")
+        self.expect(" 0 sequences, nothing to report")
+
+    def test_a_file_that_vanishes_is_waited_for(self):
+        self.file.write_text(SOUND)
+        self.start()
+        self.expect(" 0 sequences, nothing to report")
+        self.file.unlink()
+        self.expect(" is gone; waiting for it to come back")
+        self.file.write_text(SOUND)
+        self.expect(" 0 sequences, nothing to report")
+
+    def test_several_files_are_watched(self):
+        other = self.file.with_name("other.json")
+        other.write_text(SOUND)
+        self.file.write_text(SOUND)
+        self.start(str(other))
+        lines = {self.lines.get(timeout=LIMIT) for _ in range(4)}
+        self.assertLessEqual({f"{each}: 0 sequences, nothing to report\n" for each in (self.file, other)}, lines)
 
     def test_programs_get_an_object_for_each_check(self):
         self.file.write_text(SOUND)
