@@ -34,8 +34,8 @@ class Element {
  public:
   virtual ~Element() = default;
 
-  /// Attributes bear their names on macOS. "AXKeyShortcutsValue" is the shortcut that a menu item shows, where
-  /// the platform tells it: "command+shift+v", modifiers and keys as mapping documents name them.
+  /// Attributes bear their names on macOS. "AXKeyShortcutsValue" is the shortcut that a menu item shows,
+  /// where the platform tells it: "command+shift+v", modifiers and keys as mapping documents name them.
   virtual AttributeAnswer attribute(std::string_view name) = 0;
 
   /// Performs an action such as "AXPress"; returns the error code.
