@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
+#include <mutex>
 #include <utility>
 
 namespace keyvora::x11 {
@@ -123,7 +125,55 @@ class ScheduledTimer final : public platform::Timer {
 
 }  // namespace
 
-MainLoop::MainLoop() : timing_(std::make_shared<Timing>()) {}
+/// The blocks that wait for their moment, from any thread. One runs in a turn of the loop, however many are
+/// due: a key that came meanwhile goes before the next.
+class MainLoop::Agenda {
+ public:
+  Agenda() : source_(attach(never, run, this, nullptr)) {
+    g_source_set_can_recurse(source_, TRUE);  // a block may run the loop
+  }
+  ~Agenda() {
+    g_source_destroy(source_);
+    g_source_unref(source_);
+  }
+  Agenda(const Agenda&) = delete;
+  Agenda& operator=(const Agenda&) = delete;
+
+  void add(Microseconds due, std::function<void()> block) {
+    const std::scoped_lock lock(mutex_);
+    blocks_.emplace(due, std::move(block));
+    awaitNext();
+  }
+
+ private:
+  /// By the moment at which they are due; those of one moment in the order in which they came.
+  using Blocks = std::multimap<Microseconds, std::function<void()>>;
+
+  static gboolean run(gpointer agenda) {
+    static_cast<Agenda*>(agenda)->runFirst();
+    return G_SOURCE_CONTINUE;
+  }
+
+  void runFirst() {
+    const auto first = takeFirst();
+    first.mapped()();
+  }
+
+  Blocks::node_type takeFirst() {
+    const std::scoped_lock lock(mutex_);
+    auto first = blocks_.extract(blocks_.begin());
+    awaitNext();
+    return first;
+  }
+
+  void awaitNext() { g_source_set_ready_time(source_, blocks_.empty() ? never : blocks_.begin()->first); }
+
+  std::mutex mutex_;
+  Blocks blocks_;
+  GSource* source_;
+};
+
+MainLoop::MainLoop() : timing_(std::make_shared<Timing>()), agenda_(std::make_unique<Agenda>()) {}
 
 MainLoop::~MainLoop() = default;
 
@@ -137,13 +187,7 @@ std::unique_ptr<platform::Timer> MainLoop::schedule(platform::Seconds interval, 
 }
 
 void MainLoop::after(platform::Seconds delay, std::function<void()> block) {
-  const auto run = [](gpointer data) -> gboolean {
-    (*static_cast<std::function<void()>*>(data))();
-    return G_SOURCE_REMOVE;
-  };
-  const auto destroy = [](gpointer data) { delete static_cast<std::function<void()>*>(data); };
-  g_source_unref(attach(g_get_monotonic_time() + toMicroseconds(delay), run,
-                        new std::function<void()>(std::move(block)), destroy));
+  agenda_->add(g_get_monotonic_time() + toMicroseconds(delay), std::move(block));
 }
 
 void MainLoop::beginTracking() {

@@ -29,9 +29,12 @@ class MainLoop final : public platform::MainLoop {
   class Timing;
 
  private:
+  class Agenda;
+
   std::thread::id mainThread_ = std::this_thread::get_id();
   /// Shared with the timers, which may be kept longer than the loop.
   std::shared_ptr<Timing> timing_;
+  std::unique_ptr<Agenda> agenda_;
 };
 
 }  // namespace keyvora::x11

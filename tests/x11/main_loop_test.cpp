@@ -1,5 +1,6 @@
 #include "hosts/x11/main_loop.h"
 
+#include <glib.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -8,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "hosts/x11/glib_source.h"
+#include "hosts/x11/keyboard/wakeup.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {
@@ -170,6 +173,43 @@ TEST_F(MainLoopTest, ATimerThatWaitsForAMenuCanStillBeInvalidated) {
   loop.after(soon, note("end"));
   ASSERT_TRUE(awaitCount(2));
   EXPECT_EQ(fired, (std::vector<std::string>{"after", "end"}));
+}
+
+TEST_F(MainLoopTest, AKeyGoesBeforeTheNextOfTheBlocksThatAreDueTogether) {
+  const Wakeup key;
+  const ReadableSource keyboard(key.fileDescriptor(), G_PRIORITY_HIGH, [&] {
+    key.clear();
+    fired.emplace_back("key");
+  });
+  for (const int block : {1, 2, 3}) {
+    loop.after({}, [&, block] {
+      fired.push_back(std::to_string(block));
+      if (block < 3) key.signal();
+    });
+  }
+  ASSERT_TRUE(awaitCount(5));
+  EXPECT_EQ(fired, (std::vector<std::string>{"1", "key", "2", "key", "3"}));
+}
+
+TEST_F(MainLoopTest, ABlockThatRunsTheLoopLetsTheOthersRunMeanwhile) {
+  loop.after({}, [&] {
+    EXPECT_TRUE(awaitCount(1));
+    fired.emplace_back("outer");
+  });
+  loop.after({}, note("inner"));
+  ASSERT_TRUE(awaitCount(2));
+  EXPECT_EQ(fired, (std::vector<std::string>{"inner", "outer"}));
+}
+
+TEST_F(MainLoopTest, BlocksThatAreNotDueGoWithTheLoop) {
+  auto other = std::make_unique<MainLoop>();
+  const auto held = std::make_shared<int>(0);
+  other->after(soon, [held] { ADD_FAILURE() << "its loop is gone"; });
+  EXPECT_EQ(held.use_count(), 2);
+  other.reset();
+  EXPECT_EQ(held.use_count(), 1);
+  loop.after(3 * soon, note("later"));
+  ASSERT_TRUE(awaitCount(1));
 }
 
 TEST_F(MainLoopTest, AfterTakesBlocksFromAnyThreadAndRunsThemOnTheMainThread) {

@@ -2,11 +2,18 @@
 
 import json
 import os
+import threading
+import time
+from pathlib import Path
 
 from harness.keyvora import Document
 from harness.waiting import stays, until
 
 from .desktop_test import DOCUMENT, DesktopTest
+
+# Writes a second, and sequences typed meanwhile.
+STREAM = 2000
+TIMES = 30
 
 
 def document_of(count: int) -> Document:
@@ -14,6 +21,35 @@ def document_of(count: int) -> Document:
     sequences = [{"keys": f"Q{number}", "name": "none", "action": {"kind": "keytips", "keys": "A"}}
                  for number in range(count - len(DOCUMENT["sequences"]))]
     return DOCUMENT | {"sequences": [*DOCUMENT["sequences"], *sequences]}
+
+
+class Writer(threading.Thread):
+    """Writes the same text over a file again and again, `STREAM` times a second on average."""
+
+    def __init__(self, path: Path, text: str) -> None:
+        super().__init__()
+        self.path = path
+        self.text = text.encode()
+        self.writes = 0
+        self.seconds = 0.0
+        self.ending = threading.Event()
+
+    def run(self) -> None:
+        start = time.monotonic()
+        with self.path.open("wb", buffering=0) as file:
+            while not self.ending.wait(1 / STREAM):
+                self.seconds = time.monotonic() - start
+                while self.writes < STREAM * self.seconds:
+                    os.pwrite(file.fileno(), self.text, 0)
+                    self.writes += 1
+
+    def __enter__(self) -> "Writer":
+        self.start()
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        self.ending.set()
+        self.join()
 
 
 class Watch(DesktopTest):
@@ -45,12 +81,23 @@ class Watch(DesktopTest):
         for count in range(5, 105):
             self.keyvora.write(document_of(count))
         self.expect_reload(104)
-        # Every save noticed is a reload of its own, and keys wait behind those that fall due together.
+        # Every save noticed is a reload of its own; the last one comes last.
         self.wait_for_quiet()
         self.typist.tap("Option", "q", "9", "9")
         self.keyvora.log.wait("Q99  none (keytips A)")
         self.assertEqual("mappings reloaded, 104 sequences",
                          [line for line in self.keyvora.log.messages() if "reloaded" in line][-1])
+
+    def test_a_stream_of_writes_loses_no_sequence(self) -> None:
+        """The file is written 2,000 times a second while sequences are typed."""
+        self.typist.tap("k")
+        with Writer(self.keyvora.mappings, json.dumps(DOCUMENT)) as writer:
+            until(lambda: writer.writes > STREAM, "the stream")
+            for _ in range(TIMES):
+                self.typist.tap("Option", "h", "f", "a")
+            self.expect_input("k" + "xa" * TIMES, 60)
+        self.assertGreaterEqual(writer.writes, STREAM * writer.seconds * 0.9)
+        self.keyvora.log.wait("HF  Type x (keystroke)", TIMES)
 
     def test_a_broken_edit_keeps_the_last_good_document(self) -> None:
         self.keyvora.mappings.write_text('{"version": 1,')
