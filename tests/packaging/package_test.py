@@ -13,6 +13,7 @@ import sys
 import tempfile
 import time
 import unittest
+from xml.etree import ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tests/app/updates"))
@@ -21,6 +22,8 @@ from installation import Display  # noqa: E402
 CMAKE = pathlib.Path(sys.argv.pop(1))
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
 PATIENCE = 60  # seconds until a test gives up
+
+METADATA = ROOT / "packaging/linux/org.keyvora.keyvora.metainfo.xml"
 
 # Below the prefix, besides what comes with keyvora-mappings.
 INSTALLED = {
@@ -33,6 +36,7 @@ INSTALLED = {
     "share/keyvora/keyvora_keyvora.bundle/gnumeric.json",
     "share/keyvora/keyvora_keyvora.bundle/mappings.json",
     "share/man/man1/keyvora.1",
+    "share/metainfo/org.keyvora.keyvora.metainfo.xml",
 }
 
 
@@ -152,6 +156,20 @@ class Package(unittest.TestCase):
     @unittest.skipUnless(shutil.which("desktop-file-validate"), "desktop-file-utils checks the entry")
     def test_the_desktop_entry_is_valid(self):
         run("desktop-file-validate", ROOT / "packaging/linux/org.keyvora.keyvora.desktop")
+
+    @unittest.skipUnless(shutil.which("appstreamcli"), "appstream checks the metadata")
+    def test_what_software_centres_show_is_valid(self):
+        run("appstreamcli", "validate", "--no-net", METADATA)
+
+    def test_software_centres_know_this_version_and_its_desktop_entry(self):
+        component = ElementTree.parse(METADATA).getroot()
+        with (BUILD / "app/Info.plist").open("rb") as file:
+            version = plistlib.load(file)["CFBundleShortVersionString"]
+        self.assertEqual(component.find("releases/release").get("version"), version)
+        entry = component.findtext("launchable[@type='desktop-id']")
+        self.assertTrue((ROOT / "packaging/linux" / entry).is_file())
+        for image in component.iterfind("screenshots/screenshot/image"):
+            self.assertTrue((ROOT / "docs/images" / image.text.rsplit("/", 1)[1]).is_file(), image.text)
 
 
 if __name__ == "__main__":

@@ -159,7 +159,7 @@ CASES: dict[str, Case] = {
     "WVG": Case(view("ShowGrid", "false")),
     "WVH": Case(view("HasColumnRowHeaders", "false")),
     "WQ": Case(Window("Zoom.*")),
-    "WN": Case(Window(".* : 2 . .*")),
+    "WN": Case(Window(".* : 2 - .*")),
     "WFF": Case(view("HorizontalSplitMode", "2")),
     "WFR": Case(view("VerticalSplitMode", "2")),
     "WFC": Case(view("HorizontalSplitMode", "2")),
