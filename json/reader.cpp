@@ -280,10 +280,13 @@ std::variant<Tree, SyntaxError> Tree::parse(std::string_view bytes) {
   return tree;
 }
 
+std::size_t Value::offset() const {
+  return tree_->nodes_[index_].offset;
+}
+
 Position Value::position() const {
-  const std::size_t offset = tree_->nodes_[index_].offset;
-  const auto before = offset / milestone;
-  return positionAt(tree_->text(), offset, tree_->milestones_[before], before * milestone);
+  const auto before = offset() / milestone;
+  return positionAt(tree_->text(), offset(), tree_->milestones_[before], before * milestone);
 }
 
 }  // namespace keyvora::json

@@ -57,6 +57,9 @@ class Value {
   /// Where its first character stands.
   [[nodiscard]] Position position() const;
 
+  /// The same in bytes, in the document as UTF-8 without a byte-order mark.
+  [[nodiscard]] std::size_t offset() const;
+
   /// Its elements in order; empty unless an array.
   [[nodiscard]] Elements elements() const;
 

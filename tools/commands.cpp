@@ -51,6 +51,29 @@ std::span<const Command> commands() {
        "Exit status: 0 when nothing is missing, 1 when something is, 2 without a program to ask.\n",
        {{"--all"}, {}, 0, 1},
        rehearseCommand},
+      {"use",
+       "calc | gnumeric | excel",
+       "Put a document that comes with keyvora in place of yours, with a backup.",
+       "Exit status: 0 when it is there, 2 when it could not be put there.\n",
+       {{}, {}, 1, 1},
+       useCommand},
+      {"diff",
+       "[FILE] [--from NAME]",
+       "Say what is new and mended in keyvora's document since yours came.",
+       "  --from NAME  compare with the document for calc, gnumeric or excel, and not with the likeliest\n"
+       "new: update brings it. mended: you have it as it came once, and update brings it as it is now.\n"
+       "yours: you changed it, and it stays.\n"
+       "Exit status: 0 when there is nothing new or mended, 1 when there is, 2 when it cannot be said.\n",
+       {{}, {"--from"}, 0, 1},
+       diffCommand},
+      {"update",
+       "[FILE] [--from NAME]",
+       "Bring what diff says into your document, with a backup.",
+       "  --from NAME  compare with the document for calc, gnumeric or excel, and not with the likeliest\n"
+       "Order, layout, fields of your own and line ends stay. What you took out stays out.\n"
+       "Exit status: 0 when it is done, 2 when it could not be.\n",
+       {{}, {"--from"}, 0, 1},
+       updateCommand},
       {"schema", "", "Write the JSON schema of mapping documents, for editors.", "", {}, schemaCommand},
   };
   return all;

@@ -29,6 +29,9 @@ int explainCommand(const Options& options, const Streams& streams);
 int listCommand(const Options& options, const Streams& streams);
 int cheatsheetCommand(const Options& options, const Streams& streams);
 int rehearseCommand(const Options& options, const Streams& streams);
+int useCommand(const Options& options, const Streams& streams);
+int diffCommand(const Options& options, const Streams& streams);
+int updateCommand(const Options& options, const Streams& streams);
 int schemaCommand(const Options& options, const Streams& streams);
 
 /// What the program tells about itself, and about one command.

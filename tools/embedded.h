@@ -5,8 +5,15 @@
 /// Files of the project that are part of the program, put there by the build.
 namespace keyvora::tools::embedded {
 
-/// resources/mappings.json: the document that a new user starts with.
+/// resources/mappings.json: the document for Excel, which a new user starts with.
 extern const std::string_view defaultDocument;
+
+/// resources/calc.json and resources/gnumeric.json.
+extern const std::string_view calcDocument;
+extern const std::string_view gnumericDocument;
+
+/// resources/shipped.txt: every entry that these ever had.
+extern const std::string_view shippedEntries;
 
 /// resources/mappings.schema.json.
 extern const std::string_view schema;

@@ -3,21 +3,28 @@ _keyvora_mappings() {
   local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]-} options=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse cheatsheet schema help version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse use diff update cheatsheet schema help version' -- "$word")
     return
   fi
   case $command in
     check) options='--watch --strict --json' ;;
     list) options='--tab' ;;
     rehearse) options='--all' ;;
+    diff | update) options='--from' ;;
+    use)
+      mapfile -t COMPREPLY < <(compgen -W 'calc gnumeric excel' -- "$word")
+      return
+      ;;
     cheatsheet) options='--html --markdown' ;;
     help)
-      mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse cheatsheet schema' -- "$word")
+      mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse use diff update cheatsheet schema' -- "$word")
       return
       ;;
     schema | version) return ;;
   esac
-  if [[ $word == -* ]]; then
+  if [[ ${COMP_WORDS[COMP_CWORD - 1]} == --from ]]; then
+    mapfile -t COMPREPLY < <(compgen -W 'calc gnumeric excel' -- "$word")
+  elif [[ $word == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options --help" -- "$word")
   elif [[ ${COMP_WORDS[COMP_CWORD - 1]} != --tab ]] && ! [[ $command == explain && $COMP_CWORD -eq 2 ]]; then
     mapfile -t COMPREPLY < <(compgen -f -- "$word")
