@@ -1,16 +1,16 @@
 #include "hosts/posix/serial_queue.h"
 
+#include <system_error>
 #include <utility>
 
 #include "hosts/posix/thread.h"
 
 namespace keyvora::posix {
 
-SerialQueue::SerialQueue(std::string label)
-    : thread_([this, label = std::move(label)] {
-        prepareThread(label);
-        run();
-      }) {}
+SerialQueue::SerialQueue(std::string label) : label_(std::move(label)) {
+  const std::scoped_lock lock(mutex_);
+  start();
+}
 
 SerialQueue::~SerialQueue() {
   {
@@ -18,7 +18,7 @@ SerialQueue::~SerialQueue() {
     isStopping_ = true;
   }
   hasWork_.notify_one();
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
 }
 
 void SerialQueue::async(std::function<void()> work) {
@@ -26,13 +26,29 @@ void SerialQueue::async(std::function<void()> work) {
     const std::scoped_lock lock(mutex_);
     waiting_.push_back(std::move(work));
     ++submitted_;
+    start();
   }
   hasWork_.notify_one();
 }
 
 bool SerialQueue::drain(std::chrono::milliseconds limit) {
   std::unique_lock lock(mutex_);
+  if (!start()) return ran_ == submitted_;
   return hasRun_.wait_for(lock, limit, [this, until = submitted_] { return ran_ >= until; });
+}
+
+/// Whether there is a thread. Under the lock.
+bool SerialQueue::start() {
+  if (thread_.joinable()) return true;
+  try {
+    thread_ = std::thread([this] {
+      prepareThread(label_);
+      run();
+    });
+  } catch (const std::system_error&) {
+    return false;
+  }
+  return true;
 }
 
 void SerialQueue::run() {

@@ -11,7 +11,8 @@
 namespace keyvora::posix {
 
 /// A thread that runs what it is given, one piece after another, and sleeps in between. Destroying it drops
-/// what has not begun, and waits for what has.
+/// what has not begun, and waits for what has. Where the system has no thread to give, work waits for the
+/// next piece or drain, which asks again.
 class SerialQueue final : public platform::SerialQueue {
  public:
   explicit SerialQueue(std::string label);
@@ -25,8 +26,10 @@ class SerialQueue final : public platform::SerialQueue {
   bool drain(std::chrono::milliseconds limit) override;
 
  private:
+  bool start();
   void run();
 
+  std::string label_;
   std::mutex mutex_;
   std::condition_variable hasWork_;
   std::condition_variable hasRun_;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <stop_token>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -138,18 +139,28 @@ class ThreadedFetch final : public appcast::Fetch {
   ThreadedFetch(platform::MainLoop& mainLoop, const std::string& address, const appcast::FetchLimits& limits,
                 Done done)
       : done_(std::make_shared<Done>(std::move(done))), transfer_(address, limits) {
-    thread_ = std::jthread(
-        [&mainLoop, &transfer = transfer_, done = std::weak_ptr(done_)](const std::stop_token& stop) {
-          const std::stop_callback wake(stop, [&transfer] { transfer.wake(); });
-          auto fetched = transfer.run(stop);
-          mainLoop.after(platform::Seconds::zero(), [done, fetched = std::move(fetched)] {
-            // Held for the call: it may destroy the fetch, and with it the last reference.
-            if (const auto waiting = done.lock()) (*waiting)(fetched);
+    try {
+      thread_ = std::jthread(
+          [&mainLoop, &transfer = transfer_, done = std::weak_ptr(done_)](const std::stop_token& stop) {
+            const std::stop_callback wake(stop, [&transfer] { transfer.wake(); });
+            answer(mainLoop, done, transfer.run(stop));
           });
-        });
+    } catch (const std::system_error& error) {
+      appcast::Fetched nothing;
+      nothing.address = address;
+      nothing.error = "no thread can be started for it: " + error.code().message();
+      answer(mainLoop, done_, std::move(nothing));
+    }
   }
 
  private:
+  static void answer(platform::MainLoop& mainLoop, std::weak_ptr<Done> done, appcast::Fetched fetched) {
+    mainLoop.after(platform::Seconds::zero(), [done = std::move(done), fetched = std::move(fetched)] {
+      // Held for the call: it may destroy the fetch, and with it the last reference.
+      if (const auto waiting = done.lock()) (*waiting)(fetched);
+    });
+  }
+
   /// Main thread. Gone once the fetch is cancelled.
   std::shared_ptr<Done> done_;
   Transfer transfer_;
