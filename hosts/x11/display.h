@@ -74,11 +74,6 @@ void setDisplayLossHandler(std::function<void()> handler);
 /// opened and has XInput 2.2 or later, XTEST and XKB. Asks the server anew each time. Any thread.
 std::optional<std::string> displayProblem(const std::string& displayName);
 
-/// Whether everything that the host needs of the display is there.
-inline bool displayAvailable(const std::string& displayName) {
-  return !displayProblem(displayName);
-}
-
 /// Announces to the server that this connection speaks XInput 2.2, the version that brought raw events which
 /// tell the device they come from. Gives the extension's opcode; none when the server's version is older.
 std::optional<int> xinputOpcode(Display* display);

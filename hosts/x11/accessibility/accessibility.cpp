@@ -1,5 +1,6 @@
 #include "hosts/x11/accessibility/accessibility.h"
 
+#include <X11/Xlib.h>
 #include <gio/gio.h>
 
 #include <cstdlib>
@@ -32,16 +33,24 @@ bool hasAccessibilityBus() {
 }  // namespace
 
 bool Accessibility::isTrusted() {
-  return displayAvailable("");
+  return !problem();
 }
 
 bool Accessibility::isTrustedPrompting() {
   if (!hasAccessibilityBus()) {
     notices_.say("There is no accessibility bus: menu actions do not work, all others do.");
   }
-  const auto problem = displayProblem("");
-  if (problem) notices_.say(*problem + " Key sequences do not work, the menu and updates do.");
-  return !problem;
+  const auto missing = problem();
+  if (missing) notices_.say(*missing + " Key sequences do not work, the menu and updates do.");
+  return !missing;
+}
+
+std::optional<std::string> Accessibility::problem() {
+  const std::string display = XDisplayName(nullptr);
+  if (!display.empty() && display == goodDisplay_) return std::nullopt;
+  auto missing = displayProblem(display);
+  if (!missing) goodDisplay_ = display;
+  return missing;
 }
 
 platform::ElementRef Accessibility::application(platform::ProcessIdentifier process) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "hosts/x11/applications/applications.h"
 #include "hosts/x11/notices.h"
 #include "platform/accessibility.h"
@@ -16,7 +19,8 @@ class Accessibility final : public platform::Accessibility {
   Accessibility(Notices& notices, Applications& applications, CurrentTap& tap)
       : notices_(notices), applications_(applications), tap_(tap) {}
 
-  /// What stands for the user's permission: a display on which the tap can work. Nobody is asked for it.
+  /// What stands for the user's permission: a display on which the tap can work. Nobody is asked for it. The
+  /// server is asked until it is there; keyvora ends with a display that it has, so the answer stays.
   bool isTrusted() override;
 
   /// Says what is missing, here and on the accessibility bus.
@@ -25,9 +29,13 @@ class Accessibility final : public platform::Accessibility {
   platform::ElementRef application(platform::ProcessIdentifier process) override;
 
  private:
+  std::optional<std::string> problem();
+
   Notices& notices_;
   Applications& applications_;
   CurrentTap& tap_;
+  /// The display that was found good; none before.
+  std::string goodDisplay_;
 };
 
 }  // namespace keyvora::x11

@@ -268,5 +268,21 @@ TEST_F(AccessibilityTest, TrustIsADisplayThatTheTapCanWorkOn) {
                 "the menu and updates do."});
 }
 
+TEST(AccessibilityTrust, IsAskedOfTheServerUntilItIsThereAndNotAgain) {
+  RecordingConsole console;
+  Notices notices(console);
+  CurrentTap tap;
+  TargetWindow targetWindow;
+  Applications applications("", targetWindow);
+  Accessibility accessibility(notices, applications, tap);
+  PrivateDisplay display;
+  const Variable late("DISPLAY", ":4711");
+  EXPECT_FALSE(accessibility.isTrusted());
+  const Variable there("DISPLAY", display.name());
+  EXPECT_TRUE(accessibility.isTrusted());
+  display.endServer();
+  EXPECT_TRUE(accessibility.isTrusted()) << "it connects no more";
+}
+
 }  // namespace
 }  // namespace keyvora::x11
