@@ -54,4 +54,4 @@ def percentiles(values: list[float]) -> tuple[float, float, float]:
 def in_milliseconds(seconds: list[float]) -> str:
     """The percentiles of what was taken in seconds, for a person."""
     p50, p95, p99 = (value * 1000 for value in percentiles(seconds))
-    return f"p50 {p50:.1f} ms, p95 {p95:.1f} ms, p99 {p99:.1f} ms, {len(seconds)} times"
+    return f"p50 {p50:.2f} ms, p95 {p95:.2f} ms, p99 {p99:.2f} ms, {len(seconds)} times"

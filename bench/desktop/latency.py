@@ -2,9 +2,11 @@
 
 import argparse
 import time
+from pathlib import Path
 
 from console import DOCUMENT, Console, mappings, in_milliseconds
 from harness.private_desktop import PrivateDesktop
+from harness.process import counts
 
 STARTS = 30
 SAVES = 100
@@ -29,11 +31,23 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     times = []
     with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
         keyvora.wait("tap installed, ")
+        process = keyvora.process.pid
+        processor, main = [], []
         for _ in range(SAVES):
+            before, main_before = counts(process).processor, main_thread(process)
             beside = path.with_suffix(".new")
             beside.write_text(DOCUMENT)
             start = time.monotonic()
             beside.rename(path)
             times.append(keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY)
             time.sleep(0.05)  # the file is watched anew after the line
+            processor.append(counts(process).processor - before)
+            main.append(main_thread(process) - main_before)
     print(f"change on disk to document loaded, beyond the fixed {DELAY} s: {in_milliseconds(times)}")
+    print(f"processor time of a reload, user and system: {in_milliseconds(processor)}")
+    print(f"of it the main thread's: {in_milliseconds(main)}")
+
+
+def main_thread(process: int) -> float:
+    """The processor time of the process's first thread, in seconds."""
+    return int(Path(f"/proc/{process}/task/{process}/schedstat").read_text().split()[0]) / 1e9
