@@ -6,6 +6,7 @@ Ends with 0 only if everything that the scenario wants to see was seen. See `./r
 
 import argparse
 import os
+import re
 import sys
 import time
 from pathlib import Path
@@ -18,14 +19,20 @@ from harness.private_desktop import PrivateDesktop  # noqa: E402
 from harness.spreadsheet import Gnumeric  # noqa: E402
 from harness.status_menu import SEPARATOR, StatusMenu  # noqa: E402
 from harness.typist import Typist  # noqa: E402
-from harness.waiting import Timeout, equal, stays, until  # noqa: E402
+from harness.waiting import Timeout, calm, equal, stays, until  # noqa: E402
 from harness.x11 import Area  # noqa: E402
 
 # How much is seen around the menu in its picture, in pixels.
 AROUND_MENU = 24
 
-# What is shown before and after.
-CELLS = [[f"{column}{row}" for column in "ABC"] for row in range(1, 7)]
+# The document that a new user of this spreadsheet gets.
+DOCUMENT = HERE.parent / "resources" / "gnumeric.json"
+
+# How long it waits for the next letter, in milliseconds: longer than a screenshot takes on a busy machine.
+TIMEOUT = 4000
+
+# What is shown before the scenario.
+CELLS = [[f"{column}{row}" for column in "ABCDEF"] for row in range(1, 5)]
 
 
 class Player:
@@ -45,7 +52,7 @@ class Player:
     def play(self, line: str) -> None:
         """One line. Raises AssertionError for what was to be seen and was not."""
         verb, _, rest = line.partition(" ")
-        {"step": self._step, "cell": self._cell, "keys": self._keys, "save": self._save, "see": self._see,
+        {"step": self._step, "cell": self._cell, "keys": self._keys, "add": self._add, "see": self._see,
          "menu": self._menu, "picture": self._picture}[verb](rest)
         self.show_log()
 
@@ -60,7 +67,7 @@ class Player:
         """Prints what the cells hold."""
         print(f"\n{title}")
         for row in CELLS:
-            print("      " + "".join(f"{self._sheet.content(self._typist, cell):<12}" for cell in row))
+            print("      " + "".join(f"{self._sheet.content(self._typist, cell):<12}" for cell in row).rstrip())
 
     def _step(self, title: str) -> None:
         self._steps += 1
@@ -72,12 +79,16 @@ class Player:
 
     def _keys(self, keys: str) -> None:
         print(f"      keys    {keys}")
-        self._typist.tap(*keys.split())
+        for key in keys.split():
+            name, _, times = key.partition("*")
+            self._typist.tap(*[name] * int(times or 1))
 
-    def _save(self, name: str) -> None:
-        print(f"      save    {name} as mappings.json")
+    def _add(self, sequence: str) -> None:
+        print(f"      add     {sequence}")
+        document = self._keyvora.mappings.read_text()
+        end = document.rindex("]")
         beside = self._keyvora.mappings.with_suffix(".saving")
-        beside.write_bytes((HERE / name).read_bytes())
+        beside.write_text(f"{document[:end].rstrip()},\n    {sequence}\n  {document[end:]}")
         beside.rename(self._keyvora.mappings)
 
     def _see(self, what: str) -> None:
@@ -98,6 +109,9 @@ class Player:
                 equal(self._sheet.dialog, text, "the dialog")
                 until(lambda: bool(text) or self._sheet.is_in_front(), "the spreadsheet in front again")
                 print(f"      dialog  {text or '(closed)'}")
+            case "item":
+                until(lambda: self._sheet.has_menu_item(text.split(" > ")), f"the menu item {text}")
+                print(f"      item    {text}")
             case _:
                 raise ValueError(f"cannot see {kind}")
 
@@ -121,7 +135,8 @@ class Player:
         menu.wait_until_closed()
 
     def _picture(self, name: str) -> None:
-        StatusMenu(self._keyvora).item_area()  # the tray makes room for a longer text a moment later
+        # The tray makes room for a longer text a moment later, and the item shows less of it until then.
+        calm(StatusMenu(self._keyvora).item_area, "the status item in the tray", 0.5)
         print(f"      picture {self._desktop.screenshot(self._pictures / f'{name}.png')}")
 
 
@@ -132,16 +147,17 @@ def main() -> int:
     parser.add_argument("--pictures", type=Path, required=True, help="the folder for screenshots")
     arguments = parser.parse_args()
     begin = time.monotonic()
-    print("A private desktop: nothing of your session is used. The spreadsheet is gnumeric, in Excel's place;\n"
+    print("A private desktop: nothing of your session is used. The spreadsheet is gnumeric, in Excel's place, with\n"
+          "the document that keyvora brings for it, changed only in that it waits 4 seconds for a letter;\n"
           "osascript is a stand-in that keeps the scripts it is given and runs none.")
     with PrivateDesktop(size="1024x640") as desktop:
         scripts = desktop.folder / "scripts.txt"
         os.environ["KEYVORA_DEMO_SCRIPTS"] = str(scripts)
-        sheet = Gnumeric(desktop, str(HERE / "workbook.csv"))
+        sheet = Gnumeric(desktop, str(HERE / "sales.csv"))
         typist = Typist(desktop.children, arguments.typist)
         keyvora = Keyvora(desktop, arguments.keyvora)
         keyvora.mappings.parent.mkdir(parents=True)
-        keyvora.mappings.write_bytes((HERE / "mappings.json").read_bytes())
+        keyvora.mappings.write_text(re.sub(r'("timeoutMilliseconds": )\d+', rf"\g<1>{TIMEOUT}", DOCUMENT.read_text(), count=1))
         player = Player(desktop, sheet, typist, keyvora, arguments.pictures)
         player.show_cells("The cells before:")
         print("\nkeyvora starts")
@@ -157,7 +173,6 @@ def main() -> int:
             print(f"\nThis did not happen: {failure}\nThe screen then: {picture}\n"
                   f"keyvora's standard error:\n{keyvora.console.read_text(errors='replace')}")
             return 1
-        player.show_cells("The cells after:")
         print("\nWhat the stand-in for osascript was given:")
         print("".join(f"      {line}\n" for line in scripts.read_text().splitlines()))
         status = keyvora.stop()
