@@ -75,10 +75,10 @@ class Schema(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.schema = json.loads((ROOT / "resources/mappings.schema.json").read_text(encoding="utf-8"))
-        cls.validator = jsonschema.Draft202012Validator(cls.schema)
+        cls.validator = jsonschema.Draft7Validator(cls.schema)
 
     def test_is_a_schema(self):
-        jsonschema.Draft202012Validator.check_schema(self.schema)
+        jsonschema.Draft7Validator.check_schema(self.schema)
 
     def test_accepts_and_rejects_as_the_application_does(self):
         counts = {True: 0, False: 0}
@@ -98,6 +98,16 @@ class Schema(unittest.TestCase):
     def test_accepts_what_is_shipped(self):
         for path in [ROOT / f"resources/{name}.json" for name in ("mappings", "calc", "gnumeric")]:
             self.validator.validate(json.loads(path.read_text(encoding="utf-8")))
+
+    def test_is_of_the_draft_that_older_editors_read_too(self):
+        self.assertEqual(self.schema["$schema"], "http://json-schema.org/draft-07/schema#")
+        for word in ("$defs", "$dynamicRef", "prefixItems", "dependentRequired", "unevaluatedProperties", "minContains"):
+            self.assertNotIn(f'"{word}"', json.dumps(self.schema))
+
+    def test_the_documents_for_linux_name_it_where_the_package_puts_it(self):
+        for name in ("calc", "gnumeric"):
+            document = json.loads((ROOT / f"resources/{name}.json").read_text(encoding="utf-8"))
+            self.assertEqual(document["$schema"], "file:///usr/share/keyvora/mappings.schema.json")
 
     def test_describes_every_field(self):
         fields = dict(described(self.schema))
