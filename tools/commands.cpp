@@ -74,6 +74,13 @@ std::span<const Command> commands() {
        "Exit status: 0 when it is done, 2 when it could not be.\n",
        {{}, {"--from"}, 0, 1},
        updateCommand},
+      {"habits",
+       "[FILE] [--log LOG]",
+       "Say from keyvora's log what you fire most, and what you tried in vain.",
+       "  --log LOG  read this log and not ~/Library/Logs/keyvora.log\n"
+       "Letters that led nowhere come with the sequence that was meant, or an entry to paste.\n",
+       {{}, {"--log"}, 0, 1},
+       habitsCommand},
       {"schema", "", "Write the JSON schema of mapping documents, for editors.", "", {}, schemaCommand},
   };
   return all;

@@ -32,6 +32,7 @@ int rehearseCommand(const Options& options, const Streams& streams);
 int useCommand(const Options& options, const Streams& streams);
 int diffCommand(const Options& options, const Streams& streams);
 int updateCommand(const Options& options, const Streams& streams);
+int habitsCommand(const Options& options, const Streams& streams);
 int schemaCommand(const Options& options, const Streams& streams);
 
 /// What the program tells about itself, and about one command.

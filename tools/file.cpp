@@ -36,6 +36,12 @@ std::optional<std::filesystem::path> userDocument() {
   return *home / "Library/Application Support/keyvora/mappings.json";
 }
 
+std::optional<std::filesystem::path> userLog() {
+  const auto home = homeDirectory();
+  if (!home) return std::nullopt;
+  return *home / "Library/Logs/keyvora.log";
+}
+
 std::optional<std::string> ownDocumentThatExists() {
   const auto own = userDocument();
   std::error_code ignored;

@@ -21,6 +21,9 @@ struct Unreadable {
 /// Where the user's own document is, whether it exists or not; none for a user without a home directory.
 std::optional<std::filesystem::path> userDocument();
 
+/// Where keyvora's log is, whether it exists or not; none for a user without a home directory.
+std::optional<std::filesystem::path> userLog();
+
 /// The user's own document, if it exists.
 std::optional<std::string> ownDocumentThatExists();
 

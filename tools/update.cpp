@@ -127,6 +127,10 @@ bool Update::bringsAnything() const {
   return std::ranges::any_of(changes, [](const Change& change) { return change.kind != Change::Kind::kept; });
 }
 
+std::string_view writtenIn(const Entry& entry, std::string_view text) {
+  return textOf(entry.source, text);
+}
+
 const ShippedDocument* originOf(const Document& document) {
   const ShippedDocument* origin = nullptr;
   std::ptrdiff_t most = 0;

@@ -35,6 +35,10 @@ struct Update {
   [[nodiscard]] bool bringsAnything() const;
 };
 
+/// An entry as a document has it, from its first brace to its last. `text` is the document in UTF-8 without a
+/// byte-order mark.
+std::string_view writtenIn(const Entry& entry, std::string_view text);
+
 /// The shipped document of whose entries, now and before, the user's has the most; none when it has none.
 const ShippedDocument* originOf(const Document& document);
 

@@ -1,5 +1,5 @@
 # Completion of keyvora-mappings for fish.
-set -l commands check explain list rehearse use diff update cheatsheet schema help version
+set -l commands check explain list rehearse use diff update habits cheatsheet schema help version
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -f
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a check -d 'Say what is wrong with a mapping document'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a explain -d 'Say what typing letters does'
@@ -8,6 +8,7 @@ complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a r
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a use -d 'Put a document that comes with keyvora in place of yours'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a diff -d 'Say what is new and mended'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a update -d 'Bring it into your document'
+complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a habits -d 'Say what you fire most, and what you tried in vain'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a cheatsheet -d 'Write a sheet to print'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a schema -d 'Write the JSON schema'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a help -d 'Say how to use the program'
@@ -19,6 +20,7 @@ complete -c keyvora-mappings -n '__fish_seen_subcommand_from list' -l tab -x -d 
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from rehearse' -l all -d 'Say what was found for every sequence'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from cheatsheet' -l html -d 'For the browser and the printer'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from cheatsheet' -l markdown -d 'Tables'
-complete -c keyvora-mappings -n '__fish_seen_subcommand_from help' -f -a 'check explain list rehearse use diff update cheatsheet schema'
+complete -c keyvora-mappings -n '__fish_seen_subcommand_from help' -f -a 'check explain list rehearse use diff update habits cheatsheet schema'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from use' -f -a 'calc gnumeric excel'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from diff update' -l from -x -a 'calc gnumeric excel' -d 'Compare with this document'
+complete -c keyvora-mappings -n '__fish_seen_subcommand_from habits' -l log -r -F -d 'Read this log'
