@@ -35,11 +35,12 @@ std::span<const Command> commands() {
        {{}, {"--tab"}, 0, 1},
        listCommand},
       {"cheatsheet",
-       "[FILE] [--html | --markdown]",
+       "[FILE] [--html | --markdown | --open]",
        "Write a sheet of all sequences by tab, to print and pin up.",
        "  --html      one file for the browser and the printer; the default\n"
-       "  --markdown  tables\n",
-       {{"--html", "--markdown"}, {}, 0, 1},
+       "  --markdown  tables\n"
+       "  --open      open it in the browser, from a temporary file\n",
+       {{"--html", "--markdown", "--open"}, {}, 0, 1},
        cheatsheetCommand},
       {"rehearse",
        "[FILE] [--all]",

@@ -1,3 +1,13 @@
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
 #include <variant>
 
 #include "tools/check.h"
@@ -6,8 +16,11 @@
 #include "tools/explain.h"
 #include "tools/file.h"
 #include "tools/letters.h"
+#include "tools/on_path.h"
 #include "tools/sheet.h"
 #include "tools/wording.h"
+
+extern char** environ;
 
 /// The commands that need a document that loads.
 namespace keyvora::tools {
@@ -25,6 +38,38 @@ std::optional<Mapping> load(const std::optional<std::string>& file, const Stream
   if (document.isSound()) return document.mapping();
   streams.error << asText(errorsIn(document), source.name);
   return std::nullopt;
+}
+
+/// Shows a page in the user's browser. It stays in a folder of its own among the temporary files: the browser
+/// reads it some time after it was asked to.
+int open(const std::string& page, const Streams& streams) {
+  const auto* opener = onPath("xdg-open") ? "xdg-open" : onPath("open") ? "open" : nullptr;
+  if (opener == nullptr) {
+    streams.error << complaint("there is no program that opens files (xdg-open, or open on a Mac)");
+    return exit_status::failed;
+  }
+  std::error_code ignored;
+  auto folder = (std::filesystem::temp_directory_path(ignored) / "keyvora-cheatsheet.XXXXXX").string();
+  const bool isMade = mkdtemp(folder.data()) != nullptr;
+  const auto file = (std::filesystem::path(folder) / "keyvora.html").string();
+  std::ofstream stream;
+  if (isMade) stream.open(file, std::ios::binary);
+  stream << page;
+  stream.close();
+  if (!isMade || !stream) {
+    streams.error << complaint(file + ": could not be written");
+    return exit_status::failed;
+  }
+  const std::array<const char*, 3> words{opener, file.c_str(), nullptr};
+  pid_t process = 0;
+  int status = -1;
+  if (posix_spawnp(&process, opener, nullptr, nullptr, const_cast<char**>(words.data()), environ) != 0 ||
+      waitpid(process, &status, 0) != process || status != 0) {
+    streams.error << complaint(std::string(opener) + " could not open " + file);
+    return exit_status::failed;
+  }
+  streams.out << file << "\n";
+  return exit_status::done;
 }
 
 }  // namespace
@@ -59,13 +104,15 @@ int listCommand(const Options& options, const Streams& streams) {
 }
 
 int cheatsheetCommand(const Options& options, const Streams& streams) {
-  if (options.has("--html") && options.has("--markdown")) {
-    streams.error << complaint("--html and --markdown exclude each other");
+  for (const auto* other : {"--html", "--open"}) {
+    if (!options.has(other) || !options.has("--markdown")) continue;
+    streams.error << complaint(std::string(other) + " and --markdown exclude each other");
     return exit_status::failed;
   }
   const auto mapping = load(options.operand(0), streams);
   if (!mapping) return exit_status::failed;
   const auto sheet = sheetOf(*mapping);
+  if (options.has("--open")) return open(asHtml(sheet), streams);
   streams.out << (options.has("--markdown") ? asMarkdown(sheet) : asHtml(sheet));
   return exit_status::done;
 }

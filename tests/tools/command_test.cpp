@@ -202,6 +202,22 @@ TEST_F(CommandTest, WritesSheetsAndTheSchema) {
   EXPECT_EQ(out.str(), contentOf(projectFile("resources/mappings.schema.json")));
 }
 
+TEST_F(CommandTest, OpensTheSheetInTheBrowser) {
+  const std::string path = std::getenv("PATH");
+  const auto program = home / "xdg-open";
+  test::write(program, "#!/bin/sh\nwhile read -r line; do echo \"$line\"; done <\"$1\" >\"$HOME/opened\"\n");
+  setenv("PATH", home.path().c_str(), 1);
+  EXPECT_EQ(run({"cheatsheet", "--open"}), 2);
+  EXPECT_THAT(error.str(), HasSubstr("there is no program that opens files"));
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  EXPECT_EQ(run({"cheatsheet", "--open"}), 0) << error.str();
+  EXPECT_THAT(contentOf(home / "opened"), StartsWith("<!DOCTYPE html>"));
+  std::filesystem::remove_all(std::filesystem::path(out.str()).parent_path());
+  EXPECT_EQ(run({"cheatsheet", "--open", "--markdown"}), 2);
+  EXPECT_EQ(error.str(), "keyvora-mappings: --open and --markdown exclude each other\n");
+  setenv("PATH", path.c_str(), 1);
+}
+
 TEST_F(CommandTest, ADocumentThatDoesNotLoadIsRefusedWithItsErrors) {
   write("{");
   for (const std::string command : {"list", "cheatsheet"}) {

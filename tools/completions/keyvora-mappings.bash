@@ -16,7 +16,7 @@ _keyvora_mappings() {
       return
       ;;
     habits) options='--log' ;;
-    cheatsheet) options='--html --markdown' ;;
+    cheatsheet) options='--html --markdown --open' ;;
     help)
       mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse use diff update habits cheatsheet schema' -- "$word")
       return

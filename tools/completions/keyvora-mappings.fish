@@ -24,3 +24,4 @@ complete -c keyvora-mappings -n '__fish_seen_subcommand_from help' -f -a 'check 
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from use' -f -a 'calc gnumeric excel'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from diff update' -l from -x -a 'calc gnumeric excel' -d 'Compare with this document'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from habits' -l log -r -F -d 'Read this log'
+complete -c keyvora-mappings -n '__fish_seen_subcommand_from cheatsheet' -l open -d 'Open it in the browser'
