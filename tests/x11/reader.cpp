@@ -31,6 +31,7 @@ Accessible Reader::findBelow(const Accessible& element, AtspiRole role, const st
 }
 
 Accessible Reader::find(AtspiRole role, const std::string& name) {
+  calls_ = {};  // one answer that took long, as on a busy machine, ends the series of calls and no more
   const auto desktop = calls_.desktop();
   if (!desktop) return nullptr;
   const int count = calls_.childCount(desktop).value_or(0);
@@ -50,6 +51,16 @@ Accessible Reader::await(AtspiRole role, const std::string& name) {
 }
 
 std::vector<std::string> Reader::rows(const Accessible& menu) {
+  std::vector<std::string> rows;
+  runUntil([&] {
+    calls_ = {};
+    rows = readRows(menu);
+    return !calls_.gaveUp();
+  });
+  return rows;
+}
+
+std::vector<std::string> Reader::readRows(const Accessible& menu) {
   std::vector<std::string> rows;
   const int count = calls_.childCount(menu).value_or(0);
   for (int index = 0; index < count; ++index) {

@@ -26,6 +26,7 @@ class Reader {
   static bool has(const Accessible& element, AtspiStateType state);
 
  private:
+  std::vector<std::string> readRows(const Accessible& menu);
   Accessible findBelow(const Accessible& element, AtspiRole role, const std::string& name);
 
   int pid_;
