@@ -5,6 +5,7 @@
 #include <X11/Xutil.h>
 #include <poll.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <mutex>
@@ -167,6 +168,21 @@ bool ClientWindow::awaitFocus() const {
     const auto told = numbersOf(display, state_->control->root(), active, XA_WINDOW);
     return focus == state_->window && told && told->front() == state_->window;
   });
+}
+
+std::size_t ClientWindow::windowsOnScreen() const {
+  Display* display = state_->control->get();
+  const ErrorTrap trap(display);  // a window may be gone by the time that it is asked about
+  Window root = None;
+  Window parent = None;
+  Window* windows = nullptr;
+  unsigned count = 0;
+  if (XQueryTree(display, state_->control->root(), &root, &parent, &windows, &count) == 0) return 0;
+  const std::unique_ptr<Window, decltype(&XFree)> owner(windows, &XFree);
+  return static_cast<std::size_t>(std::count_if(windows, windows + count, [display](Window window) {
+    XWindowAttributes attributes;
+    return XGetWindowAttributes(display, window, &attributes) != 0 && attributes.map_state == IsViewable;
+  }));
 }
 
 bool ClientWindow::activate() {

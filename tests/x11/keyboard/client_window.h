@@ -61,6 +61,9 @@ class ClientWindow {
   /// Waits until the window is the active one and has the keyboard; false when that does not come about.
   bool awaitFocus() const;
 
+  /// How many windows the display shows, whoever's they are.
+  [[nodiscard]] std::size_t windowsOnScreen() const;
+
   /// Asks the window manager to make it the active one, as a pager does, and waits for that.
   bool activate();
 

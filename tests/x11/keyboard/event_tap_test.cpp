@@ -337,9 +337,12 @@ TEST_F(EventTapTest, TheWindowManagersShortcutsWork) {
   ClientWindow other(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
   ASSERT_TRUE(other.awaitFocus());
   ASSERT_TRUE(target.activate());
+  const auto shown = target.windowsOnScreen();
   user.press(key::leftOption);
   user.tap({key::tab});
-  settle();  // the window manager follows the keys with a grab of its own, which takes a moment
+  // The window manager follows the keys with a grab of its own, and then shows the list of windows. A release
+  // before the grab would be none to it.
+  ASSERT_TRUE(runUntil([&] { return target.windowsOnScreen() > shown; }));
   user.release(key::leftOption);
   EXPECT_TRUE(other.awaitFocus());
   EXPECT_EQ(catcher.armings, 0);
