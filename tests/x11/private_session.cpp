@@ -1,14 +1,29 @@
 #include "tests/x11/private_session.h"
 
 #include <X11/Xlib.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdio>
 
+#include "hosts/posix/file_descriptor.h"
 #include "hosts/x11/display.h"
 
 namespace keyvora::x11 {
+namespace {
+
+/// Whether somebody takes connections there: a socket has its name before that.
+bool isListening(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  const posix::FileDescriptor file(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  return connect(file.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+}  // namespace
 
 PrivateSession::PrivateSession() {
   // Nothing of the session that the tests are run from is to be seen.
@@ -37,7 +52,7 @@ void PrivateSession::startBus() {
   const auto socket = home() / "run" / "bus";
   const auto address = "unix:path=" + socket.string();
   bus_ = Child({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address}, {});
-  if (!runUntil([&socket] { return std::filesystem::exists(socket); })) {
+  if (!runUntil([&socket] { return isListening(socket); })) {
     throw std::runtime_error("dbus-daemon did not start");
   }
   setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
