@@ -34,6 +34,12 @@ def counts(process: int) -> Counts:
                   len(os.listdir(folder / "fd")))
 
 
+def processor_ticks(process: int) -> int:
+    """The processor time that it has used, with its threads, in hundredths of a second."""
+    fields = Path(f"/proc/{process}/stat").read_text().rsplit(")", 1)[1].split()
+    return int(fields[11]) + int(fields[12])
+
+
 def children(process: int) -> list[int]:
     """The processes that it started and that are still there."""
     return [int(child) for task in Path(f"/proc/{process}/task").iterdir()

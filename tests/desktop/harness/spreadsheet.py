@@ -10,8 +10,9 @@ from typing import ClassVar
 
 from . import accessible, x11
 from .private_desktop import PrivateDesktop
+from .process import processor_ticks
 from .typist import Typist
-from .waiting import equal, until
+from .waiting import calm, equal, until
 
 
 class Spreadsheet(ABC):
@@ -99,6 +100,9 @@ class Spreadsheet(ABC):
         down = ["Down"] * (int(match[2]) - 1)
         typist.tap("Control+Home", *right, *down)
         equal(self.selected, cell, "the selected cell")
+
+    def rest(self) -> None:
+        """Waits until it takes keys without losing any, once a cell was left and another one selected."""
 
     def content(self, typist: Typist, cell: str) -> str:
         """Goes to a cell and reads what it holds."""
@@ -190,6 +194,10 @@ class Calc(Spreadsheet):
     def _command(self, desktop: PrivateDesktop) -> list[str]:
         return ["soffice", "--calc", "--norestore", "--nologo", "--nofirststartwizard",
                 f"-env:UserInstallation=file://{desktop.home}/office"]
+
+    def rest(self) -> None:
+        """Escape is not yet all done when the next cell is selected: what is typed meanwhile may go with it."""
+        calm(lambda: processor_ticks(self.process), "Calc", 0.3, 30)
 
     def shown(self, cell: str) -> str:
         """What a cell of the sheet shows, be it selected or not."""

@@ -89,6 +89,7 @@ class DesktopTest(unittest.TestCase):
         # A dialog of the test before may just be closing, and would take the next keys along.
         until(self.sheet.is_in_front, "the spreadsheet in front", 20, seen=active_class)
         self.sheet.select(self.typist, f"{chr(ord('A') + self._columns_used % 26)}1")
+        self.sheet.rest()
 
     def dismiss(self) -> None:
         """Leaves the cell, a menu or a dialog without a trace."""
