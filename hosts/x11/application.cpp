@@ -9,6 +9,7 @@
 
 #include "hosts/x11/applications/desktop_windows.h"
 #include "hosts/x11/display.h"
+#include "hosts/x11/ending_signals.h"
 #include "hosts/x11/toolkit.h"
 
 namespace keyvora::x11 {
@@ -95,6 +96,8 @@ int Application::run() {
                      : "This is a Wayland session whose compositor does not tell which X window is in "
                        "front: key sequences do not work. They do in the sessions of GNOME and KDE.");
   }
+  EndingSignals signals;  // for a script that begins when one has come already
+  signals.beginRun();
   const EndingSignal onTerminate(SIGTERM, *this);
   const EndingSignal onInterrupt(SIGINT, *this);
   const EndingSignal onHangUp(SIGHUP, *this);

@@ -9,6 +9,7 @@
 #include <csignal>
 
 #include "hosts/posix/file_descriptor.h"
+#include "hosts/x11/ending_signals.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -80,6 +81,8 @@ ChildEnd::ChildEnd() : wait_(std::make_unique<Wait>()) {
   for (const auto* source : {&wait_->terminate, &wait_->interrupt, &wait_->hangUp}) {
     wait_->add(*source, wait_->isToEnd);
   }
+  // One that came before is told to the sources that were there then.
+  if (auto* run = EndingSignals::ofRun()) wait_->isToEnd = run->came();
 }
 
 ChildEnd::~ChildEnd() = default;

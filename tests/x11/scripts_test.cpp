@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "hosts/posix/file_descriptor.h"
+#include "hosts/x11/ending_signals.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "tests/x11/scratch.h"
 
@@ -176,9 +177,22 @@ TEST_F(ScriptsTest, ASignalThatEndsTheProgramEndsTheScript) {
   }
 }
 
+TEST_F(ScriptsTest, ASignalThatCameBeforeTheScriptBeganEndsItToo) {
+  standIn("sleep 60");
+  EndingSignals signals;
+  signals.beginRun();
+  ASSERT_FALSE(signals.came());
+  raise(SIGTERM);
+  while (!signals.came()) std::this_thread::yield();
+  const auto outcome = run();
+  EXPECT_FALSE(outcome.succeeded);
+  EXPECT_EQ(outcome.message, "osascript was ended by signal 15");
+}
+
 TEST_F(ScriptsTest, NoFilesAndNoProcessesAreLeft) {
-  const auto before = openFiles();
   standIn("exit 1");
+  run();  // GLib opens what it waits for signals with, once
+  const auto before = openFiles();
   for (int time = 0; time < 5; ++time) run();
   EXPECT_EQ(openFiles(), before);
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
