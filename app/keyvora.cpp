@@ -43,6 +43,7 @@ void Keyvora::applicationDidFinishLaunching() {
   const bool trusted = host.accessibility.isTrustedPrompting();
   Log::line(trusted ? "accessibility granted" : "accessibility not granted yet");
   installTap();
+  reportFindings();
 
   KeySequenceTap::shared().onStateChange = [delegate = weak_from_this()](bool armed,
                                                                          const std::string& text) {
@@ -69,11 +70,22 @@ void Keyvora::installTap() {
   trustPoll_ = scheduled.timer;
 }
 
+/// Each once, however often it is found.
+void Keyvora::reportFindings() {
+  for (const auto& finding : platform::current().diagnosis.findings(MappingStore::shared().url())) {
+    if (!reported_.insert(finding.name).second) continue;
+    Log::line(finding.name + ": " + finding.sentence + " " + finding.remedy);
+  }
+}
+
 void Keyvora::pollTrust(const std::weak_ptr<Keyvora>& delegate, platform::Timer& timer) {
   if (!platform::current().accessibility.isTrusted()) return;
   if (!KeySequenceTap::shared().install()) return;
   Log::line("accessibility granted, tap installed, " + sequenceCount() + " sequences");
-  if (const auto self = delegate.lock()) self->rebuildMenu();
+  if (const auto self = delegate.lock()) {
+    self->reportFindings();
+    self->rebuildMenu();
+  }
   timer.invalidate();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 
 #include "platform/main_loop.h"
@@ -26,6 +27,7 @@ class Keyvora : public std::enable_shared_from_this<Keyvora> {
   Keyvora() = default;
 
   void installTap();
+  void reportFindings();
   static void pollTrust(const std::weak_ptr<Keyvora>& delegate, platform::Timer& timer);
   void showState(bool armed, const std::string& text);
   void rebuildMenu();
@@ -41,6 +43,8 @@ class Keyvora : public std::enable_shared_from_this<Keyvora> {
   std::unique_ptr<platform::StatusItem> status_;
   /// Kept after it was invalidated.
   std::shared_ptr<platform::Timer> trustPoll_;
+  /// The names of the findings that are in the log.
+  std::set<std::string> reported_;
 };
 
 }  // namespace keyvora

@@ -8,7 +8,8 @@ int main(int argc, char** argv) {
   const auto host = keyvora::platform::createHost();
   const keyvora::platform::Scope scope(host->platform());
   const std::vector<std::string_view> arguments(argv, argv + argc);
-  const int status = keyvora::processEntry(arguments);
+  const auto refused = keyvora::refuseStart(*host, arguments);
+  const int status = refused ? *refused : keyvora::processEntry(arguments);
   // Not by leaving the scope: key tips may still be typed on another thread, and they need it.
   host->platform().process.exit(status);
   return status;

@@ -1,9 +1,22 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 
+namespace keyvora::platform {
+class Host;
+}
+
 namespace keyvora {
+
+/// The exit status of a process that found another one of the program at work.
+inline constexpr int secondInstanceStatus = 3;
+
+/// What comes before `processEntry`, once the host is in force: none when the program may start, else the
+/// status that it ends with, after saying why. A process that only looks for updates is in nobody's way. Main
+/// thread.
+std::optional<int> refuseStart(platform::Host& host, std::span<const std::string_view> arguments);
 
 /// The program from its start to its end, on the current host. `arguments` is the whole command line, the
 /// program's name included; "--probe-updates" anywhere in it asks for an update check whose answer ends the

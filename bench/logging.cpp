@@ -58,10 +58,10 @@ void measureOurs(const char* name, platform::Console& console) {
   test::DiskPlatform disk;
   disk.host.trace.stop();
   const auto& all = disk.platform();
-  const platform::Platform logging{all.accessibility, all.application, all.applications, all.bundles,
-                                   all.clock,         console,         all.fileSystem,   all.keyboard,
-                                   all.loginService,  all.mainLoop,    all.process,      all.queues,
-                                   all.scripts,       all.statusBar,   all.updates,      all.workspace};
+  const platform::Platform logging{
+      all.accessibility, all.application, all.applications, all.bundles,      all.clock,    console,
+      all.diagnosis,     all.fileSystem,  all.keyboard,     all.loginService, all.mainLoop, all.process,
+      all.queues,        all.scripts,     all.statusBar,    all.updates,      all.workspace};
   const platform::Scope scope(logging);
   Log::line(message);
   measure(name, [] { Log::line(message); });

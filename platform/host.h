@@ -12,6 +12,10 @@ class Host {
   virtual ~Host() = default;
 
   [[nodiscard]] virtual const Platform& platform() const = 0;
+
+  /// Makes this process the only one of its program in the login session, for as long as it lives; false when
+  /// another one is that already. True where the system sees to it. Main thread, once.
+  virtual bool becomeOnlyInstance() { return true; }
 };
 
 /// Makes the host that this program was built for; never null. What the machine lacks (a display, say) shows

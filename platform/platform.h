@@ -6,6 +6,7 @@
 #include "platform/bundles.h"
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "platform/diagnosis.h"
 #include "platform/file_system.h"
 #include "platform/keyboard.h"
 #include "platform/login_service.h"
@@ -25,6 +26,7 @@ struct Platform {
   Bundles& bundles;
   Clock& clock;
   Console& console;
+  Diagnosis& diagnosis;
   FileSystem& fileSystem;
   Keyboard& keyboard;
   LoginService& loginService;

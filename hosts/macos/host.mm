@@ -6,6 +6,7 @@
 #include "hosts/macos/bundles.h"
 #include "hosts/macos/clock.h"
 #include "hosts/macos/console.h"
+#include "hosts/macos/diagnosis.h"
 #include "hosts/macos/file_system.h"
 #include "hosts/macos/keyboard.h"
 #include "hosts/macos/login_service.h"
@@ -31,6 +32,7 @@ class Host final : public platform::Host {
   Bundles bundles_;
   Clock clock_;
   Console console_;
+  Diagnosis diagnosis_;
   FileSystem fileSystem_;
   Keyboard keyboard_;
   LoginService loginService_;
@@ -41,9 +43,10 @@ class Host final : public platform::Host {
   StatusBar statusBar_;
   Updates updates_;
   Workspace workspace_;
-  platform::Platform platform_{accessibility_, application_, applications_, bundles_,  clock_,   console_,
-                               fileSystem_,    keyboard_,    loginService_, mainLoop_, process_, queues_,
-                               scripts_,       statusBar_,   updates_,      workspace_};
+  platform::Platform platform_{accessibility_, application_, applications_, bundles_,  clock_,
+                               console_,       diagnosis_,   fileSystem_,   keyboard_, loginService_,
+                               mainLoop_,      process_,     queues_,       scripts_,  statusBar_,
+                               updates_,       workspace_};
 };
 
 }  // namespace

@@ -15,6 +15,7 @@ Host::Host()
                 .bundles = bundles,
                 .clock = clock,
                 .console = console,
+                .diagnosis = diagnosis,
                 .fileSystem = files,
                 .keyboard = keyboard,
                 .loginService = loginService,

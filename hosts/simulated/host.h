@@ -6,6 +6,7 @@
 #include "hosts/simulated/bundles.h"
 #include "hosts/simulated/clock.h"
 #include "hosts/simulated/console.h"
+#include "hosts/simulated/diagnosis.h"
 #include "hosts/simulated/file_system.h"
 #include "hosts/simulated/keyboard.h"
 #include "hosts/simulated/login_service.h"
@@ -48,11 +49,17 @@ class Host final : public platform::Host, private World {
   FileSystem files{*this, mainLoop};
   Bundles bundles{*this};
   Console console{*this};
+  Diagnosis diagnosis{*this};
   Process process{*this};
   Application application{*this, process};
   StatusBar statusBar{*this};
   LoginService loginService{*this};
   Updates updates{*this, mainLoop};
+
+  /// Whether another process of the program runs.
+  bool hasOtherInstance = false;
+
+  bool becomeOnlyInstance() override { return !hasOtherInstance; }
 
   /// Lets virtual time pass: see `MainLoop::advance`.
   void advance(double seconds) { mainLoop.advance(seconds); }

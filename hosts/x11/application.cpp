@@ -7,7 +7,6 @@
 #include <csignal>
 #include <utility>
 
-#include "hosts/x11/applications/desktop_windows.h"
 #include "hosts/x11/display.h"
 #include "hosts/x11/ending_signals.h"
 #include "hosts/x11/toolkit.h"
@@ -25,13 +24,6 @@ void forEachWindow(Visit visit) {
     if (gtk_window_get_window_type(window) == GTK_WINDOW_TOPLEVEL && !GTK_IS_PLUG(window)) visit(window);
   }
   g_list_free(windows);
-}
-
-/// Whether somebody tells which windows there are, and so which is in front. Where the desktop has no
-/// display, nobody does.
-bool tellsWindows() {
-  const auto connection = Connection::open("");
-  return connection && listedWindows(connection->get()).has_value();
 }
 
 /// A signal that ends the application for as long as this lives.
@@ -88,13 +80,6 @@ int Application::run() {
                  " keyvora needs one to see the keyboard, and ends.");
     process_.runExitBlocks();
     return 1;
-  }
-  if (isWaylandSession()) {
-    notices_.say(tellsWindows()
-                     ? "This is a Wayland session: key sequences work in applications that run through "
-                       "XWayland, and in no others."
-                     : "This is a Wayland session whose compositor does not tell which X window is in "
-                       "front: key sequences do not work. They do in the sessions of GNOME and KDE.");
   }
   EndingSignals signals;  // for a script that begins when one has come already
   signals.beginRun();

@@ -13,6 +13,7 @@ Host::Host()
       fileSystem_(mainLoop_),
       applications_("", targetWindow_),
       accessibility_(notices_, applications_, currentTap_),
+      diagnosis_("", applications_),
       keyboard_("", tapProgramOf(executableFile()), currentTap_, targetWindow_),
       loginService_(executableFile()),
       scripts_(currentTap_),
@@ -21,14 +22,21 @@ Host::Host()
       updates_(bundles_, mainLoop_, workspace_),
       application_(process_, notices_, [this] { return updates_.isBusy(); }),
       queues_(targetWindow_),
-      platform_{accessibility_, application_, applications_, bundles_,  clock_,   console_,
-                fileSystem_,    keyboard_,    loginService_, mainLoop_, process_, queues_,
-                scripts_,       statusBar_,   updates_,      workspace_} {
+      platform_{accessibility_, application_, applications_, bundles_,      clock_,    console_,
+                diagnosis_,     fileSystem_,  keyboard_,     loginService_, mainLoop_, process_,
+                queues_,        scripts_,     statusBar_,    updates_,      workspace_} {
   setDisplayLossHandler([this] { process_.runExitBlocks(); });
 }
 
 Host::~Host() {
   setDisplayLossHandler(nullptr);
+}
+
+bool Host::becomeOnlyInstance() {
+  // Without a display there is no other one to tell from: that is said elsewhere.
+  if (!hasDisplay_) return true;
+  instance_ = Instance::claim("", std::chrono::seconds(1));
+  return instance_ != nullptr;
 }
 
 }  // namespace keyvora::x11

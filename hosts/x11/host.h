@@ -7,7 +7,9 @@
 #include "hosts/x11/applications/applications.h"
 #include "hosts/x11/applications/bundles.h"
 #include "hosts/x11/applications/target_window.h"
+#include "hosts/x11/diagnosis/diagnosis.h"
 #include "hosts/x11/files/file_system.h"
+#include "hosts/x11/instance.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
 #include "hosts/x11/login_service.h"
@@ -33,6 +35,8 @@ class Host final : public platform::Host {
 
   [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
 
+  bool becomeOnlyInstance() override;
+
  private:
   /// The first member: the others may expect Xlib to be ready for them.
   bool hasDisplay_;
@@ -47,6 +51,7 @@ class Host final : public platform::Host {
   TargetWindow targetWindow_;
   Applications applications_;
   Accessibility accessibility_;
+  Diagnosis diagnosis_;
   Keyboard keyboard_;
   LoginService loginService_;
   Scripts scripts_;
@@ -56,6 +61,7 @@ class Host final : public platform::Host {
   Application application_;
   /// The last: its threads end before what their work uses.
   Queues queues_;
+  std::unique_ptr<Instance> instance_;
   platform::Platform platform_;
 };
 

@@ -64,6 +64,14 @@ TEST_F(GrantTest, IsLoggedBeforeTheMenuIsRebuilt) {
                           testing::VariantWith<MenuShown>(testing::_)));
 }
 
+TEST_F(GrantTest, WhatIsFoundOnlyNowIsLoggedAfterItsLine) {
+  host.diagnosis.found = {{"Sticky Keys", "They are on.", "Switch them off.", true}};
+  giveTrust();
+  host.advance(2.0);
+  EXPECT_THAT(host.trace.logged(), ElementsAre("accessibility granted, tap installed, 2 sequences",
+                                               "Sticky Keys: They are on. Switch them off."));
+}
+
 TEST_F(GrantTest, IsNeverAskedForAgainOnceTheTapIsInstalled) {
   giveTrust();
   host.advance(2.0);

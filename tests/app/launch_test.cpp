@@ -136,6 +136,25 @@ TEST_F(LaunchTest, WhatIsTypedAtTheHardwareLevelPassesOurOwnTap) {
   EXPECT_THAT(host.trace.logged(), ElementsAre("H B  Borders (keytips HB)"));
 }
 
+TEST_F(LaunchTest, WhatIsFoundIsLoggedAfterTheTapsLine) {
+  host.diagnosis.found = {{"Sticky Keys", "They are on.", "Switch them off.", true},
+                          {"Wayland", "Some work.", "Start it otherwise.", false},
+                          {"Wayland", "Some work.", "Start it otherwise.", false}};
+  launch();
+  EXPECT_EQ(host.diagnosis.document, mappingsPath);
+  EXPECT_THAT(host.trace.logged(), ElementsAre("launch 1.2 (42)", "accessibility granted",
+                                               "tap installed, 2 sequences, log at " + std::string(logPath),
+                                               "Sticky Keys: They are on. Switch them off.",
+                                               "Wayland: Some work. Start it otherwise."));
+}
+
+TEST_F(LaunchTest, WhatIsFoundIsLoggedWithoutATapToo) {
+  withholdTrust();
+  host.diagnosis.found = {{"Sticky Keys", "They are on.", "Switch them off.", true}};
+  launch();
+  EXPECT_EQ(host.trace.logged().back(), "Sticky Keys: They are on. Switch them off.");
+}
+
 TEST_F(LaunchTest, ThatNothingShowsTheItemIsLogged) {
   launch();
   ASSERT_TRUE(host.statusBar.onUnseen);

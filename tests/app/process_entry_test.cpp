@@ -124,5 +124,22 @@ TEST_F(ProcessEntryTest, AProbeWithoutAnAnswerLeavesAnOrdinaryApplication) {
   EXPECT_THAT(host.trace.of<Exited>(), IsEmpty());
 }
 
+TEST_F(ProcessEntryTest, ASecondInstanceSaysSoAndEndsWithAStatusOfItsOwn) {
+  const std::vector<std::string_view> start{"keyvora"};
+  EXPECT_EQ(refuseStart(host, start), std::nullopt);
+  EXPECT_THAT(host.trace.entries(), IsEmpty());
+  host.hasOtherInstance = true;
+  EXPECT_EQ(refuseStart(host, start), 3);
+  EXPECT_THAT(host.trace.logged(), ElementsAre("another keyvora is running"));
+  EXPECT_FALSE(host.statusBar.hasItem());
+}
+
+TEST_F(ProcessEntryTest, ALookForUpdatesIsInNobodysWay) {
+  host.hasOtherInstance = true;
+  const std::vector<std::string_view> probe{"keyvora", "--probe-updates"};
+  EXPECT_EQ(refuseStart(host, probe), std::nullopt);
+  EXPECT_THAT(host.trace.entries(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace keyvora

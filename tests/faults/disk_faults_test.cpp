@@ -199,9 +199,9 @@ TEST(ClockTest, SetBackMovesTheStampsAndNothingElse) {
   SetClock clock;
   const auto& all = host.platform();
   const platform::Platform set{
-      all.accessibility, all.application, all.applications, all.bundles,  clock,       all.console,
-      all.fileSystem,    all.keyboard,    all.loginService, all.mainLoop, all.process, all.queues,
-      all.scripts,       all.statusBar,   all.updates,      all.workspace};
+      all.accessibility, all.application, all.applications, all.bundles,      clock,        all.console,
+      all.diagnosis,     all.fileSystem,  all.keyboard,     all.loginService, all.mainLoop, all.process,
+      all.queues,        all.scripts,     all.statusBar,    all.updates,      all.workspace};
   const platform::Scope scope(set);
   host.files.write("/Users/me/Library/Application Support/keyvora/mappings.json",
                    R"({"version": 1, "timeoutMilliseconds": 800, "tabs": {}, "sequences": [

@@ -62,6 +62,7 @@ class LogOnThisHost : public testing::Test {
                                real_.bundles,
                                real_.clock,
                                real_.console,
+                               real_.diagnosis,
                                files_,
                                real_.keyboard,
                                real_.loginService,

@@ -47,7 +47,7 @@ LIBRARIES = {
     "xlib": ("X11/",),
     "posix": ("unistd.h", "fcntl.h", "poll.h", "pwd.h", "pthread.h", "spawn.h", "sys/", "netinet/", "xlocale.h"),
     "apple": ("AppKit/", "ApplicationServices/", "Carbon/", "CoreFoundation/", "CoreGraphics/", "Foundation/",
-              "ServiceManagement/", "Sparkle/", "dispatch/", "objc/"),
+              "Security/", "ServiceManagement/", "Sparkle/", "dispatch/", "objc/"),
 }
 # Folder -> the libraries that it may include.
 USES = {

@@ -45,6 +45,8 @@ struct Fixture {
     host.applications.front = "com.microsoft.Excel";
     host.updates.answer = NoUpdate{};
     host.loginService.state = platform::LoginStatus::enabled;
+    host.diagnosis.found = {{"no window manager", "Nothing starts.", "Start one.", true}};
+    host.diagnosis.known = {{"window manager", "none"}};
   }
 
   /// Whether `deed` left an entry of this type in the trace.
@@ -108,6 +110,8 @@ const std::map<Call, Attempt>& attempts() {
       {Call::localTime, [](Fixture& f) { return !f.door.clock.localTime().empty(); }},
       {Call::writeConsole,
        [](Fixture& f) { return f.leaves<trace::Console>([&] { f.door.console.write("record"); }); }},
+      {Call::findings, [](Fixture& f) { return f.door.diagnosis.findings(f.file).size() == 1; }},
+      {Call::facts, [](Fixture& f) { return f.door.diagnosis.facts("com.microsoft.Excel").size() == 1; }},
       {Call::applicationSupportDirectory,
        [](Fixture& f) { return f.door.fileSystem.applicationSupportDirectory().has_value(); }},
       {Call::libraryDirectory, [](Fixture& f) { return f.door.fileSystem.libraryDirectory().has_value(); }},

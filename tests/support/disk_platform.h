@@ -24,6 +24,7 @@ class DiskPlatform {
                                .bundles = host.bundles,
                                .clock = clock,
                                .console = host.console,
+                               .diagnosis = host.diagnosis,
                                .fileSystem = home,
                                .keyboard = host.keyboard,
                                .loginService = host.loginService,

@@ -23,7 +23,7 @@ class Accessibility final : public platform::Accessibility {
   /// server is asked until it is there; keyvora ends with a display that it has, so the answer stays.
   bool isTrusted() override;
 
-  /// Says what is missing, here and on the accessibility bus.
+  /// Says what the display lacks.
   bool isTrustedPrompting() override;
 
   platform::ElementRef application(platform::ProcessIdentifier process) override;

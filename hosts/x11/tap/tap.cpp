@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "hosts/x11/keyboard/key_codes.h"
+#include "hosts/x11/tap/tap_claim.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -19,9 +20,6 @@ namespace event_type = platform::event_type;
 
 /// Well before a key begins to repeat, which takes 200 ms at the very least, and long for a verdict.
 constexpr std::chrono::milliseconds longestRepeating{100};
-
-/// A button that no pointer has.
-constexpr int noPointersButton = 255;
 
 bool hasKeyExtensions(Display* display) {
   int unused = 0;
@@ -60,31 +58,18 @@ Tap::~Tap() {
   enabled_ = false;
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
   letGo(Verdict::pass);
-  disclaim();
+  disclaimTap(*connection_);
   XSync(connection_->get(), False);
 }
 
-/// Makes this the session's only tap, with what X has that only one client can hold and that ends with its
-/// connection, however that ends: the passive grab of a button. It is refused to a second tap even while the
-/// target has no window whose keys could be.
+/// Makes this the session's only tap, if the target's keys can be had.
 bool Tap::claim() {
-  XIEventMask nothing{.deviceid = XIAllMasterDevices, .mask_len = 0, .mask = nullptr};
-  XIGrabModifiers modifiers{.modifiers = int(XIAnyModifier), .status = 0};
-  const int refused =
-      XIGrabButton(connection_->get(), XIAllMasterDevices, noPointersButton, connection_->root(), None,
-                   XIGrabModeAsync, XIGrabModeAsync, False, &nothing, 1, &modifiers);
-  if (refused != 0) return false;
+  if (!claimTap(*connection_)) return false;
 
   const bool granted = grabs_.apply(KeyGrabs::Extent::option, targetWindows(), keys_);
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
   XSync(connection_->get(), False);
   return granted;
-}
-
-void Tap::disclaim() {
-  XIGrabModifiers modifiers{.modifiers = int(XIAnyModifier), .status = 0};
-  XIUngrabButton(connection_->get(), XIAllMasterDevices, noPointersButton, connection_->root(), 1,
-                 &modifiers);
 }
 
 void Tap::run() {

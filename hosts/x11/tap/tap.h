@@ -68,7 +68,6 @@ class Tap : private KeyListener {
   void keyRead(const ReadKey& key) override;
 
   bool claim();
-  void disclaim();
   void enable();
   void notice(XEvent& event);
   void letGo(platform::Verdict verdict);

@@ -5,6 +5,8 @@
 #include <cstdlib>
 
 #include "hosts/x11/accessibility/accessibility.h"
+#include "hosts/x11/accessibility/accessibility_bus.h"
+#include "hosts/x11/diagnosis/diagnosis.h"
 #include "hosts/x11/gobject.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "tests/x11/private_session.h"
@@ -22,7 +24,7 @@ GDBusMessage* dropCalls(GDBusConnection* /*connection*/, GDBusMessage* message, 
   return nullptr;
 }
 
-TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsSaidOnce) {
+TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsFound) {
   PrivateSession session;
   session.endBuses();
   RecordingConsole console;
@@ -35,9 +37,12 @@ TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsSaidOnce) {
     EXPECT_NE(accessibility.application(getpid())->attribute("AXMenuBar").error, 0);
     EXPECT_TRUE(accessibility.isTrustedPrompting()) << "key sequences work all the same";
   }
-  EXPECT_EQ(console.records,
-            std::vector<std::string>{
-                "keyvora: There is no accessibility bus: menu actions do not work, all others do."});
+  EXPECT_EQ(console.records, std::vector<std::string>{}) << "it is among the findings";
+  const auto found = Diagnosis("", applications).findings(session.home() / "Library" / "mappings.json");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].name, "no accessibility bus");
+  EXPECT_EQ(found[0].sentence, "Actions of the kind menu do not work, all others do.");
+  EXPECT_TRUE(found[0].stopsSequences);
 }
 
 TEST(NoAccessibilityBus, OneThatDoesNotAnswerInTimeIsNotSaidToBeMissing) {
@@ -56,14 +61,7 @@ TEST(NoAccessibilityBus, OneThatDoesNotAnswerInTimeIsNotSaidToBeMissing) {
       g_variant_new("(su)", "org.a11y.Bus", 0), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
       nullptr));
   ASSERT_TRUE(owned);
-  RecordingConsole console;
-  Notices notices(console);
-  CurrentTap tap;
-  TargetWindow targetWindow;
-  Applications applications("", targetWindow);
-  Accessibility accessibility(notices, applications, tap);
-  EXPECT_TRUE(accessibility.isTrustedPrompting());
-  EXPECT_EQ(console.records, std::vector<std::string>{});
+  EXPECT_TRUE(hasAccessibilityBus());
 }
 
 }  // namespace

@@ -65,6 +65,7 @@ class MappingStoreTest : public testing::Test {
                               host.bundles,
                               host.clock,
                               host.console,
+                              host.diagnosis,
                               files,
                               host.keyboard,
                               host.loginService,

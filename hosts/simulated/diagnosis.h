@@ -1,0 +1,35 @@
+#pragma once
+
+#include "hosts/simulated/world.h"
+#include "platform/diagnosis.h"
+
+namespace keyvora::simulated {
+
+/// Finds what it was told to find.
+class Diagnosis final : public platform::Diagnosis {
+ public:
+  explicit Diagnosis(World& world) : world_(world) {}
+
+  std::vector<platform::Finding> found;
+  std::vector<platform::Fact> known;
+  /// What the last call named.
+  std::filesystem::path document;
+  std::string target;
+
+  std::vector<platform::Finding> findings(const std::filesystem::path& named) override {
+    document = named;
+    if (world_.fails(Call::findings)) return {};
+    return found;
+  }
+
+  std::vector<platform::Fact> facts(std::string_view named) override {
+    target = named;
+    if (world_.fails(Call::facts)) return {};
+    return known;
+  }
+
+ private:
+  World& world_;
+};
+
+}  // namespace keyvora::simulated
