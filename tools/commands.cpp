@@ -82,6 +82,13 @@ std::span<const Command> commands() {
        "Letters that led nowhere come with the sequence that was meant, or an entry to paste.\n",
        {{}, {"--log"}, 0, 1},
        habitsCommand},
+      {"doctor",
+       "",
+       "Say what keeps sequences from working on this machine, and what stands behind it.",
+       "Looks at the desktop, the keyboard, the spreadsheet and your mapping document, and changes nothing.\n"
+       "Exit status: 0 when nothing that is known keeps sequences from working, else 1.\n",
+       {},
+       doctorCommand},
       {"schema", "", "Write the JSON schema of mapping documents, for editors.", "", {}, schemaCommand},
   };
   return all;

@@ -34,6 +34,7 @@ int diffCommand(const Options& options, const Streams& streams);
 int updateCommand(const Options& options, const Streams& streams);
 int habitsCommand(const Options& options, const Streams& streams);
 int schemaCommand(const Options& options, const Streams& streams);
+int doctorCommand(const Options& options, const Streams& streams);
 
 /// What the program tells about itself, and about one command.
 std::string help();

@@ -3,7 +3,7 @@ _keyvora_mappings() {
   local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]-} options=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse use diff update habits cheatsheet schema help version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse use diff update habits cheatsheet doctor schema help version' -- "$word")
     return
   fi
   case $command in
@@ -18,7 +18,7 @@ _keyvora_mappings() {
     habits) options='--log' ;;
     cheatsheet) options='--html --markdown --open' ;;
     help)
-      mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse use diff update habits cheatsheet schema' -- "$word")
+      mapfile -t COMPREPLY < <(compgen -W 'check explain list rehearse use diff update habits cheatsheet doctor schema' -- "$word")
       return
       ;;
     schema | version) return ;;

@@ -1,5 +1,5 @@
 # Completion of keyvora-mappings for fish.
-set -l commands check explain list rehearse use diff update habits cheatsheet schema help version
+set -l commands check explain list rehearse use diff update habits cheatsheet doctor schema help version
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -f
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a check -d 'Say what is wrong with a mapping document'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a explain -d 'Say what typing letters does'
@@ -10,7 +10,8 @@ complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a d
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a update -d 'Bring it into your document'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a habits -d 'Say what you fire most, and what you tried in vain'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a cheatsheet -d 'Write a sheet to print'
-complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a schema -d 'Write the JSON schema'
+complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a doctor -d 'Say what keeps sequences from working'
+complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a schema -d 'Write the JSON doctor schema'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a help -d 'Say how to use the program'
 complete -c keyvora-mappings -n "not __fish_seen_subcommand_from $commands" -a version -d 'Say the version'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from check' -l watch -d 'Check again at every save'
@@ -20,7 +21,7 @@ complete -c keyvora-mappings -n '__fish_seen_subcommand_from list' -l tab -x -d 
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from rehearse' -l all -d 'Say what was found for every sequence'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from cheatsheet' -l html -d 'For the browser and the printer'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from cheatsheet' -l markdown -d 'Tables'
-complete -c keyvora-mappings -n '__fish_seen_subcommand_from help' -f -a 'check explain list rehearse use diff update habits cheatsheet schema'
+complete -c keyvora-mappings -n '__fish_seen_subcommand_from help' -f -a 'check explain list rehearse use diff update habits cheatsheet doctor schema'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from use' -f -a 'calc gnumeric excel'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from diff update' -l from -x -a 'calc gnumeric excel' -d 'Compare with this document'
 complete -c keyvora-mappings -n '__fish_seen_subcommand_from habits' -l log -r -F -d 'Read this log'
