@@ -56,22 +56,10 @@ class LogOnThisHost : public testing::Test {
   std::unique_ptr<platform::Host> host_ = platform::createHost();
   const platform::Platform& real_ = host_->platform();
   ScratchLibrary files_{real_.fileSystem};
-  platform::Platform platform_{real_.accessibility,
-                               real_.application,
-                               real_.applications,
-                               real_.bundles,
-                               real_.clock,
-                               real_.console,
-                               real_.diagnosis,
-                               files_,
-                               real_.keyboard,
-                               real_.loginService,
-                               real_.mainLoop,
-                               real_.process,
-                               real_.queues,
-                               real_.scripts,
-                               real_.statusBar,
-                               real_.updates,
+  platform::Platform platform_{real_.accessibility, real_.application,  real_.applications, real_.bundles,
+                               real_.clock,         real_.console,      real_.diagnosis,    files_,
+                               real_.keyboard,      real_.loginService, real_.mainLoop,     real_.process,
+                               real_.queues,        real_.scripts,      real_.statusBar,    real_.updates,
                                real_.workspace};
   platform::Scope scope_{platform_};
 };
