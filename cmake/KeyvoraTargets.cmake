@@ -12,6 +12,10 @@ add_library(keyvora_options INTERFACE)
 target_include_directories(keyvora_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(keyvora_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2)
+# A function that no header declares and no other file calls belongs in an unnamed namespace, or is a second definition.
+target_compile_options(keyvora_options INTERFACE
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wmissing-declarations>
+  $<$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>:-Wmissing-prototypes>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # GCC 12 warns at -O3 of overlapping copies inside std::string::operator=, wrongly: GCC bug 105651.
   target_compile_options(keyvora_options INTERFACE -Wno-restrict)

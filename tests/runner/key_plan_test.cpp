@@ -6,6 +6,9 @@
 
 namespace keyvora {
 
+/// How GoogleTest shows one; found by its name.
+void PrintTo(const PlannedKey& key, std::ostream* out);
+
 void PrintTo(const PlannedKey& key, std::ostream* out) {
   *out << key.character << ":" << key.code;
 }
