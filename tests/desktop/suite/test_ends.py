@@ -7,7 +7,7 @@ import time
 from harness.keyvora import Keyvora
 from harness.waiting import equal, until
 
-from .desktop_test import ARMED, DesktopTest
+from .desktop_test import DesktopTest
 
 # From a signal to the end of script and program, in seconds: one, and what a busy machine adds.
 LONGEST_END = 5.0
