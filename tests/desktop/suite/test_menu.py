@@ -83,6 +83,7 @@ class MenuTest(DesktopTest):
         information = {"CFBundleIdentifier": "org.keyvora.keyvora", "CFBundleShortVersionString": VERSION,
                        "CFBundleVersion": BUILD, "SUEnableAutomaticChecks": False, "SUFeedURL": self.feed}
         (folder / "Info.plist").write_bytes(plistlib.dumps(information))
+        shutil.copy2(self.environment.keyvora.with_name("keyvora-tap"), folder)
         return Path(shutil.copy2(self.environment.keyvora, folder))
 
     def expect_rows(self, expected: list[str]) -> None:
