@@ -68,6 +68,7 @@ class DocumentsTest(DesktopTest):
         for _ in range(3):
             with suppress(Timeout):
                 return sheet.select(self.typist, cell)
+            x11.activate(sheet.window)  # as a user clicks a window that does not take the keys
         sheet.select(self.typist, cell)
 
     def fill(self, sheet: Spreadsheet) -> None:
