@@ -6,10 +6,10 @@
 
 namespace keyvora {
 
-/// The version as people write it (CFBundleShortVersionString); "dev" for a bundle that does not say.
+/// The version as people write it (CFBundleShortVersionString); "dev" for a bundle without one.
 std::string version(const platform::Bundle& bundle);
 
-/// The version that updates are compared by (CFBundleVersion); "0" for a bundle that does not say.
+/// The version by which updates are compared (CFBundleVersion); "0" for a bundle without one.
 std::string build(const platform::Bundle& bundle);
 
 }  // namespace keyvora

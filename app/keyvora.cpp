@@ -15,7 +15,7 @@ namespace {
 constexpr auto optionKey = "⌥";
 constexpr platform::Seconds trustPollInterval{2.0};
 
-/// What keeps the poll going: not the delegate but the loop it runs on.
+/// The timer of the poll. The scope owns it, not the delegate: the poll runs on without the delegate.
 struct ScheduledPoll {
   std::shared_ptr<platform::Timer> timer;
 };
@@ -58,7 +58,7 @@ void Keyvora::applicationDidFinishLaunching() {
 void Keyvora::installTap() {
   platform::current().keyboard.onFault([](const std::string& sentence) { Log::line(sentence); });
   if (KeySequenceTap::shared().install()) {
-    // The menu is left as it was built: a snapshot, until something calls for the next one.
+    // The menu is not rebuilt here: it is a snapshot until something else rebuilds it.
     Log::line("tap installed, " + sequenceCount() + " sequences, log at " + Log::url().string());
     return;
   }
@@ -70,7 +70,7 @@ void Keyvora::installTap() {
   trustPoll_ = scheduled.timer;
 }
 
-/// Each once, however often it is found.
+/// Logs each finding once, however often it is found.
 void Keyvora::reportFindings() {
   for (const auto& finding : platform::current().diagnosis.findings(MappingStore::shared().url())) {
     if (!reported_.insert(finding.name).second) continue;

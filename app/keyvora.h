@@ -17,10 +17,11 @@ class Keyvora : public std::enable_shared_from_this<Keyvora> {
   /// Fatal off the main thread.
   static std::shared_ptr<Keyvora> create();
 
-  /// Everything that happens once when the application's loop has started.
+  /// Called once, when the main loop has started. Starts everything else.
   void applicationDidFinishLaunching();
 
-  /// The status menu as it reads now. It is a snapshot: rows do not change until the menu is built again.
+  /// The status menu in its present state: a snapshot, whose rows do not change until the menu is built
+  /// again.
   [[nodiscard]] platform::Menu menu();
 
  private:
@@ -41,9 +42,9 @@ class Keyvora : public std::enable_shared_from_this<Keyvora> {
   void checkUpdates();
 
   std::unique_ptr<platform::StatusItem> status_;
-  /// Kept after it was invalidated.
+  /// Still held after it was invalidated.
   std::shared_ptr<platform::Timer> trustPoll_;
-  /// The names of the findings that are in the log.
+  /// The names of the findings that were logged.
   std::set<std::string> reported_;
 };
 

@@ -10,7 +10,7 @@ int main(int argc, char** argv) {
   const std::vector<std::string_view> arguments(argv, argv + argc);
   const auto refused = keyvora::refuseStart(*host, arguments);
   const int status = refused ? *refused : keyvora::processEntry(arguments);
-  // Not by leaving the scope: key tips may still be typed on another thread, and they need it.
+  // Ends the process without leaving the scope: another thread may still be typing key tips, and needs it.
   host->platform().process.exit(status);
   return status;
 }

@@ -63,7 +63,7 @@ platform::Menu Keyvora::menu() {
   add(command("Check for Updates…", 0, &Keyvora::checkUpdates));
   add(row("keyvora " + version(bundle)));
   add(MenuRow::separator());
-  // Not the delegate's: quitting is the application's own business.
+  // Quitting belongs to the application, not to the delegate.
   MenuRow quit = row("Quit keyvora", 'q', [] { platform::current().application.terminate(); });
   quit.endsApplication = true;
   add(std::move(quit));

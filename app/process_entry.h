@@ -10,11 +10,11 @@ class Host;
 
 namespace keyvora {
 
-/// The exit status of a process that found another one of the program at work.
+/// The exit status of a process that found another instance of the program running.
 inline constexpr int secondInstanceStatus = 3;
 
-/// What comes before `processEntry`, once the host is in force: none when the program may start, else the
-/// status that it ends with, after saying why. A process that only looks for updates is in nobody's way. Main
+/// The check before `processEntry`, once the host is chosen: none when the program may start, else the exit
+/// status, after printing why. A process that only looks for updates may run beside another instance. Main
 /// thread.
 std::optional<int> refuseStart(platform::Host& host, std::span<const std::string_view> arguments);
 

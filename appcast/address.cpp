@@ -26,7 +26,8 @@ std::string partOf(const Url& url, CURLUPart which) {
   return text != nullptr ? text : "";
 }
 
-/// Whether this is UTF-8 without control characters: paths are escaped, but a host is taken as it is written.
+/// Whether this is UTF-8 without control characters. Paths are escaped; a host is accepted as it is
+/// written.
 bool isText(std::string_view address) {
   while (!address.empty()) {
     const auto [value, length, wellFormed] = text::firstCodePoint(address);

@@ -9,8 +9,8 @@ namespace keyvora::appcast {
 /// https, or forms no address. Any thread.
 std::optional<std::string> webAddress(const std::string& reference, const std::string& base);
 
-/// Whether the address is under ".invalid", where by convention no server ever is: the feed of a build that
-/// was given none. Any thread.
+/// Whether the address is under ".invalid", a domain in which by convention no server exists: the feed of a
+/// build that was given none. Any thread.
 bool namesNoServer(const std::string& address);
 
 }  // namespace keyvora::appcast

@@ -36,7 +36,7 @@ std::string webAddressOf(const std::string& reference, const Context& context, c
   return *address;
 }
 
-/// As Sparkle makes one up from a file name like App_1.2.zip when the item does not say: 1.2.
+/// The version that Sparkle takes from a file name such as App_1.2.zip when the item has none: 1.2.
 std::string versionInFileName(const std::string& address) {
   const auto underscore = address.rfind('_');
   if (underscore == std::string::npos) return {};
@@ -61,10 +61,10 @@ bool isForThisSystem(const pugi::xml_node& enclosure) {
   return system.empty() || system == "linux";
 }
 
-/// The enclosure meant for this system; none where the item has none at all.
+/// The enclosure for this system; null when the item has none for it.
 struct Enclosure {
   pugi::xml_node element;
-  /// The item has enclosures, but not for this system.
+  /// The item has enclosures, but none for this system.
   bool isElsewhere = false;
 };
 
@@ -77,8 +77,8 @@ Enclosure enclosureOf(const pugi::xml_node& item) {
   return result;
 }
 
-/// Notes that can be shown as they are, and are not too long for it. They are HTML unless the feed says
-/// otherwise; HTML without a tag or a character reference reads like text.
+/// The notes, if they are short enough and can be shown without rendering. They are HTML unless the feed
+/// says otherwise; HTML without a tag or a character reference is the same as plain text.
 std::string notesOf(const pugi::xml_node& description) {
   auto notes = text(description);
   if (notes.size() > maxNotesLength) return {};
@@ -91,7 +91,7 @@ std::string notesOf(const pugi::xml_node& description) {
 FeedItem readItem(const pugi::xml_node& element, const pugi::xml_node& enclosure, const Context& context) {
   const auto sparkle = [&](const char* name) { return text(sparkleChild(element, name, context.languages)); };
   const auto plain = [&](const char* name) { return plainChild(element, name, context.languages); };
-  // Both versions may stand at the enclosure or in an element of their own.
+  // Both versions may be attributes of the enclosure or elements of their own.
   const auto versionNamed = [&](const char* name) {
     const std::string attribute = trimmed(sparkleAttribute(enclosure, name).value());
     return attribute.empty() ? sparkle(name) : attribute;
@@ -127,7 +127,7 @@ pugi::xml_node channelOf(const pugi::xml_document& document) {
   return channel;
 }
 
-/// How many children an item has; no further than it may have.
+/// How many children an item has; stops counting beyond the limit.
 std::size_t childrenOf(const pugi::xml_node& item) {
   std::size_t count = 0;
   for ([[maybe_unused]] const auto& child : item.children()) {

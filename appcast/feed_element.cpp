@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::string_view sparkleNamespace = "http://www.andymatuschak.org/xml-namespaces/sparkle";
 
-/// The first attributes of an element: there is no work for one that has a million of them.
+/// The first attributes of an element, up to a limit, so that an element with a million of them costs
+/// little.
 template <class Matches>
 pugi::xml_attribute findAttribute(const pugi::xml_node& element, Matches matches) {
   std::size_t looked = 0;
@@ -23,8 +24,8 @@ pugi::xml_attribute findAttribute(const pugi::xml_node& element, Matches matches
   return {};
 }
 
-/// A name's prefix, empty for none, if behind it stands `local`; none if something else does, or the prefix
-/// is longer than any. Looks at no more of the name than that takes.
+/// The name's prefix (empty for none) if the rest of the name is `local`; none if it is not, or if the
+/// prefix is too long. Reads no more of the name than that takes.
 std::optional<std::string_view> prefixBefore(std::string_view local, const char* name) {
   const std::size_t longest = maxPrefixLength + 1 + local.size();
   const std::string_view whole(name, strnlen(name, longest + 1));
@@ -47,7 +48,7 @@ std::string_view namespaceOf(std::string_view prefix, pugi::xml_node element) {
   return "";
 }
 
-/// How well an element's language suits: the lower the better.
+/// The rank of an element by its language: the lower the better.
 std::size_t languageRank(const pugi::xml_node& element, std::span<const std::string> languages) {
   const auto isLanguage = [](const pugi::xml_attribute& each) {
     return std::strcmp(each.name(), "xml:lang") == 0;

@@ -12,8 +12,8 @@ namespace keyvora::appcast {
 /// The attribute in Sparkle's namespace with this local name; null when there is none.
 pugi::xml_attribute sparkleAttribute(const pugi::xml_node& element, std::string_view name);
 
-/// The child element with this name, in Sparkle's namespace or plain; null when there is none. Of several,
-/// the one whose xml:lang comes first in `languages`, else one without a language, else the first.
+/// The child element with this name, in Sparkle's namespace or in none; null when there is none. Of
+/// several, the one whose xml:lang comes first in `languages`, else one without a language, else the first.
 pugi::xml_node sparkleChild(const pugi::xml_node& element, std::string_view name,
                             std::span<const std::string> languages);
 pugi::xml_node plainChild(const pugi::xml_node& element, std::string_view name,

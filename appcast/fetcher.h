@@ -9,26 +9,27 @@
 
 namespace keyvora::appcast {
 
-/// What a fetch may take. Beyond either limit it fails.
+/// The limits of a fetch. It fails when it reaches either.
 struct FetchLimits {
   std::chrono::milliseconds time{};
   std::size_t bytes = 0;
 };
 
-/// What a fetch brought: the content and the address it finally came from, or why it failed, for a person.
+/// The result of a fetch: the content and the address after redirects, or the reason of its failure for the
+/// user.
 struct Fetched {
   std::string bytes;
   std::string address;
   std::optional<std::string> error;
 };
 
-/// A fetch under way. Main thread. Destroying it cancels it: no answer comes after that.
+/// A fetch in progress. Main thread. Destroying it cancels it: `done` is not called after that.
 class Fetch {
  public:
   virtual ~Fetch() = default;
 };
 
-/// Brings documents from the web. Main thread.
+/// Fetches documents over HTTP. Main thread.
 class Fetcher {
  public:
   virtual ~Fetcher() = default;

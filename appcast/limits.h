@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-/// What a feed may have. A feed is read on the main thread, where keys wait: none, whatever it was made for,
-/// may take long. The limits are far beyond what a feed needs.
+/// Limits of a feed. It is read on the main thread, while keys wait, so even a hostile feed must be read
+/// quickly. The limits are far above what a real feed needs.
 namespace keyvora::appcast {
 
 inline constexpr std::size_t maxFeedBytes = 1024 * 1024;
@@ -13,16 +13,16 @@ inline constexpr std::size_t maxItems = 1000;
 inline constexpr std::size_t maxChildren = 200;
 inline constexpr std::size_t maxAllChildren = 10'000;
 
-/// Attributes of one element that are looked at.
+/// The attributes of one element that are read.
 inline constexpr std::size_t maxAttributes = 32;
 
-/// The prefix of a name, which stands for a namespace, and the name behind it.
+/// The prefix of a name, before the colon: it selects a namespace.
 inline constexpr std::size_t maxPrefixLength = 64;
 
 inline constexpr std::size_t maxVersionLength = 100;
 inline constexpr std::size_t maxAddressLength = 2048;
 
-/// Notes that stand in the feed itself; longer ones are not shown.
+/// Notes in the feed itself; longer ones are not shown.
 inline constexpr std::size_t maxNotesLength = 16 * 1024;
 
 }  // namespace keyvora::appcast

@@ -5,24 +5,24 @@
 
 namespace keyvora::appcast {
 
-/// An update as the user is told of it.
+/// An update as it is shown to the user.
 struct Announcement {
   std::string displayVersion;
-  /// The version that runs.
+  /// The version that is running.
   std::string currentVersion;
-  /// Release notes as text; empty when there are none, or they are a page of their own.
+  /// Release notes as text; empty when there are none, or when they are on a page of their own.
   std::string notes;
-  /// Where the release notes are, when they are a page of their own; else empty.
+  /// The address of the release notes, when they are on a page of their own; else empty.
   std::string notesAddress;
-  /// Where to read on or to get it; empty when the feed does not say.
+  /// The page to read more or to download from; empty when the feed names none.
   std::string address;
 };
 
-/// What the user does about an update: later is what closing the window means.
+/// The user's answer to an update. Closing the window means `later`.
 enum class Choice { open, skip, later };
 
-/// The window that shows a check and its answer; there is one, and each call replaces what it shows. Main
-/// thread. The callbacks are called at most once, by the user's doing, after the window has gone.
+/// The one window that shows a check and its answer; each call replaces its content. Main thread. The
+/// callbacks are called at most once, when the user acts, after the window has closed.
 class Presenter {
  public:
   virtual ~Presenter() = default;
@@ -35,10 +35,10 @@ class Presenter {
   virtual void showMessage(const std::string& title, const std::string& details,
                            std::function<void()> acknowledged) = 0;
 
-  /// Brings the window to the front, where there is one.
+  /// Brings the window to the front, if it is open.
   virtual void bringForward() = 0;
 
-  /// Takes the window away without a callback.
+  /// Closes the window without a callback.
   virtual void close() = 0;
 };
 

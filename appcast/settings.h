@@ -6,7 +6,7 @@
 
 namespace keyvora::appcast {
 
-/// How updates are looked for: what the bundle's information dictionary says, under the keys that Sparkle
+/// How updates are looked for: values of the bundle's information dictionary, under the keys that Sparkle
 /// reads.
 struct Settings {
   /// SUFeedURL; empty when the bundle has none.
@@ -14,7 +14,7 @@ struct Settings {
   /// CFBundleVersion and CFBundleShortVersionString.
   std::string version;
   std::string displayVersion;
-  /// SUEnableAutomaticChecks: whether checks run without being asked for.
+  /// SUEnableAutomaticChecks: whether checks run on a schedule.
   bool checksAutomatically = false;
   /// SUScheduledCheckInterval, at least an hour.
   std::chrono::seconds checkInterval{24 * 60 * 60};

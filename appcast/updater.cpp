@@ -14,7 +14,7 @@ platform::UpdateItem publicItem(const FeedItem& item) {
   return {item.displayVersion, item.version};
 }
 
-/// Where the user can read on or get the update: the page rather than the file.
+/// The address offered to the user: the item's page if it has one, else the file.
 std::string addressOf(const FeedItem& item) {
   return item.pageAddress.empty() ? item.downloadAddress : item.pageAddress;
 }
@@ -134,7 +134,8 @@ void Updater::fail(const std::string& why) {
   showThenEnd("keyvora could not look for updates", why, [this, why] { delegate_.didAbort(why); });
 }
 
-/// Tells the delegate when the user, if it was the user who asked, has read the answer.
+/// If the user asked for the check, shows the answer and tells the delegate when it is closed; otherwise
+/// tells the delegate at once.
 void Updater::showThenEnd(const std::string& title, const std::string& details,
                           std::function<void()> tellDelegate) {
   if (session_->kind == Kind::userAsked) {
@@ -149,7 +150,7 @@ void Updater::showThenEnd(const std::string& title, const std::string& details,
   scheduleNextCheck();
 }
 
-/// The end of a session that the user saw.
+/// Ends a session that was shown to the user.
 void Updater::endSession() {
   soon_.reset();
   session_.reset();

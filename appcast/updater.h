@@ -15,7 +15,7 @@
 
 namespace keyvora::appcast {
 
-/// What an updater works with; all of it outlives the updater.
+/// What an updater works with. All of it must outlive the updater.
 struct Surroundings {
   platform::MainLoop& mainLoop;
   Fetcher& fetcher;
@@ -25,8 +25,8 @@ struct Surroundings {
   std::function<void(const std::string&)> openAddress;
 };
 
-/// The updater where there is no update framework: reads the feed, tells the delegate in the framework's
-/// order of calls, and shows what it found. It installs nothing; that is the package manager's. Main thread.
+/// The updater on systems without an update framework: reads the feed, calls the delegate in the
+/// framework's order and shows the answer. It installs nothing; the package manager does that. Main thread.
 class Updater final : public platform::UpdaterController {
  public:
   Updater(Settings settings, Surroundings surroundings, platform::UpdaterDelegate& delegate);
@@ -38,13 +38,13 @@ class Updater final : public platform::UpdaterController {
   void checkForUpdates() override;
   void checkForUpdateInformation() override;
 
-  /// Whether a check is under way, or its answer is being shown.
+  /// Whether a check is in progress, or its answer is being shown.
   [[nodiscard]] bool isBusy() const { return session_ != nullptr; }
 
  private:
   enum class Kind { scheduled, userAsked, probe };
 
-  /// One check, from its start until its answer was told and closed.
+  /// One check, from its start until its answer was reported and closed.
   struct Session {
     Kind kind = Kind::probe;
     std::unique_ptr<Fetch> fetch;
@@ -68,7 +68,7 @@ class Updater final : public platform::UpdaterController {
   bool started_ = false;
   std::unique_ptr<Session> session_;
   std::unique_ptr<platform::Timer> nextCheck_;
-  /// What a session put off until the next pass of the loop.
+  /// Work that a session postponed to the next pass of the loop.
   std::unique_ptr<platform::Timer> soon_;
 };
 

@@ -11,13 +11,14 @@ namespace {
 
 enum class Kind { number, text, period, dash, separator };
 
-/// A run of one kind of character; periods and other separators stand alone.
+/// A run of characters of one kind; each separator is a part by itself.
 struct Part {
   Kind kind;
   std::string_view text;
 };
 
-/// White space and the characters that Unicode calls punctuation; signs such as + and ~ are none.
+/// White space and the characters that Unicode calls punctuation; symbols such as + and ~ are not among
+/// them.
 bool isSeparator(char c) {
   return (c >= '\t' && c <= '\r') ||
          std::string_view(" !\"#%&'()*,-/:;?@[\\]_{}").find(c) != std::string_view::npos;
@@ -34,7 +35,8 @@ bool isNumeric(const Part& part) {
   return part.kind == Kind::number || part.kind == Kind::period;
 }
 
-/// The parts up to the first dash; what follows one is not compared. A leading dash is a part like another.
+/// The parts up to the first dash; what follows it is not compared. A dash at the start is an ordinary
+/// part.
 std::vector<Part> split(std::string_view version) {
   version = version.substr(0, version.find('-', 1));
   std::vector<Part> parts;
@@ -52,8 +54,8 @@ std::vector<Part> split(std::string_view version) {
   return parts;
 }
 
-/// Gives both the same number of leading numbers and periods, so that 1.0 and 1.0.0 meet what follows them in
-/// the same place: the shorter is filled up with zeros after the other's shape.
+/// Gives both the same number of leading numbers and periods, so that in 1.0 and 1.0.0 the parts behind
+/// them are compared with each other: fills the shorter one with zeros in the shape of the longer.
 void balance(std::vector<Part>& a, std::vector<Part>& b) {
   const auto numericEnd = [](std::vector<Part>& parts) { return std::ranges::find_if_not(parts, isNumeric); };
   const auto lengthA = numericEnd(a) - a.begin();
@@ -66,7 +68,7 @@ void balance(std::vector<Part>& a, std::vector<Part>& b) {
   }
 }
 
-/// Compares by value; everything from 2^63-1 on counts as that.
+/// Compares by value; values from 2^63-1 on are equal.
 int compareNumbers(std::string_view a, std::string_view b) {
   static constexpr std::string_view greatest = "9223372036854775807";
   const auto value = [](std::string_view digits) {
@@ -90,8 +92,7 @@ int compareParts(const Part& a, const Part& b) {
   const bool numberB = b.kind == Kind::number;
   if (numberA && numberB) return compareNumbers(a.text, b.text);
   if (numberA != numberB) return numberA ? 1 : -1;
-  // A leading dash is no match for another separator; the one asked about then counts as the older, either
-  // way.
+  // Only one of them is a dash: then `a` counts as older, whichever side has the dash.
   return (a.kind == Kind::dash) == (b.kind == Kind::dash) ? 0 : -1;
 }
 
@@ -106,7 +107,8 @@ int compareVersions(std::string_view a, std::string_view b) {
     if (const int order = compareParts(partsA[i], partsB[i]); order != 0) return order;
   }
   if (partsA.size() == partsB.size()) return 0;
-  // Letters after the same version make it a forerunner (1.0b before 1.0), anything else a successor.
+  // Letters after the same version mark a pre-release (1.0b before 1.0); anything else marks a later
+  // version.
   const bool aIsLonger = partsA.size() > partsB.size();
   const bool letters = (aIsLonger ? partsA : partsB)[common].kind == Kind::text;
   return aIsLonger == letters ? -1 : 1;

@@ -14,8 +14,8 @@ struct Encoding {
   std::size_t markLength = 0;
 };
 
-/// The first two characters of a document are ASCII, or it is a single digit: so the zeros among its first
-/// bytes tell.
+/// Detects the encoding by the zeros among the first bytes: the first two characters of a document are
+/// ASCII, or it is a single digit.
 Encoding encodingByZeros(std::string_view bytes) {
   const auto zero = [&](std::size_t i) { return bytes[i] == '\0'; };
   if (bytes.size() >= 4) {
@@ -46,7 +46,7 @@ class Units {
 
   [[nodiscard]] bool atEnd() const { return bytes_.empty(); }
 
-  /// The next unit; none when the bytes end within it.
+  /// The next unit; none when fewer bytes are left than it has.
   std::optional<char32_t> next() {
     if (bytes_.size() < encoding_.unit) return {};
     char32_t unit = 0;

@@ -19,8 +19,8 @@ bool isWhole(std::string_view text, Number& value) {
   return error == std::errc() && end == text.data() + text.size();
 }
 
-/// The value of a number that is known to be between 2^53 and 2^63, exactly: its digits, with the point where
-/// the exponent moves it.
+/// The exact value of a number between 2^53 and 2^63: its digits, with the decimal point moved by the
+/// exponent.
 std::variant<std::int64_t, NotAnInteger> exactly(std::string_view number) {
   const auto mark = std::min(number.find_first_of("eE"), number.size());
   std::string digits;

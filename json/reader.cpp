@@ -11,7 +11,7 @@
 namespace keyvora::json {
 namespace {
 
-/// The place of offset `end` in the text, given that of offset `begin` before it.
+/// The position of offset `end` in the text, counted from the known position of offset `begin`.
 Position positionAt(std::string_view text, std::size_t end, Position position = {}, std::size_t begin = 0) {
   for (std::size_t i = begin; i < end; ++i) {
     if (text[i] == '\n' || (text[i] == '\r' && text.substr(i + 1, 1) != "\n")) {
@@ -24,10 +24,10 @@ Position positionAt(std::string_view text, std::size_t end, Position position = 
   return position;
 }
 
-/// How many bytes lie between two places that a tree knows.
+/// The distance in bytes between two stored positions.
 constexpr std::size_t milestone = 1024;
 
-/// The places of the offsets 0, 1024, 2048, ...
+/// The positions of the offsets 0, 1024, 2048, ...
 std::vector<Position> milestonesOf(std::string_view text) {
   std::vector<Position> places{Position{}};
   places.reserve(text.size() / milestone + 1);
@@ -49,18 +49,18 @@ std::optional<char32_t> hexadecimal(std::string_view digits) {
 
 }  // namespace
 
-/// Reads a document by recursive descent, as deep as `maximumDepth` lets it. Each step reads what it is named
-/// after; the first fault is kept and ends them all with false.
+/// Reads a document by recursive descent, at most `maximumDepth` levels deep. Each step is named after what
+/// it reads and returns false on a fault. Only the first fault is kept.
 class Reader {
  public:
   explicit Reader(Tree& tree) : tree_(tree), text_(tree.text()) {
-    // A document that people write has a key or value every dozen bytes or more.
+    // Documents written by people have at least one key or value in every dozen bytes.
     constexpr std::size_t bytesPerNode = 12;
     constexpr std::size_t mostReserved = std::size_t{1} << 16;
     tree_.nodes_.reserve(std::min(text_.size() / bytesPerNode, mostReserved));
   }
 
-  /// Reads the whole text; the error, when it is not JSON.
+  /// Reads the whole text. Returns the error if it is not JSON.
   std::optional<SyntaxError> read() {
     if (next() == end) {
       fail("the document is empty", at_);
@@ -71,7 +71,7 @@ class Reader {
   }
 
  private:
-  /// Stands for the character after the last.
+  /// The value of `peek` and `next` at the end of the text.
   static constexpr int end = -1;
 
   [[nodiscard]] int peek() const { return at_ < text_.size() ? static_cast<unsigned char>(text_[at_]) : end; }
@@ -95,7 +95,7 @@ class Reader {
     return false;
   }
 
-  /// The character at an offset as it can be shown on a line: itself, or its number when it does not print.
+  /// The character at an offset, for an error message: itself, or its number when it does not print.
   [[nodiscard]] std::string shown(std::size_t offset) const {
     if (offset >= text_.size()) return "the end of the document";
     const auto codePoint = text::firstCodePoint(text_.substr(offset));
@@ -110,7 +110,7 @@ class Reader {
     return fail("expected " + std::string(what) + ", found " + shown(at_), at_);
   }
 
-  /// Adds the node of what starts at an offset; its size and the rest are filled in when they are known.
+  /// Adds a node that starts at an offset; its size and the rest are filled in later.
   bool add(Type type, std::size_t offset) {
     if (tree_.nodes_.size() == maximumNodes) {
       return fail("more than " + std::to_string(maximumNodes) + " keys and values", offset);
@@ -164,7 +164,7 @@ class Reader {
     return true;
   }
 
-  /// An array or object; one comma may trail.
+  /// An array or object; one trailing comma is allowed.
   bool container(Type type, std::string_view separator) {
     if (depth_ == maximumDepth) {
       return fail("arrays and objects nest more than " + std::to_string(maximumDepth) + " deep", at_);

@@ -9,15 +9,15 @@
 #include <variant>
 #include <vector>
 
-/// JSON read into a tree in which every key and value knows where it stands in the document. The dialect is
-/// that of the platform's own decoder: UTF-8 with or without a byte-order mark, UTF-16 or UTF-32; one comma
-/// may trail in an array or object; containers nest at most `maximumDepth` deep; strings are whole Unicode
-/// text.
+/// JSON read into a tree in which every key and value knows its position in the document. The dialect is
+/// that of the platform's own decoder: UTF-8 with or without a byte-order mark, UTF-16 or UTF-32; an array
+/// or object may have one trailing comma; containers nest at most `maximumDepth` deep; strings are
+/// well-formed Unicode.
 namespace keyvora::json {
 
 /// Containers deeper than this are an error.
 inline constexpr std::size_t maximumDepth = 512;
-/// More keys and values than this are an error: it bounds the memory that any document can take.
+/// More keys and values than this are an error. This bounds the memory that a document can take.
 inline constexpr std::size_t maximumNodes = std::size_t{1} << 22;
 /// A longer document is an error.
 inline constexpr std::size_t maximumBytes = std::size_t{1} << 31;
@@ -42,7 +42,7 @@ class Tree;
 class Elements;
 class Members;
 
-/// One value (or key) of a tree: a small handle, valid as long as the tree stays where it is.
+/// One value (or key) of a tree: a small handle, valid until the tree is destroyed or moved.
 class Value {
  public:
   [[nodiscard]] Type type() const;
@@ -51,13 +51,13 @@ class Value {
   /// for containers. Points into the tree or its bytes.
   [[nodiscard]] std::string_view text() const;
 
-  /// How many elements or members a container has, duplicates counted; 0 for the rest.
+  /// How many elements or members a container has, duplicates counted; 0 for other values.
   [[nodiscard]] std::size_t size() const;
 
-  /// Where its first character stands.
+  /// The position of its first character.
   [[nodiscard]] Position position() const;
 
-  /// The same in bytes, in the document as UTF-8 without a byte-order mark.
+  /// The offset of its first character in bytes, in the document as UTF-8 without a byte-order mark.
   [[nodiscard]] std::size_t offset() const;
 
   /// Its elements in order; empty unless an array.
@@ -87,7 +87,7 @@ struct Member {
 class Tree {
  public:
   /// Reads a whole document. The tree keeps views of `bytes`, which must outlive it. Never throws for bad
-  /// input, and takes time and memory in proportion to the bytes, whatever they are.
+  /// input. Time and memory are proportional to the number of bytes.
   static std::variant<Tree, SyntaxError> parse(std::string_view bytes);
 
   [[nodiscard]] Value root() const { return {*this, 0}; }
@@ -98,15 +98,15 @@ class Tree {
   friend class Members;
   friend class Reader;
 
-  /// The nodes are the document in its order: a container's content follows it, a member is its key's node
-  /// and then its value's.
+  /// The nodes are in the order of the document: a container is followed by its content, a member's key by
+  /// its value.
   struct Node {
-    /// Of the first character in the text.
+    /// The offset of the first character in the text.
     std::uint32_t offset;
-    /// Bytes of a scalar; elements or members of a container.
+    /// The bytes of a scalar; the number of elements or members of a container.
     std::uint32_t size;
-    /// Of a container: the index of the node after its content. Of a string with escapes: where its
-    /// characters start in `unescaped_`.
+    /// For a container: the index of the node after its content. For a string with escapes: the offset of
+    /// its characters in `unescaped_`.
     std::uint32_t extra;
     Type type;
     bool escaped;
@@ -117,13 +117,13 @@ class Tree {
   /// The document as UTF-8 without a byte-order mark.
   [[nodiscard]] std::string_view text() const { return converted_.empty() ? bytes_ : converted_; }
 
-  /// The caller's bytes, when they are UTF-8, and what was made of them otherwise.
+  /// The caller's bytes when they are UTF-8; otherwise the converted text.
   std::string_view bytes_;
   std::string converted_;
   std::string unescaped_;
   std::vector<Node> nodes_;
-  /// The places of every so many bytes of the text, so that a value's place takes no look at what is far
-  /// before it.
+  /// The position of every 1024th byte of the text, so that finding a value's position reads only the text
+  /// since then.
   std::vector<Position> milestones_;
 };
 

@@ -6,7 +6,7 @@
 
 namespace keyvora::json {
 
-/// Writes compact JSON, piece by piece and in order; commas come by themselves. Text is well-formed UTF-8.
+/// Writes compact JSON, piece by piece and in order, and adds the commas. Text must be well-formed UTF-8.
 /// Used by one thread at a time.
 class Writer {
  public:
@@ -21,7 +21,7 @@ class Writer {
   void string(std::string_view text);
   void number(std::int64_t number);
 
-  /// What was written; whole once everything that was begun has ended.
+  /// The text so far; a complete document once every container is closed.
   [[nodiscard]] const std::string& text() const { return text_; }
 
  private:
@@ -31,7 +31,7 @@ class Writer {
   void quoted(std::string_view text);
 
   std::string text_;
-  /// Whether the next value follows another and needs a comma.
+  /// Whether the next value needs a comma before it.
   bool follows_ = false;
 };
 

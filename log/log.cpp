@@ -11,7 +11,7 @@
 namespace keyvora {
 namespace {
 
-/// How long the end of the process may wait for records that are not yet written.
+/// How long the end of the process may wait for records that are not written yet.
 constexpr std::chrono::milliseconds exitLimit(2000);
 
 struct Location {
@@ -24,7 +24,7 @@ std::unique_ptr<Location> locate() {
   return std::make_unique<Location>(Location{*library / "Logs" / "keyvora.log"});
 }
 
-/// Writes records one after another on a queue of its own.
+/// Writes records one after another on its own queue.
 class Writer {
  public:
   Writer() {
@@ -47,7 +47,7 @@ class Writer {
   void drain(std::chrono::milliseconds limit) { queue_->drain(limit); }
 
  private:
-  /// The file is opened anew for every record, so that one who moves or deletes it starts a new one.
+  /// Opens the file for every record, so that a user who moves or deletes it gets a new one.
   void write(const std::string& record) const {
     files_.createDirectories(url_.parent_path());
     if (!files_.append(url_, record)) files_.replace(url_, record);
@@ -55,7 +55,7 @@ class Writer {
 
   platform::FileSystem& files_ = platform::current().fileSystem;
   const std::filesystem::path& url_ = Log::url();
-  /// The last member: it ends before what its work uses.
+  /// The last member: destroyed first, because its work uses the others.
   std::shared_ptr<platform::SerialQueue> queue_;
 };
 

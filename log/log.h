@@ -10,14 +10,14 @@ namespace keyvora {
 /// directory, with a copy to the console.
 class Log {
  public:
-  /// Writes the console copy and takes the time stamp on the caller's thread, then hands the record to the
-  /// log's own queue and returns. Any thread; never fails, never waits for the file.
+  /// Writes the console copy and takes the time stamp on the caller's thread, then passes the record to the
+  /// log's queue and returns. Any thread; never fails, never waits for the file.
   static void line(std::string_view message);
 
   /// Where the log file is. Stops the process when the user has no Library directory. Any thread.
   static const std::filesystem::path& url();
 
-  /// Waits until all records submitted so far are written, for `limit` at the most.
+  /// Waits until all records submitted so far are written, for at most `limit`.
   static void drain(std::chrono::milliseconds limit);
 };
 

@@ -12,7 +12,8 @@ namespace {
 using json::Type;
 using json::Value;
 
-/// The way to the value that is being decoded, kept on the stack: it becomes a `CodingPath` only for a fault.
+/// The path to the value that is being decoded, kept on the stack. It becomes a `CodingPath` only when
+/// there is a fault.
 struct Path {
   const Path* parent = nullptr;
   std::variant<std::string_view, std::size_t> last;
@@ -52,15 +53,15 @@ std::string expected(Type type, Type found) {
   return std::string("expected ").append(withArticle(type)).append(", found ").append(withArticle(found));
 }
 
-/// A number as a line can show it, however long it is.
+/// A number, cut to a length that fits on a line.
 std::string shortened(std::string_view number) {
   constexpr std::size_t longest = 40;
   if (number.size() <= longest) return std::string(number);
   return std::string(number.substr(0, longest)) + "…";
 }
 
-/// Decodes one tree. Every operation gives nothing when the value is faulty, after the sink has heard of it;
-/// once the sink has had enough, nothing more is looked at.
+/// Decodes one tree. Every operation returns nothing for a faulty value, after reporting the fault to the
+/// sink. When the sink asks to stop, nothing more is decoded.
 class Decoder {
  public:
   explicit Decoder(DecodeSink& sink) : sink_(sink) {}
@@ -89,7 +90,7 @@ class Decoder {
     stopped_ = !sink_.fault(std::move(error));
   }
 
-  /// Whether a value is of the type that is asked for.
+  /// Whether a value has the expected type.
   bool expect(const Value& value, Type type, const Path* path) {
     if (stopped_) return false;
     if (value.type() == type) return true;
@@ -99,7 +100,7 @@ class Decoder {
     return false;
   }
 
-  /// The value of an object's key, if it is of the type that is asked for. Null counts as absent.
+  /// The value of an object's key, if it has the expected type. Null counts as absent.
   std::optional<Value> at(const Value& object, const Path& path, Type type, Presence presence) {
     if (stopped_) return {};
     const auto key = std::get<std::string_view>(path.last);
@@ -157,7 +158,7 @@ class Decoder {
     return result;
   }
 
-  /// Of keys that are the same the first counts, but the values of all have to be strings.
+  /// Of equal keys the first counts, but all values must be strings.
   void decodeTabs(const Value& root, Mapping& result) {
     const Path path{nullptr, key::tabs};
     const auto tabs = at(root, path, Type::object, Presence::required);

@@ -17,7 +17,7 @@ bool isPlainKey(std::string_view key) {
   return !key.empty() && key.size() <= longestKey && letter(key.front()) && std::ranges::all_of(key, plain);
 }
 
-/// The key in quotes, with what would break the line as escapes.
+/// The key in quotes; characters that would break the line are escaped.
 std::string quoted(std::string_view key) {
   const bool cut = key.size() > longestKey;
   if (cut) {

@@ -7,7 +7,7 @@
 namespace keyvora {
 namespace {
 
-/// How typed letters stand to a sequence's.
+/// How the typed letters relate to a sequence's letters.
 enum class Relation { none, prefix, same };
 
 bool isAsciiWhiteSpace(char c) {
@@ -19,7 +19,7 @@ bool isLetter(const std::string& typed, char letter) {
   return text::equal(typed, std::string_view(&letter, 1));
 }
 
-/// `keys` is ASCII: each of its characters is a letter by itself, but for a line end of two, which is
+/// `keys` is ASCII: each of its characters is a letter by itself, except CR LF, which is one character and
 /// dropped.
 Relation relateAscii(std::span<const std::string> typed, std::string_view keys) {
   std::size_t matched = 0;
@@ -32,8 +32,8 @@ Relation relateAscii(std::span<const std::string> typed, std::string_view keys) 
   return matched == typed.size() ? Relation::same : Relation::none;
 }
 
-/// Whether the first characters alone tell that the letters differ, as most do: an ASCII letter is
-/// canonically equivalent to nothing that starts with another.
+/// Whether the first characters already show that the letters differ, as they usually do: an ASCII letter
+/// is canonically equivalent only to strings that start with it.
 bool startsOtherwise(std::span<const std::string> typed, std::string_view keys) {
   if (typed.empty() || typed.front().size() != 1 || keys.empty()) return false;
   const char first = keys.front();

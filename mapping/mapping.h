@@ -17,18 +17,18 @@ namespace keyvora {
 struct Sequence {
   /// The letters to type after tapping Option, as written.
   std::string keys;
-  /// For people to read; with `keys` it labels every log line about the action.
+  /// For people to read; with `keys` it is the label of every log line about the action.
   std::string name;
   Action action;
 
-  /// The letters of `keys`: upper-cased, split into user-perceived characters, white space dropped. Computed
-  /// at every call.
+  /// The letters of `keys`: upper-cased, split into user-perceived characters, white space removed.
+  /// Computed at each call.
   [[nodiscard]] std::vector<std::string> letters() const;
 
   friend bool operator==(const Sequence& a, const Sequence& b);
 };
 
-/// What typed letters mean to a mapping.
+/// The result of matching typed letters against a mapping.
 struct Match {
   /// The last sequence with exactly these letters, or null. Points into the mapping.
   const Sequence* exact = nullptr;
@@ -36,7 +36,7 @@ struct Match {
   bool isPrefixOfLonger = false;
 };
 
-/// Orders dictionary keys so that canonically equivalent ones are the same key.
+/// An order of dictionary keys in which canonically equivalent keys are equal.
 struct KeyOrder {
   using is_transparent = void;
   bool operator()(std::string_view a, std::string_view b) const;
@@ -48,17 +48,17 @@ struct Mapping {
 
   std::int64_t version = 1;
   std::optional<std::vector<std::string>> notes;
-  /// As written; not validated. `timeout` says what it means.
+  /// As written, not validated; see `timeout`.
   std::optional<std::int64_t> timeoutMilliseconds;
   std::map<std::string, std::string, KeyOrder> tabs;
-  /// In document order, which decides ties.
+  /// In document order, which decides between equal letters.
   std::vector<Sequence> sequences;
 
-  /// Matches the letters typed so far against all sequences, normalising each anew. Allocates nothing for
-  /// sequences whose keys are ASCII. Any thread.
+  /// Matches the letters typed so far against all sequences, normalising each of them. Allocates nothing
+  /// for sequences with ASCII keys. Any thread.
   [[nodiscard]] Match lookup(std::span<const std::string> typed) const;
 
-  /// How long to wait on an ambiguous sequence: what the document says, unchecked, else the default.
+  /// How long to wait on an ambiguous sequence: the document's value, not validated, else the default.
   [[nodiscard]] std::chrono::milliseconds timeout() const;
 
   friend bool operator==(const Mapping& a, const Mapping& b);

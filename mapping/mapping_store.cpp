@@ -13,10 +13,10 @@
 namespace keyvora {
 namespace {
 
-/// From a change of the file to its reload.
+/// The delay between a change of the file and its reload.
 constexpr platform::Seconds reloadDelay(0.2);
 
-/// In force when the first load fails.
+/// The document until the first successful load.
 Mapping fallback() {
   Mapping mapping;
   mapping.version = 1;
@@ -24,7 +24,7 @@ Mapping fallback() {
   return mapping;
 }
 
-/// The user's file, in a directory that is made when it is missing.
+/// The path of the user's file. Creates its directory.
 std::filesystem::path locate(platform::FileSystem& files) {
   const auto support = files.applicationSupportDirectory();
   if (!support) platform::trap();
@@ -33,7 +33,7 @@ std::filesystem::path locate(platform::FileSystem& files) {
   return directory / "mappings.json";
 }
 
-/// The document, or why there is none.
+/// The document, or why it could not be loaded.
 std::variant<Mapping, std::string> load(const std::filesystem::path& path) {
   const auto contents = platform::current().fileSystem.read(path);
   if (contents.error) return *contents.error;
@@ -83,7 +83,7 @@ void MappingStore::watch() {
 }
 
 void MappingStore::fileChanged() {
-  // Every notification gets a reload and a watch of its own: the path may name another file by now.
+  // Each notification gets its own reload and a new watch: the path may name another file by now.
   platform::current().mainLoop.after(reloadDelay, [self = std::weak_ptr(self_)] {
     const auto store = self.lock();
     if (!store) return;

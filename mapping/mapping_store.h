@@ -11,21 +11,21 @@
 
 namespace keyvora {
 
-/// Owner of the live mapping document: finds or creates the user's file, loads it, watches it, and keeps the
-/// last good document when a new one fails to load. Main thread only.
+/// Owner of the live mapping document: finds or creates the user's file, loads it, watches it, and keeps
+/// the last good document when a new one fails to load. Main thread only.
 class MappingStore {
  public:
-  /// The process's store, initialised on first access.
+  /// The process's store, created on first access.
   static MappingStore& shared();
 
-  /// Finds the file, copies the default document there when it is missing, loads it without a word and starts
-  /// watching. Stops the process when the user has no Application Support directory.
+  /// Finds the file, or copies the default document there; loads it and starts watching it. A failure of
+  /// this first load is not reported. Stops the process when the user has no Application Support directory.
   MappingStore();
   ~MappingStore();
   MappingStore(const MappingStore&) = delete;
   MappingStore& operator=(const MappingStore&) = delete;
 
-  /// The current document; always a whole one. Changes only inside `reload`.
+  /// The current document, always a complete one. Changes only inside `reload`.
   [[nodiscard]] const Mapping& mapping() const { return mapping_; }
 
   /// Where `mappings.json` is.
@@ -37,8 +37,7 @@ class MappingStore {
   /// Called with the new document after every successful `reload`.
   std::function<void(const Mapping&)> onReload;
 
-  /// Reads the file again. A document that fails to load leaves the current one in place. Never fails
-  /// outward.
+  /// Reads the file again. When it fails to load, the current document stays and `lastError` says why.
   void reload();
 
  private:
@@ -49,7 +48,7 @@ class MappingStore {
   std::filesystem::path url_;
   std::unique_ptr<platform::FileWatch> source_;
   std::optional<std::string> lastError_;
-  /// Delayed blocks hold it weakly: they do nothing once the store is gone.
+  /// Held weakly by delayed blocks, which do nothing once the store is destroyed.
   std::shared_ptr<MappingStore*> self_;
 };
 

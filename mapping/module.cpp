@@ -17,7 +17,7 @@ struct Module {
 
 std::unique_ptr<Module> find() {
   auto& bundles = platform::current().bundles;
-  // One at a time: a place is not even asked for once an earlier one had it.
+  // Lazily: a directory is only looked up if no earlier one had the bundle.
   const auto openIn = [&bundles](const std::optional<std::filesystem::path>& directory) {
     return directory ? bundles.open(*directory / "keyvora_keyvora.bundle") : nullptr;
   };

@@ -4,8 +4,8 @@
 
 namespace keyvora {
 
-/// The resource bundle that carries the default mapping document, found once, when it is first asked for.
-/// Fatal when there is none: a program without it was not put together right. Any thread.
+/// The resource bundle with the default mapping document, looked up once, on first access. Fatal when it is
+/// missing: the program is not installed correctly. Any thread.
 const platform::Bundle& module();
 
 }  // namespace keyvora

@@ -19,7 +19,7 @@ class Application {
   virtual ~Application() = default;
 
   /// Gives the application its delegate, which calls `didFinishLaunching` once when the main loop has
-  /// started. Before everything else that is asked of the application.
+  /// started. Must be the first call.
   virtual void setDelegate(std::function<void()> didFinishLaunching) = 0;
 
   virtual void setActivationPolicy(ActivationPolicy policy) = 0;
@@ -27,7 +27,7 @@ class Application {
   /// Brings the application's windows to the front.
   virtual void activate() = 0;
 
-  /// Runs the main loop until `terminate`. Returns the process's exit status, where it returns.
+  /// Runs the main loop until `terminate`. Returns the exit status, on systems where it returns.
   virtual int run() = 0;
 
   /// Ends the application normally, with status 0.

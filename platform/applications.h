@@ -20,20 +20,21 @@ class Applications {
   /// order; empty when there are none.
   virtual std::vector<ProcessIdentifier> running(std::string_view bundleIdentifier) = 0;
 
-  /// Bundle identifier of the application in front; none when no application is, or it has none. It is asked
-  /// for at every keyboard event: no allocation, no round trip. The view is good until the next call.
+  /// Bundle identifier of the application in front; none when there is no such application, or it has no
+  /// identifier. Called for every keyboard event: must not allocate or make a round trip. The view is valid
+  /// until the next call.
   virtual std::optional<std::string_view> frontmostBundleIdentifier() = 0;
 };
 
-/// Opens files and addresses in whatever the user's desktop has for them. Main thread.
+/// Opens files and addresses with the user's default programs. Main thread.
 class Workspace {
  public:
   virtual ~Workspace() = default;
 
-  /// Opens the file at an absolute path. Failures are the desktop's to show.
+  /// Opens the file at an absolute path. The desktop shows failures.
   virtual void openFile(const std::string& path) = 0;
 
-  /// Opens an address; one that does not form is passed over.
+  /// Opens an address. A malformed address is ignored.
   virtual void openAddress(const std::string& address) = 0;
 };
 

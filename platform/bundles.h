@@ -27,7 +27,7 @@ class Bundle {
   /// the value is not text.
   [[nodiscard]] virtual std::optional<std::string> information(std::string_view key) const = 0;
 
-  /// The reverse-domain name that tells the bundle from all others; none when it has none.
+  /// The bundle's unique reverse-domain name; none when it has none.
   [[nodiscard]] virtual std::optional<std::string> identifier() const = 0;
 };
 
@@ -39,10 +39,10 @@ class Bundles {
   /// The bundle of the running program.
   virtual const Bundle& main() = 0;
 
-  /// The bundle that contains this code, which is another than `main` where it was linked into a framework.
+  /// The bundle that contains this code. It differs from `main` when the code was linked into a framework.
   virtual const Bundle& containing() = 0;
 
-  /// Opens the directory as a bundle; null when it is none.
+  /// Opens the directory as a bundle; null when it is not one.
   virtual std::unique_ptr<Bundle> open(const std::filesystem::path& directory) = 0;
 };
 

@@ -4,7 +4,7 @@
 
 namespace keyvora::platform {
 
-/// The wall clock, as people read it.
+/// The wall clock.
 class Clock {
  public:
   virtual ~Clock() = default;

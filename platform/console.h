@@ -9,7 +9,7 @@ class Console {
  public:
   virtual ~Console() = default;
 
-  /// Writes one record. Any thread. Never blocks: a console that cannot take the record loses it.
+  /// Writes one record. Any thread. Never blocks: a record that the console cannot take is lost.
   virtual void write(std::string_view record) = 0;
 };
 

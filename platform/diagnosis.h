@@ -7,34 +7,35 @@
 
 namespace keyvora::platform {
 
-/// Something about this machine that keeps sequences from working, or makes them unsafe; texts for a person.
+/// A condition of this machine that keeps sequences from working, or makes them unsafe. Texts are for the
+/// user.
 struct Finding {
-  /// A few words by which it is known: "no window manager".
+  /// A short name: "no window manager".
   std::string name;
-  /// What does not work, and what to do about it; a sentence or two each.
+  /// What does not work, and what to do about it; one or two sentences each.
   std::string sentence;
   std::string remedy;
   /// Whether some sequences do not work because of it.
   bool stopsSequences = false;
 };
 
-/// Something that is known about this machine: "window manager", "Openbox".
+/// A property of this machine: "window manager", "Openbox".
 struct Fact {
   std::string name;
   std::string value;
 };
 
-/// What the host knows about why sequences work here, or do not. Main thread. It asks anew each time, and may
-/// take a second or two where a part of the desktop does not answer.
+/// What the host knows about why sequences work on this machine, or do not. Main thread. Each call examines
+/// the machine again, and may take a second or two when a part of the desktop does not answer.
 class Diagnosis {
  public:
   virtual ~Diagnosis() = default;
 
-  /// All that stands in the way now, the worst first; empty where the system itself asks and tells the user.
-  /// `document` is where the mapping document is, or is to be.
+  /// All conditions found now, the worst first; empty on systems that inform the user themselves.
+  /// `document` is the path of the mapping document, which need not exist.
   virtual std::vector<Finding> findings(const std::filesystem::path& document) = 0;
 
-  /// What stands behind the findings, and about the target, by its bundle identifier.
+  /// The facts behind the findings, and facts about the target, given by its bundle identifier.
   virtual std::vector<Fact> facts(std::string_view target) = 0;
 };
 

@@ -4,11 +4,11 @@
 
 namespace keyvora::platform {
 
-/// Ends the process on the spot after writing "Fatal error: " and the message to standard error: a broken
-/// invariant, or a part that the program cannot do without. Any thread.
+/// Ends the process at once after writing "Fatal error: " and the message to standard error. For a broken
+/// invariant, or a missing part that the program cannot work without. Any thread.
 [[noreturn]] void fatal(std::string_view message);
 
-/// Ends the process on the spot, without a word. Any thread.
+/// Ends the process at once, without a message. Any thread.
 [[noreturn]] void trap();
 
 /// Fatal unless called on the main thread of the current host; `what` names the caller.

@@ -9,7 +9,7 @@
 
 namespace keyvora::platform {
 
-/// A file's content, or why it could not be read: one line for a person, in the platform's own words.
+/// A file's content, or why it could not be read: one line for the user, in the platform's words.
 struct FileContents {
   std::string bytes;
   std::optional<std::string> error;
@@ -20,7 +20,7 @@ class FileWatch {
  public:
   virtual ~FileWatch() = default;
 
-  /// No handler runs after this. May be called more than once, and from the handler.
+  /// No handler runs after this. May be called more than once, also from the handler.
   virtual void cancel() = 0;
 };
 
@@ -35,28 +35,28 @@ class FileSystem {
   /// The first of the user's Library directories; none when the list is empty. Any thread.
   virtual std::optional<std::filesystem::path> libraryDirectory() = 0;
 
-  /// Creates the directory and its missing parents; true when it is there afterwards. Any thread.
+  /// Creates the directory and its missing parents; true when it exists afterwards. Any thread.
   virtual bool createDirectories(const std::filesystem::path& directory) = 0;
 
-  /// Whether something is at the path, links followed. Any thread.
+  /// Whether something exists at the path, links followed. Any thread.
   virtual bool exists(const std::filesystem::path& path) = 0;
 
-  /// Copies a file to a path where nothing is yet; false when it could not. Any thread.
+  /// Copies a file to a path that does not exist yet; false on failure. Any thread.
   virtual bool copy(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
 
   /// Reads a whole file. Main thread.
   virtual FileContents read(const std::filesystem::path& path) = 0;
 
-  /// Opens an existing file for writing, adds the bytes at its end and closes it. False only when it could
-  /// not be opened; what cannot be written after that is lost without a word. Any thread.
+  /// Opens an existing file for writing, appends the bytes and closes it. False only when it could not be
+  /// opened; a later failure loses the bytes and is not reported. Any thread.
   virtual bool append(const std::filesystem::path& path, std::string_view bytes) = 0;
 
   /// Makes the bytes the file's whole content: written beside it, then moved into place. Any thread.
   virtual bool replace(const std::filesystem::path& path, std::string_view bytes) = 0;
 
-  /// Watches the file that the path names now for writing, deletion and renaming; `handler` runs on the main
-  /// thread for each notification. The watch stays with that file, not with the path: after a deletion or a
-  /// renaming it hears nothing more. Null when the file cannot be opened. Main thread.
+  /// Watches the file that the path names now for writing, deletion and renaming; `handler` runs on the
+  /// main thread for each notification. The watch stays with that file, not with the path: after a deletion
+  /// or a renaming there are no more notifications. Null when the file cannot be opened. Main thread.
   virtual std::unique_ptr<FileWatch> watch(const std::filesystem::path& path,
                                            std::function<void()> handler) = 0;
 };

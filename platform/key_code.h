@@ -2,9 +2,8 @@
 
 #include <cstdint>
 
-/// The virtual key codes of macOS (HIToolbox, Events.h), by the names of its ANSI keyboard. A code names a
-/// place on the keyboard, whatever the layout types there. Every host and every component takes them from
-/// here.
+/// The virtual key codes of macOS (HIToolbox, Events.h), by the key names of its ANSI keyboard. A code
+/// names a place on the keyboard, independent of the layout. Every host and every component uses these.
 namespace keyvora::platform::key_code {
 
 inline constexpr std::uint16_t a = 0;
@@ -58,11 +57,11 @@ inline constexpr std::uint16_t grave = 50;
 inline constexpr std::uint16_t returnKey = 36;
 inline constexpr std::uint16_t tab = 48;
 inline constexpr std::uint16_t space = 49;
-/// Backspace on other keyboards.
+/// Called Backspace on other keyboards.
 inline constexpr std::uint16_t deleteKey = 51;
 inline constexpr std::uint16_t escape = 53;
 
-// The modifier keys, one after the other.
+// The modifier keys, in the order of their codes.
 inline constexpr std::uint16_t rightCommand = 54;
 inline constexpr std::uint16_t leftCommand = 55;
 inline constexpr std::uint16_t leftShift = 56;
@@ -95,11 +94,11 @@ inline constexpr std::uint16_t f18 = 79;
 inline constexpr std::uint16_t f19 = 80;
 inline constexpr std::uint16_t f20 = 90;
 
-/// Insert on other keyboards.
+/// Called Insert on other keyboards.
 inline constexpr std::uint16_t help = 114;
 inline constexpr std::uint16_t home = 115;
 inline constexpr std::uint16_t pageUp = 116;
-/// Delete on other keyboards.
+/// Called Delete on other keyboards.
 inline constexpr std::uint16_t forwardDelete = 117;
 inline constexpr std::uint16_t end = 119;
 inline constexpr std::uint16_t pageDown = 121;
@@ -112,7 +111,7 @@ inline constexpr std::uint16_t contextualMenu = 110;
 inline constexpr std::uint16_t keypadDecimal = 65;
 inline constexpr std::uint16_t keypadMultiply = 67;
 inline constexpr std::uint16_t keypadPlus = 69;
-/// Num Lock on other keyboards.
+/// Called Num Lock on other keyboards.
 inline constexpr std::uint16_t keypadClear = 71;
 inline constexpr std::uint16_t keypadDivide = 75;
 inline constexpr std::uint16_t keypadEnter = 76;
@@ -133,7 +132,7 @@ inline constexpr std::uint16_t volumeUp = 72;
 inline constexpr std::uint16_t volumeDown = 73;
 inline constexpr std::uint16_t mute = 74;
 
-/// Beside left Shift on ISO keyboards.
+/// To the right of left Shift on ISO keyboards.
 inline constexpr std::uint16_t isoSection = 10;
 inline constexpr std::uint16_t jisYen = 93;
 inline constexpr std::uint16_t jisUnderscore = 94;
@@ -141,7 +140,7 @@ inline constexpr std::uint16_t jisUnderscore = 94;
 /// Every code is below this.
 inline constexpr std::uint16_t count = 128;
 
-/// No key: one that macOS has no code for, or a character that no key types.
+/// No key: a key without a code on macOS, or a character that no key types.
 inline constexpr std::uint16_t none = 0xFFFF;
 
 /// Whether the key is the left or the right Option key.

@@ -7,11 +7,12 @@
 
 #include "platform/applications.h"
 
-/// Keyboard events in the terms of macOS (CGEventTypes.h), on every host: virtual key codes, event types and
-/// flag masks. A host whose system speaks otherwise translates at its edge.
+/// Keyboard events in the terms of macOS (CGEventTypes.h), on every host: virtual key codes, event types
+/// and flag masks. A host of another system translates its events to these.
 namespace keyvora::platform {
 
-/// Event types, as `CGEventType`. Plain numbers, not an enumeration: a tap must accept any 32-bit value.
+/// Event types, as `CGEventType`. Plain numbers, not an enumeration, because a tap must accept any 32-bit
+/// value.
 namespace event_type {
 inline constexpr std::uint32_t keyDown = 10;
 inline constexpr std::uint32_t keyUp = 11;
@@ -35,24 +36,24 @@ struct KeyEvent {
   std::uint16_t keyCode = 0;
   /// Modifier mask at the time of the event.
   std::uint64_t flags = 0;
-  /// The user data of the source that made the event (field 42); 0 for hardware.
+  /// The user data of the source that made the event (field 42); 0 for events of hardware.
   std::int64_t userData = 0;
 
   friend bool operator==(const KeyEvent&, const KeyEvent&) = default;
 };
 
-/// What becomes of an event that a tap was shown.
+/// A tap's decision about an event.
 enum class Verdict { pass, swallow };
 
 /// Decides one event. Called on the main thread; must be quick and must not throw.
 using TapHandler = std::function<Verdict(const KeyEvent&)>;
 
-/// An event tap that exists. Main thread only. Destroying it removes the tap.
+/// An event tap. Main thread only. Destroying it removes the tap.
 class EventTap {
  public:
   virtual ~EventTap() = default;
 
-  /// Switches the tap on, at first and after the system has switched it off. Never fails outward.
+  /// Enables the tap, at first and after the system has disabled it. Reports no failure.
   virtual void enable() = 0;
 };
 
@@ -65,7 +66,7 @@ class EventSource {
   virtual void setUserData(std::int64_t userData) = 0;
 };
 
-/// A synthetic keyboard event that was made and not yet posted. Used by one thread at a time.
+/// A synthetic keyboard event that was made and not posted yet. Used by one thread at a time.
 class SyntheticEvent {
  public:
   virtual ~SyntheticEvent() = default;
@@ -76,7 +77,7 @@ class SyntheticEvent {
   /// Delivers the event to one process.
   virtual void postTo(ProcessIdentifier process) = 0;
 
-  /// Injects the event at the hardware level, where every tap sees it, our own included.
+  /// Injects the event at the hardware level, where every tap sees it, including this program's.
   virtual void postToHardware() = 0;
 };
 
@@ -85,9 +86,10 @@ class Keyboard {
  public:
   virtual ~Keyboard() = default;
 
-  /// Creates a tap that is shown every event whose type's bit is set in `eventMask` and may swallow it. The
-  /// tap-disabled types are shown whatever the mask. Still switched off; null when the system refuses (no
-  /// permission, or another instance holds the keyboard). Main thread; `handler` is called there too.
+  /// Creates a tap whose handler is called for every event whose type's bit is set in `eventMask`, and
+  /// which may swallow it. The tap-disabled types are delivered whatever the mask. The tap is not enabled
+  /// yet. Null when the system refuses (no permission, or another instance has the keyboard). Main thread;
+  /// `handler` is called there too.
   virtual std::unique_ptr<EventTap> createTap(std::uint64_t eventMask, TapHandler handler) = 0;
 
   /// A private event source, or null when none can be made. Any thread.
@@ -98,8 +100,8 @@ class Keyboard {
   virtual std::unique_ptr<SyntheticEvent> createEvent(const EventSource* source, std::uint16_t keyCode,
                                                       bool down) = 0;
 
-  /// Has `report` told, on the main thread, of faults of the tap that the user should find in the log, a
-  /// sentence each. A host whose tap has no such faults never calls it. Main thread.
+  /// Calls `report`, on the main thread, with faults of the tap that belong in the log, a sentence each. A
+  /// host whose tap has no such faults never calls it. Main thread.
   virtual void onFault(std::function<void(const std::string& sentence)> report) { (void)report; }
 };
 

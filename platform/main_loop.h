@@ -9,12 +9,12 @@ namespace keyvora::platform {
 /// Time spans between moments of the monotonic clock, in seconds.
 using Seconds = std::chrono::duration<double>;
 
-/// A timer on the main loop. Main thread. It may be kept after it was invalidated; destroying it invalidates.
+/// A timer on the main loop. Main thread. Destroying it invalidates it; it may also be kept after that.
 class Timer {
  public:
   virtual ~Timer() = default;
 
-  /// The timer does not fire again. May be called more than once, and from the timer's own block.
+  /// Stops the timer. May be called more than once, also from the timer's own block.
   virtual void invalidate() = 0;
 
   /// False once invalidated, or once a one-shot timer has fired.
@@ -23,7 +23,7 @@ class Timer {
 
 /// When a main-loop timer may fire.
 enum class TimerMode {
-  /// Not while a menu of our own is tracked: it then waits until the menu has closed.
+  /// Not while a menu of this program is open: the timer then waits until the menu has closed.
   defaultMode,
   /// Always.
   commonModes,
@@ -34,11 +34,11 @@ class MainLoop {
  public:
   virtual ~MainLoop() = default;
 
-  /// Any thread.
+  /// Whether the caller is on the main thread. Any thread.
   [[nodiscard]] virtual bool isMainThread() const = 0;
 
-  /// Runs `block` after `interval`, once or again and again at that interval; an interval of zero or less
-  /// means the next pass of the loop. Main thread.
+  /// Runs `block` after `interval`, once or repeatedly at that interval; an interval of zero or less means
+  /// the next pass of the loop. Main thread.
   virtual std::unique_ptr<Timer> schedule(Seconds interval, bool repeats, TimerMode mode,
                                           std::function<void()> block) = 0;
 

@@ -14,8 +14,8 @@ struct MenuRow {
   char keyEquivalent = 0;
   /// Runs on the main thread when the row is chosen.
   std::function<void()> action;
-  /// The row ends the application, and its action does no more than that. A system with a command of its own
-  /// for this is given that command in place of the action.
+  /// The row ends the application, and its action does no more than that. On a system that has its own
+  /// command for this, the host uses that command in place of the action.
   bool endsApplication = false;
   /// Shown with a check mark.
   bool checked = false;

@@ -13,8 +13,8 @@ namespace {
 
 std::atomic<const Platform*> chosen = nullptr;
 
-/// What ends the shared instances of the scope, in the order of their making. Left to the process when it
-/// ends without leaving its scope: other threads may still be using them.
+/// The destructors of the shared instances, in the order of creation. They do not run when the process ends
+/// without leaving its scope: other threads may still be using the instances.
 struct Instances {
   std::recursive_mutex mutex;  // making one instance may make another
   std::vector<std::function<void()>> destroyers;

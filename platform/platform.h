@@ -18,7 +18,7 @@
 
 namespace keyvora::platform {
 
-/// The door: everything that the core asks of an operating system.
+/// The door: everything that the core uses of an operating system.
 struct Platform {
   Accessibility& accessibility;
   Application& application;
@@ -42,8 +42,8 @@ struct Platform {
 /// The current host. Fatal when none was chosen. Any thread.
 const Platform& current();
 
-/// Chooses the host for as long as it lives: the process entry makes one, and so does each test. At its end
-/// the shared instances that were made under it are destroyed, the last made first. Scopes do not nest.
+/// Selects the host as long as it lives: the process entry makes one, and so does each test. Its destructor
+/// destroys the shared instances made in it, the last first. Scopes do not nest.
 class Scope {
  public:
   explicit Scope(const Platform& platform);

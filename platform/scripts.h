@@ -5,19 +5,19 @@
 
 namespace keyvora::platform {
 
-/// How a script ended. `message` says why it failed, where the platform says so.
+/// The result of a script. `message` says why it failed, if the platform gives a reason.
 struct ScriptOutcome {
   bool succeeded = false;
   std::optional<std::string> message;
 };
 
-/// The AppleScript runtime, or what stands in for it.
+/// The AppleScript runtime, or its replacement on other systems.
 class Scripts {
  public:
   virtual ~Scripts() = default;
 
-  /// Makes a new script from source text, runs it and waits for its end. Main thread. A script that cannot be
-  /// made is a failure without a message.
+  /// Creates a script from source text, runs it and waits for its end. Main thread. A script that cannot be
+  /// created is a failure without a message.
   virtual ScriptOutcome run(const std::string& source) = 0;
 };
 

@@ -7,15 +7,16 @@
 namespace keyvora::platform {
 
 namespace detail {
-/// Makes an instance unless `made` says that another thread did, and keeps it for the current scope.
+/// Unless `made` says that another thread has made the instance, makes it and keeps it for the current
+/// scope.
 void makeShared(const std::function<bool()>& made, const std::function<std::function<void()>()>& make);
 
 template <class T>
 inline std::atomic<T*> sharedSlot = nullptr;
 }  // namespace detail
 
-/// The one instance of T of the current scope, made by `make` (which returns a `std::unique_ptr<T>`) on first
-/// access, exactly once under concurrent first access too. Later calls are one atomic load.
+/// The one instance of T of the current scope. `make`, which returns a `std::unique_ptr<T>`, creates it on
+/// first access, exactly once even when threads race. Later calls are one atomic load.
 template <class T, class Make>
 T& shared(Make make) {
   auto* slot = &detail::sharedSlot<T>;

@@ -8,7 +8,7 @@
 
 namespace keyvora::platform {
 
-/// An item in the system's status bar. Main thread. Destroying it takes it away.
+/// An item in the system's status bar. Main thread. Destroying it removes the item.
 class StatusItem {
  public:
   virtual ~StatusItem() = default;
@@ -16,7 +16,7 @@ class StatusItem {
   /// Whether the item has a button that can show a title.
   [[nodiscard]] virtual bool hasButton() const = 0;
 
-  /// Shows the title (UTF-8). The same title again costs nothing.
+  /// Shows the title (UTF-8). Setting the same title again costs nothing.
   virtual void setTitle(std::string_view title) = 0;
 
   /// Replaces the menu that opens from the item.
@@ -28,12 +28,11 @@ class StatusBar {
  public:
   virtual ~StatusBar() = default;
 
-  /// A new item as wide as its title; never null. Where no status bar exists, the item shows when one
-  /// appears.
+  /// A new item as wide as its title; never null. Without a status bar, the item appears when one starts.
   virtual std::unique_ptr<StatusItem> createItem() = 0;
 
-  /// Hears once, with a line for the log, that the desktop has nothing to show an item in, and what to do
-  /// about it. Set before an item is made. Empty: nobody is told.
+  /// Called once, with a line for the log, when the desktop has no place for the item; the line says what
+  /// to do about it. Set it before an item is made. May be empty.
   std::function<void(std::string_view line)> onUnseen;
 };
 

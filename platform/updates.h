@@ -9,12 +9,13 @@ namespace keyvora::platform {
 struct UpdateItem {
   /// The version as people write it.
   std::string displayVersionString;
-  /// The version that updates are compared by.
+  /// The version by which updates are compared.
   std::string versionString;
 };
 
-/// What an updater tells its owner, after Sparkle's `SPUUpdaterDelegate` and `SPUStandardUserDriverDelegate`.
-/// Called on the main thread. With no update both `didNotFindUpdate` and then `didAbort` are called.
+/// What an updater reports to its owner, after Sparkle's `SPUUpdaterDelegate` and
+/// `SPUStandardUserDriverDelegate`. Called on the main thread. Without an update, `didNotFindUpdate` is
+/// called and then `didAbort`.
 class UpdaterDelegate {
  public:
   virtual ~UpdaterDelegate() = default;
@@ -23,32 +24,32 @@ class UpdaterDelegate {
   virtual void didNotFindUpdate(const std::string& errorDescription) = 0;
   virtual void didAbort(const std::string& errorDescription) = 0;
 
-  /// Whether the owner knows how to remind of a scheduled update without disturbing.
+  /// Whether the owner can remind the user of a scheduled update without interrupting.
   [[nodiscard]] virtual bool supportsGentleScheduledUpdateReminders() const = 0;
 
-  /// Whether the standard user interface shall show an update that a scheduled check found.
+  /// Whether the standard user interface should show an update that a scheduled check found.
   [[nodiscard]] virtual bool shouldHandleShowingScheduledUpdate(const UpdateItem& item,
                                                                 bool inImmediateFocus) const = 0;
 
-  /// An update is about to be shown: by the standard user interface when `handleShowingUpdate` holds.
+  /// An update is about to be shown: by the standard user interface if `handleShowingUpdate` is true.
   virtual void willHandleShowingUpdate(bool handleShowingUpdate, const UpdateItem& item) = 0;
 
-  /// The user is done with the update, or the check that was shown has ended.
+  /// The user has closed the update, or the check that was shown has ended.
   virtual void willFinishUpdateSession() = 0;
 };
 
-/// The standard updater with its user interface. Main thread. Errors are shown by it, not returned.
+/// The standard updater with its user interface, which also shows errors. Main thread.
 class UpdaterController {
  public:
   virtual ~UpdaterController() = default;
 
-  /// Starts scheduled checks. A second call changes nothing.
+  /// Starts scheduled checks. Calling it again has no effect.
   virtual void startUpdater() = 0;
 
   /// A check that the user asked for, with its user interface.
   virtual void checkForUpdates() = 0;
 
-  /// A check without any user interface; the delegate hears the answer.
+  /// A check without any user interface; the delegate gets the answer.
   virtual void checkForUpdateInformation() = 0;
 };
 
@@ -57,7 +58,7 @@ class Updates {
  public:
   virtual ~Updates() = default;
 
-  /// A controller, started at once when `startingUpdater` holds; `delegate` must outlive it. Never null.
+  /// A controller, started at once if `startingUpdater` is true; `delegate` must outlive it. Never null.
   virtual std::unique_ptr<UpdaterController> createController(bool startingUpdater,
                                                               UpdaterDelegate& delegate) = 0;
 };

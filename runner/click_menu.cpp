@@ -21,8 +21,8 @@ void Runner::clickMenu(const std::vector<std::string>& path, const std::string& 
     if (!element) return Log::line(outcome::failed(name, "no menu named " + title));
   }
 
-  // Whether the press was taken is not looked at: applications answer late, or with an error for a press that
-  // they carried out.
+  // The result is ignored: applications may answer late, or with an error for a press that they carried
+  // out.
   element->perform("AXPress");
   Log::line(outcome::done(name, "menu"));
 }

@@ -5,8 +5,7 @@
 
 #include "platform/applications.h"
 
-/// The one outside application that the system serves. Nothing is cached: each question is asked afresh. Main
-/// thread.
+/// The target application. Nothing is cached: each call asks the platform. Main thread.
 namespace keyvora::Excel {
 
 /// Bundle identifier of the target, compared exactly.

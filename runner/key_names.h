@@ -9,7 +9,7 @@
 
 namespace keyvora {
 
-/// The name by which an action asks for a key.
+/// A name by which an action names a key.
 struct KeyName {
   /// Lower-case.
   std::string_view name;
@@ -85,8 +85,8 @@ inline constexpr auto keyNames = [] {
                                  {"f12", key::f12}});
 }();
 
-/// The code of the key with this name in any case; none for a name outside the table. Nothing is trimmed, and
-/// there are no other names for a key. Any thread.
+/// The code of the key with this name, case ignored; none for a name outside the table. Nothing is trimmed.
+/// Any thread.
 std::optional<std::uint16_t> keyCodeFor(std::string_view name);
 
 }  // namespace keyvora

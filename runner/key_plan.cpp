@@ -13,7 +13,7 @@ std::vector<PlannedKey> keyPlan(std::string_view keys) {
   for (const auto& character : text::characters(text::upperCased(keys))) {
     if (!text::isWhiteSpace(character)) cleaned += character;
   }
-  // Split once more: what white space kept apart may now be one character, an accent and the letter before.
+  // Split again: characters that white space separated may combine now, such as a letter and an accent.
   std::vector<PlannedKey> plan;
   for (auto& character : text::characters(cleaned)) {
     const auto code = keyCodeFor(character).value_or(platform::key_code::none);

@@ -8,8 +8,8 @@
 namespace keyvora::menu_walk {
 namespace {
 
-/// An element's title; none when it has no title or one that is not text. The error code does not count, only
-/// what came with it.
+/// An element's title; none when it has no title or one that is not text. The error code is ignored; only
+/// the value counts.
 std::optional<std::string> titleOf(platform::Element& element) {
   auto answer = element.attribute("AXTitle");
   auto* title = std::get_if<std::string>(&answer.value);

@@ -15,8 +15,8 @@ platform::ElementRef menuBar(platform::Element& application);
 /// The children of an element; none when they cannot be read or are not a list of elements.
 std::optional<std::vector<platform::ElementRef>> children(platform::Element& element);
 
-/// The first element with this title among `elements` and, in its place, the children of one that has no
-/// title: the container that hangs between a menu's title and its items. Null when there is none.
+/// The first element with this title. An element without a title is replaced by its children: it is the
+/// container between a menu's title and its items. Null when there is no such element.
 platform::ElementRef find(const std::vector<platform::ElementRef>& elements, std::string_view title);
 
 }  // namespace keyvora::menu_walk

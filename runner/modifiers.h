@@ -11,7 +11,7 @@
 
 namespace keyvora {
 
-/// A name that a keystroke can give a modifier, and the modifier's bit in an event's flags.
+/// A name for a modifier of a keystroke, and the modifier's bit in an event's flags.
 struct ModifierName {
   /// Lower-case.
   std::string_view name;
@@ -29,10 +29,10 @@ inline constexpr std::array<ModifierName, 7> modifierNames{{
     {"shift", platform::event_flag::shift},
 }};
 
-/// The flag of the modifier with this name in any case; none for any other text. Nothing is trimmed.
+/// The flag of the modifier with this name, case ignored; none for any other text. Nothing is trimmed.
 std::optional<std::uint64_t> modifierFlag(std::string_view name);
 
-/// The flags of all the modifiers that are named; other names count for nothing.
+/// The flags of all named modifiers; unknown names are ignored.
 std::uint64_t modifierFlags(std::span<const std::string> names);
 
 }  // namespace keyvora

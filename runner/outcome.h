@@ -2,7 +2,8 @@
 
 #include <string>
 
-/// The lines that tell of an operation's end. `name` is the label that the operation was called with.
+/// The log lines that report how an operation ended. `name` is the label that the operation was called
+/// with.
 namespace keyvora::outcome {
 
 /// "name (kind)"
@@ -14,7 +15,7 @@ std::string failed(const std::string& name, const std::string& reason);
 /// "name FAILED at place"
 std::string failedAt(const std::string& name, const std::string& place);
 
-/// The failure of an action that names a key or a character which the key-code table lacks.
+/// The failure of an action that names a key or character which is not in the key-code table.
 std::string noKeyCode(const std::string& name, const std::string& key);
 
 }  // namespace keyvora::outcome

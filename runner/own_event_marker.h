@@ -4,7 +4,7 @@
 
 namespace keyvora {
 
-/// User data of every event that the program posts, by which the tap knows its own.
+/// User data of every event that the program posts. The tap recognises the program's own events by it.
 inline constexpr std::int64_t ownEventMarker = 0x5E7A91C3;
 
 }  // namespace keyvora

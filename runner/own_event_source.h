@@ -7,10 +7,10 @@
 
 namespace keyvora {
 
-/// The source of all events that the program posts, marked as its own. Any thread.
+/// The event source of all events that the program posts; sets `ownEventMarker`. Any thread.
 class OwnEventSource {
  public:
-  /// The source, made on the first call; null for good when it could not be made then.
+  /// The source, created on the first call; null on every call if it could not be created then.
   const platform::EventSource* get();
 
  private:

@@ -6,7 +6,7 @@
 namespace keyvora {
 
 std::string Runner::scriptFor(const std::string& fragment) {
-  // The fragment goes in as it stands: whatever it holds becomes part of the script.
+  // The fragment is inserted unchanged: all of it becomes part of the script.
   return "tell application \"Microsoft Excel\"\n" + fragment + "\nend tell";
 }
 

@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::microseconds;
 
-/// The target needs this long to show its key tips.
+/// The target needs this time to show its key tips.
 constexpr microseconds pauseAfterLeadIn = 150ms;
 constexpr microseconds pauseAfterCharacter = 80ms;
 
@@ -27,7 +27,7 @@ struct ModifierChange {
   std::uint64_t flags;
 };
 
-/// Shift and Option pressed and let go: what makes the target show its key tips.
+/// Shift and Option pressed and released: the target then shows its key tips.
 constexpr std::array<ModifierChange, 4> leadIn{{
     {platform::key_code::leftShift, true, platform::event_flag::shift},
     {platform::key_code::leftOption, true, platform::event_flag::shift | platform::event_flag::option},

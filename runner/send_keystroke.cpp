@@ -17,7 +17,7 @@ void Runner::sendKeystroke(const std::string& key, const std::vector<std::string
   const auto press = makeKeyPress(source_->get(), *code);
   if (!press) return;
 
-  // No modifier keys are pressed: the modifiers travel as flags on the key's own two events.
+  // Modifiers are flags on the key's two events; no modifier keys are pressed.
   const auto flags = modifierFlags(modifiers);
   press->down->setFlags(flags);
   press->up->setFlags(flags);

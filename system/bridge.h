@@ -8,11 +8,12 @@
 
 namespace keyvora {
 
-/// Hears the updater: reports the answer of a probe, and lets the update window take the focus of an
-/// accessory application. Main thread; anything else is fatal.
+/// The updater's delegate: reports the answer of a probe, and lets the update window take the focus of an
+/// accessory application. Main thread; calls from another thread are fatal.
 class Bridge final : public platform::UpdaterDelegate {
  public:
-  /// Told the answer of a probe as a line of text and an exit status. While it is absent, answers go unheard.
+  /// Called with a probe's answer as a line of text and an exit status. While it is empty, answers are
+  /// dropped.
   std::function<void(const std::string& message, std::int32_t status)> onProbe;
 
   void didFindValidUpdate(const platform::UpdateItem& item) override;

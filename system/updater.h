@@ -16,7 +16,7 @@ class Updater {
   Updater(const Updater&) = delete;
   Updater& operator=(const Updater&) = delete;
 
-  /// The controller, made idle on first access.
+  /// The controller, created on first access and not started.
   platform::UpdaterController& controller();
 
   /// Starts a check without user interface whose answer is printed on standard output and ends the process.

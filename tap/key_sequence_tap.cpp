@@ -72,7 +72,7 @@ Verdict KeySequenceTap::handle(std::uint32_t type, const platform::KeyEvent& eve
     optionDownAlone_ = false;
     return Verdict::pass;
   }
-  // Key-ups always pass, those of swallowed letters too.
+  // Key-ups always pass, including those of swallowed letters.
   if (type != event_type::keyDown || !armed_) return Verdict::pass;
   return keyTypedWhileArmed(event.keyCode);
 }
@@ -123,8 +123,9 @@ void KeySequenceTap::letterTyped(char letter) {
 }
 
 void KeySequenceTap::scheduleTimeout(const Mapping& mapping, std::optional<Sequence> exact) {
-  // A copy waits, so that a reload meanwhile does not change what fires. The timer dies with the tap and its
-  // block never outlives it. In the default mode: nothing fires while the user is in our own menu.
+  // The timer holds a copy, so that a reload meanwhile does not change what fires. The tap owns the timer,
+  // so the block cannot outlive the tap. In the default mode, nothing fires while the user is in keyvora's
+  // own menu.
   auto expired = [this, exact = std::move(exact)] {
     if (exact) {
       fire(*exact);
@@ -151,8 +152,8 @@ void KeySequenceTap::disarm() {
   report(false, "");
 }
 
-// By value: disarming drops the timer that may hold the sequence, and an action may last while the mapping is
-// reloaded.
+// By value: disarming destroys the timer that may hold the sequence, and the mapping may be reloaded while
+// an action runs.
 void KeySequenceTap::fire(Sequence sequence) {  // NOLINT(performance-unnecessary-value-param)
   disarm();
   perform(sequence, runner_);

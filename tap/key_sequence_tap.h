@@ -19,7 +19,7 @@ class Runner;
 /// collects letters, waits on ambiguous sequences, fires the one that matches. Main thread only.
 class KeySequenceTap {
  public:
-  /// Gives the current mapping; asked anew at every letter.
+  /// Returns the current mapping; called for every letter.
   using MappingSource = std::function<const Mapping&()>;
 
   /// The process's tap, on the shared store and runner.
@@ -30,23 +30,23 @@ class KeySequenceTap {
   KeySequenceTap(const KeySequenceTap&) = delete;
   KeySequenceTap& operator=(const KeySequenceTap&) = delete;
 
-  /// Creates and enables the event tap; false, with nothing changed, when the system refuses. Does not test
-  /// `installed`: call it again only after a failure.
+  /// Creates and enables the event tap; false, with nothing changed, when the system refuses. Does not
+  /// check `installed`: call it again only after a failure.
   bool install();
 
   /// Whether `install` has succeeded.
   [[nodiscard]] bool installed() const { return installed_; }
 
-  /// Told of each change: whether the tap is armed, and the letters typed so far. Told again that it is not
-  /// armed at every event outside the target.
+  /// Called at each change: whether the tap is armed, and the letters typed so far. Called also, with
+  /// `armed` false, at every event outside the target.
   std::function<void(bool armed, const std::string& text)> onStateChange;
 
-  /// Decides one event. `type` is the event's own: it is looked at before anything else of it. Outside an
-  /// armed sequence it allocates nothing.
+  /// Decides one event. `type` is the event's own and is checked first. Allocates nothing outside an armed
+  /// sequence.
   platform::Verdict handle(std::uint32_t type, const platform::KeyEvent& event);
 
   /// The letter (A to Z) or digit of a key on the main block of the ANSI keyboard, by its virtual key code;
-  /// none for every other key. It goes by the key's place: layout, Shift and Caps Lock do not matter.
+  /// none for every other key. Depends on the key's place only, not on layout, Shift or Caps Lock.
   static std::optional<char> letterFor(std::uint16_t keyCode);
 
  private:
@@ -70,7 +70,7 @@ class KeySequenceTap {
   std::vector<std::string> typed_;
   /// An Option key is held and nothing else has happened since it went down.
   bool optionDownAlone_ = false;
-  /// The pending decision on an ambiguous sequence, or one that a further letter has invalidated.
+  /// The timer for an ambiguous sequence; may be one that a later letter has invalidated.
   std::unique_ptr<platform::Timer> timer_;
 };
 

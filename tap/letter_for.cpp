@@ -8,7 +8,7 @@
 namespace keyvora {
 namespace {
 
-/// The character of a key whose name is a letter or a digit, upper-case; a NUL for every other key.
+/// The character of a key whose name is a letter or a digit, in upper case; a NUL for every other key.
 constexpr char letterOf(std::string_view name) {
   if (name.size() != 1) return '\0';
   const char c = name.front();

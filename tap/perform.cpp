@@ -7,7 +7,7 @@
 namespace keyvora {
 namespace {
 
-/// One call for each kind of action.
+/// A visitor of `Action`: one call for each kind.
 struct Performance {
   Runner& runner;
   std::string label;

@@ -6,8 +6,8 @@ namespace keyvora {
 
 class Runner;
 
-/// Has `runner` carry out the sequence's action, labelled with the sequence's keys as written, two spaces and
-/// its name. Main thread.
+/// Calls the runner's operation for the sequence's action. The label is the sequence's keys as written, two
+/// spaces and its name. Main thread.
 void perform(const Sequence& sequence, Runner& runner);
 
 }  // namespace keyvora

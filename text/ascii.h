@@ -1,6 +1,6 @@
 #pragma once
 
-/// ASCII without a locale; every other byte is neither a letter nor a digit, and has one case. Pure
+/// ASCII without a locale: bytes outside ASCII are neither letters nor digits, and have no case. Pure
 /// functions, any thread.
 namespace keyvora::text {
 

@@ -9,11 +9,11 @@
 namespace keyvora::text {
 namespace {
 
-/// Indic conjuncts: rule GB9c of UAX #29, which is younger than the Unicode library's data. Consonants joined
-/// by a linker (a virama) are one character, whatever joiners and marks stand between.
+/// Indic conjuncts: rule GB9c of UAX #29, which is newer than the Unicode library's data. Consonants joined
+/// by a linker (a virama) are one character, with any joiners and marks between them.
 class Conjunct {
  public:
-  /// Takes the next code point; whether it continues a conjunct, so that no boundary is before it.
+  /// Takes the next code point. True if it continues a conjunct, so that there is no boundary before it.
   bool continues(char32_t codePoint) {
     if (isConsonant(codePoint)) {
       const bool joined = state_ == State::linked;
@@ -67,9 +67,9 @@ class Conjunct {
   State state_ = State::none;
 };
 
-/// The code point to find boundaries by. Some that are not assigned yet are set aside for controls or for
-/// pictographs, and UAX #29 treats them as such already. The Unicode library does not: one that is assigned
-/// stands in for them.
+/// The code point that the Unicode library is asked about. Some unassigned code points are reserved for
+/// controls or pictographs, and UAX #29 treats them as such. The library does not, so an assigned one
+/// replaces them.
 utf8proc_int32_t forBoundaries(char32_t codePoint) {
   const auto given = static_cast<utf8proc_int32_t>(codePoint);
   if (codePoint < 0x2065 || utf8proc_category(given) != UTF8PROC_CATEGORY_CN) return given;
@@ -81,12 +81,12 @@ utf8proc_int32_t forBoundaries(char32_t codePoint) {
   return given;
 }
 
-/// Finds the boundaries between characters, one code point after another.
+/// Finds the boundaries between characters, taking one code point at a time.
 class Segmenter {
  public:
   explicit Segmenter(char32_t first) : previous_(forBoundaries(first)) { conjunct_.continues(first); }
 
-  /// Takes the next code point; whether a character ends before it.
+  /// Takes the next code point. True if a character ends before it.
   bool endsBefore(char32_t codePoint) {
     const bool conjunct = conjunct_.continues(codePoint);
     const utf8proc_int32_t next = forBoundaries(codePoint);

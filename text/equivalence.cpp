@@ -15,7 +15,7 @@ struct Mark {
   utf8proc_propval_t combiningClass;
 };
 
-/// The full canonical decomposition of a code point; at most 4 code points long in any version of Unicode.
+/// The full canonical decomposition of a code point; at most 4 code points in any version of Unicode.
 std::span<const utf8proc_int32_t> decomposition(char32_t codePoint, std::array<utf8proc_int32_t, 8>& room) {
   int boundary = 0;
   const auto count =
@@ -24,8 +24,8 @@ std::span<const utf8proc_int32_t> decomposition(char32_t codePoint, std::array<u
   return {room.data(), static_cast<std::size_t>(std::max<utf8proc_ssize_t>(count, 0))};
 }
 
-/// Writes a run of marks in canonical order. The order is made here and not by the Unicode library, which
-/// takes quadratic time for a long run.
+/// Writes a run of marks in canonical order. Sorted here because the Unicode library takes quadratic time
+/// for a long run.
 void flush(std::string& result, std::vector<Mark>& marks) {
   if (marks.size() > 1) std::ranges::stable_sort(marks, {}, &Mark::combiningClass);
   for (const Mark& mark : marks) append(result, static_cast<char32_t>(mark.codePoint));

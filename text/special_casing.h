@@ -4,7 +4,7 @@
 
 namespace keyvora::text {
 
-/// A code point whose case mapping is several code points long; zeros fill it up.
+/// A code point whose case mapping has several code points; unused places are zero.
 struct SpecialCasing {
   char32_t codePoint;
   char32_t mapped[3];

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-/// The string rules of the mapping document, which are those of the platform's own strings: full Unicode case
-/// mapping without locale or context, user-perceived characters, canonical equivalence. Text is UTF-8; what
-/// is ill-formed counts as U+FFFD. Pure functions, any thread.
+/// The string rules of the mapping document, which are those of the platform's own strings: full Unicode
+/// case mapping without locale or context, user-perceived characters, canonical equivalence. Text is UTF-8;
+/// ill-formed parts count as U+FFFD. Pure functions, any thread.
 namespace keyvora::text {
 
 /// Every code point replaced by its full upper-case mapping (the sharp s becomes two letters).
@@ -23,7 +23,7 @@ std::vector<std::string> characters(std::string_view text);
 /// Whether a character is white space: its first code point has the property White_Space.
 bool isWhiteSpace(std::string_view character);
 
-/// Whether all bytes are ASCII. Inline, since every fast path starts with it.
+/// Whether all bytes are ASCII. Inline, because every fast path calls it first.
 inline bool isAscii(std::string_view text) {
   const char* data = text.data();
   std::size_t size = text.size();
@@ -39,7 +39,7 @@ inline bool isAscii(std::string_view text) {
 /// Whether two strings are canonically equivalent. ASCII strings are compared as bytes, without allocation.
 bool equal(std::string_view a, std::string_view b);
 
-/// The canonical decomposition (NFD): equal strings have the same.
+/// The canonical decomposition (NFD). Strings are canonically equivalent exactly if these are the same.
 std::string canonical(std::string_view text);
 
 }  // namespace keyvora::text

@@ -5,7 +5,7 @@
 namespace keyvora::text {
 namespace {
 
-/// How many bytes from the start are ASCII.
+/// The number of ASCII bytes at the start.
 std::size_t asciiPrefix(std::string_view text) {
   constexpr std::uint64_t highBits = 0x8080808080808080;
   std::size_t i = 0;
@@ -18,8 +18,8 @@ std::size_t asciiPrefix(std::string_view text) {
   return i;
 }
 
-/// What a lead byte asks for: how many bytes follow, and between what bounds the first of them lies. The
-/// bounds shut out overlong forms, surrogates and what is beyond U+10FFFF.
+/// What follows a lead byte: how many bytes, and the range of the first of them, which excludes overlong
+/// forms, surrogates and code points beyond U+10FFFF.
 struct Lead {
   int following;
   unsigned char low = 0x80;

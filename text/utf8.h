@@ -8,7 +8,7 @@
 /// UTF-8, code point by code point. Pure functions, any thread.
 namespace keyvora::text {
 
-/// What stands in for ill-formed bytes.
+/// The replacement for ill-formed bytes.
 inline constexpr char32_t replacementCharacter = U'\uFFFD';
 
 /// A code point and the bytes it takes.
@@ -18,11 +18,11 @@ struct CodePoint {
   bool wellFormed;
 };
 
-/// The code point that `text`, which is not empty, starts with. The longest start of a sequence that is never
-/// completed counts as one U+FFFD, a byte that starts none as one too.
+/// The first code point of `text`, which must not be empty. An incomplete sequence counts as one U+FFFD for
+/// its longest valid start; so does a byte that starts no sequence.
 CodePoint firstCodePoint(std::string_view text);
 
-/// How many bytes are well-formed UTF-8, from the start.
+/// How many bytes from the start are well-formed UTF-8.
 std::size_t wellFormedPrefix(std::string_view text);
 
 /// Whether all of it is well-formed UTF-8.
@@ -30,7 +30,7 @@ inline bool isWellFormed(std::string_view text) {
   return wellFormedPrefix(text) == text.size();
 }
 
-/// The text as a toolkit that takes C strings can show it: what is ill-formed, and a zero byte, as U+FFFD.
+/// The text for a toolkit that takes C strings: ill-formed parts and zero bytes become U+FFFD.
 std::string validText(std::string_view text);
 
 /// Appends a code point, which is not a surrogate and at most U+10FFFF.
