@@ -35,7 +35,7 @@ class AXElement final : public platform::Element {
   CFRef<AXUIElementRef> element_;
 };
 
-/// The value as an element, or null when it is none. A value's type is never taken on trust.
+/// The value as an element, or null if it is not one. Checks the type of the value first.
 platform::ElementRef elementOf(CFTypeRef value) {
   if (value == nullptr || CFGetTypeID(value) != AXUIElementGetTypeID()) return nullptr;
   return std::make_shared<AXElement>(CFRef<AXUIElementRef>::retain(static_cast<AXUIElementRef>(value)));

@@ -21,7 +21,7 @@ class Application final : public platform::Application {
   void terminate() override;
 
  private:
-  /// The system's application holds its delegate weakly.
+  /// NSApplication holds its delegate weakly.
   id<NSApplicationDelegate> delegate_;
 };
 

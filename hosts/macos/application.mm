@@ -3,10 +3,10 @@
 #include "hosts/macos/guarded.h"
 #import "hosts/macos/menu_action.h"
 
-/// Hears that launching has finished and which menu item was chosen; everything else is the core's.
+/// Reports the end of launching and the chosen menu item; the core does the rest.
 @interface KVApplicationDelegate : NSObject <NSApplicationDelegate>
 - (instancetype)initWithDidFinishLaunching:(std::function<void()>)block;
-/// The action of every menu item of ours.
+/// The action of every menu item of keyvora.
 - (void)choose:(NSMenuItem*)item;
 @end
 

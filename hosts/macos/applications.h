@@ -13,11 +13,11 @@ class Applications final : public platform::Applications {
   std::optional<std::string_view> frontmostBundleIdentifier() override;
 
  private:
-  /// Keeps the bytes that the last view names; grows once and is reused.
+  /// The bytes of the last returned view. The buffer grows once and is reused.
   std::string frontmost_;
 };
 
-/// NSWorkspace as the opener of files and addresses. Main thread.
+/// Opens files and addresses by NSWorkspace. Main thread.
 class Workspace final : public platform::Workspace {
  public:
   void openFile(const std::string& path) override;

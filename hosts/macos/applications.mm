@@ -22,7 +22,7 @@ std::optional<std::string_view> Applications::frontmostBundleIdentifier() {
   @autoreleasepool {
     NSString* identifier = NSWorkspace.sharedWorkspace.frontmostApplication.bundleIdentifier;
     if (identifier == nil) return std::nullopt;
-    // Straight into the kept bytes: this runs at every key that the user presses.
+    // Copied into the reused buffer without an allocation: this runs for every key event.
     const NSUInteger capacity = [identifier maximumLengthOfBytesUsingEncoding:NSUTF8StringEncoding];
     frontmost_.resize(capacity);
     NSUInteger used = 0;

@@ -4,7 +4,7 @@
 
 #include "hosts/macos/strings.h"
 
-/// A class of our own, by which the system finds the bundle that this code is in.
+/// A class in this code, by which the system finds the bundle that contains it.
 @interface KVBundleFinder : NSObject
 @end
 

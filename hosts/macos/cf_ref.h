@@ -6,15 +6,14 @@
 
 namespace keyvora::macos {
 
-/// Owner of one reference to a Core Foundation object, released at its end. Any thread that the object
-/// allows.
+/// Owns one reference to a Core Foundation object and releases it. Any thread that the object allows.
 template <class T>
 class CFRef {
  public:
   CFRef() = default;
-  /// Takes over a reference that a Create or Copy function returned; null is fine.
+  /// Takes over a reference returned by a Create or Copy function; null is allowed.
   static CFRef adopt(T object) { return CFRef(object); }
-  /// Takes a reference of its own to a borrowed object; null is fine.
+  /// Retains a borrowed object; null is allowed.
   static CFRef retain(T object) {
     if (object != nullptr) CFRetain(object);
     return CFRef(object);

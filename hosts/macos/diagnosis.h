@@ -4,8 +4,8 @@
 
 namespace keyvora::macos {
 
-/// What is known of this Mac. There are no findings: the system itself asks for the Accessibility permission
-/// and tells of what lacks.
+/// Facts about this Mac. There are no findings: the system itself asks for the Accessibility permission and
+/// reports what is missing.
 class Diagnosis final : public platform::Diagnosis {
  public:
   std::vector<platform::Finding> findings(const std::filesystem::path& document) override;

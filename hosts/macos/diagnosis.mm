@@ -9,7 +9,7 @@
 namespace keyvora::macos {
 namespace {
 
-/// Who signed the bundle at this place, and whether what was signed is still what is there.
+/// Who signed the bundle at this URL, and whether its content still matches the signature.
 std::string signatureOf(NSURL* bundle) {
   SecStaticCodeRef made = nullptr;
   SecStaticCodeCreateWithPath((__bridge CFURLRef)bundle, kSecCSDefaultFlags, &made);

@@ -12,22 +12,22 @@
 
 namespace keyvora::macos {
 
-/// The event in the core's terms. A notice that the tap was switched off has a type and nothing else: it
-/// comes without an event. Any thread.
+/// The event in the core's terms. A notice that the tap was disabled comes without an event and has only a
+/// type. Any thread.
 platform::KeyEvent keyEventOf(CGEventType type, CGEventRef event);
 
-/// The port that the system gave for a tap, with its source on the main run loop. Main thread.
+/// The Mach port of a tap, with its source on the main run loop. Main thread.
 class TapPort {
  public:
   /// An active session-wide tap; null when the system refuses it.
   static std::unique_ptr<TapPort> create(std::uint64_t eventMask, CGEventTapCallBack callback,
                                          void* userInfo);
-  /// From here on nothing calls back with `userInfo`.
+  /// After this nothing calls back with `userInfo`.
   ~TapPort();
   TapPort(const TapPort&) = delete;
   TapPort& operator=(const TapPort&) = delete;
 
-  /// False once the system has ended the tap: it cannot be switched on any more.
+  /// False once the system has invalidated the tap: it cannot be enabled any more.
   [[nodiscard]] bool isAlive() const;
   [[nodiscard]] bool isEnabled() const;
   void enable();
@@ -48,7 +48,8 @@ class EventTap final : public platform::EventTap {
   EventTap(const EventTap&) = delete;
   EventTap& operator=(const EventTap&) = delete;
 
-  /// A port that the system has ended is made anew; while the system refuses one the tap stays off.
+  /// Replaces a port that the system has invalidated. While the system refuses a new one, the tap stays
+  /// off.
   void enable() override;
 
  private:
@@ -62,8 +63,8 @@ class EventTap final : public platform::EventTap {
   platform::TapHandler handler_;
   std::unique_ptr<TapPort> port_;
   std::optional<SessionWatch> sessionWatch_;
-  /// Keeps the process from App Nap, which lowers its priority and puts its timers off: the whole session's
-  /// keys wait for this tap.
+  /// Prevents App Nap, which would lower the process's priority and delay its timers while all keys of the
+  /// session wait for this tap.
   id<NSObject> activity_;
 };
 

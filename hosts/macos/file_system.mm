@@ -64,7 +64,7 @@ bool FileSystem::append(const std::filesystem::path& path, std::string_view byte
     NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
     unsigned long long end = 0;
     if ([file seekToEndReturningOffset:&end error:nil] && ![file writeData:data error:nil]) {
-      [file truncateAtOffset:end error:nil];  // what comes next must not begin in the midst of this
+      [file truncateAtOffset:end error:nil];  // the next record must not follow a partial one
     }
     [file closeAndReturnError:nil];
     return true;

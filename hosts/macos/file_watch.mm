@@ -8,7 +8,8 @@
 namespace keyvora::macos {
 
 std::unique_ptr<FileWatch> FileWatch::open(const std::filesystem::path& path, std::function<void()> handler) {
-  // O_EVTONLY alone, so that the watch does not keep the file's volume busy; closed on exec by hand.
+  // O_EVTONLY without other flags, so that the watch does not keep the volume busy; close-on-exec is set
+  // below.
   const int descriptor = ::open(path.c_str(), O_EVTONLY);
   if (descriptor < 0) return nullptr;
   ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
@@ -22,7 +23,7 @@ std::unique_ptr<FileWatch> FileWatch::open(const std::filesystem::path& path, st
   dispatch_source_set_event_handler(source, ^{
     guarded([&] { handler(); });
   });
-  // Only here: a descriptor that is closed while its source lives could be another file's by then.
+  // Closed only here: if it were closed while its source exists, another file could get the same number.
   dispatch_source_set_cancel_handler(source, ^{
     ::close(descriptor);
   });

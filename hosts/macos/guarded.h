@@ -8,8 +8,8 @@
 
 namespace keyvora::macos {
 
-/// Runs a callback's body in an autorelease pool and stops whatever it throws: the system's frames that
-/// called us are not made for exceptions. Returns what `body` returns, or `otherwise` after an exception.
+/// Runs a callback's body in an autorelease pool and catches its exceptions: the system's callers do not
+/// support them. Returns what `body` returns, or `otherwise` after an exception.
 template <class Body, class Result>
 Result guarded(Result otherwise, Body body) {
   @autoreleasepool {
@@ -18,7 +18,7 @@ Result guarded(Result otherwise, Body body) {
     } catch (NSException* exception) {
       NSLog(@"keyvora: exception in a callback: %@", exception.reason);
     } catch (const std::exception& exception) {
-      // Not %s, which takes the bytes for MacRoman.
+      // Not %s, which decodes the bytes as MacRoman.
       NSLog(@"keyvora: exception in a callback: %@", nsString(exception.what()));
     } catch (...) {
       NSLog(@"keyvora: exception in a callback");

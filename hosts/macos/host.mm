@@ -20,7 +20,7 @@
 namespace keyvora::macos {
 namespace {
 
-/// macOS behind the door.
+/// The host for macOS.
 class Host final : public platform::Host {
  public:
   [[nodiscard]] const platform::Platform& platform() const override { return platform_; }

@@ -18,7 +18,7 @@ std::unique_ptr<platform::EventSource> Keyboard::createSource() {
 
 std::unique_ptr<platform::SyntheticEvent> Keyboard::createEvent(const platform::EventSource* source,
                                                                 std::uint16_t keyCode, bool down) {
-  // Every source that reaches this host was made by it.
+  // Every source passed to this host was made by it.
   CGEventSourceRef own = source == nullptr ? nullptr : static_cast<const EventSource*>(source)->get();
   auto event = CFRef<CGEventRef>::adopt(CGEventCreateKeyboardEvent(own, keyCode, down));
   if (!event) return nullptr;

@@ -30,7 +30,7 @@ std::unique_ptr<platform::Timer> MainLoop::schedule(platform::Seconds interval, 
   @autoreleasepool {
     void (^fire)(NSTimer*) = ^(NSTimer*) {
       guarded([&] {
-        // Invalidating from within the block releases the block; the copy lives until it returns.
+        // Invalidation inside the block releases the block; this copy keeps it alive until it returns.
         const auto running = block;
         running();
       });

@@ -4,10 +4,10 @@
 
 #include <functional>
 
-/// What a row of a menu does. Its item carries it as the represented object; the application's delegate runs
-/// it when the item is chosen. Main thread.
+/// The action of a menu row. The row's item carries it as its represented object; the application's
+/// delegate runs it when the item is chosen. Main thread.
 @interface KVMenuAction : NSObject
 - (instancetype)initWithAction:(std::function<void()>)action;
-/// May replace the menu, and with it this object.
+/// May replace the menu, which releases this object.
 - (void)run;
 @end

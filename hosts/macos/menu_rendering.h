@@ -6,7 +6,7 @@
 
 namespace keyvora::macos {
 
-/// The menu as AppKit shows it: automatic enabling greys the rows without an action. Main thread.
+/// The menu as an NSMenu. AppKit's automatic enabling greys out rows without an action. Main thread.
 NSMenu* render(const platform::Menu& menu);
 
 }  // namespace keyvora::macos

@@ -14,7 +14,7 @@
 }
 
 - (void)run {
-  const auto running = _action;  // outlives this object, should the menu be replaced meanwhile
+  const auto running = _action;  // a copy: the action may replace the menu, which releases this object
   running();
 }
 
@@ -23,8 +23,8 @@
 namespace keyvora::macos {
 namespace {
 
-/// What the item of a row sends when it is chosen: to the application's delegate, but for the command that
-/// every application has, which finds the application by itself.
+/// The selector that a row's item sends. The row that ends the application sends `terminate:`, which
+/// reaches NSApplication by the responder chain; all others go to the delegate.
 SEL selectorOf(const platform::MenuRow& row) {
   if (!row.isEnabled()) return nil;
   return row.endsApplication ? @selector(terminate:) : @selector(choose:);

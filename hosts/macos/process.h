@@ -4,7 +4,7 @@
 
 namespace keyvora::macos {
 
-/// The process, through the C library: `exit` is also where NSApplication's `terminate:` ends.
+/// The process, through the C library. NSApplication's `terminate:` also ends in `exit`.
 class Process final : public platform::Process {
  public:
   void print(std::string_view line) override;

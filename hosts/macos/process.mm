@@ -17,7 +17,7 @@ struct ExitBlocks {
   std::vector<std::function<void()>> blocks;
 };
 
-/// Never destroyed: other threads may add to it while the process ends.
+/// Never destroyed: other threads may add to it during the exit.
 ExitBlocks& exitBlocks() {
   static auto& kept = *new ExitBlocks;
   return kept;

@@ -11,7 +11,7 @@ platform::ScriptOutcome Scripts::run(const std::string& source) {
     NSAppleScript* script = [[NSAppleScript alloc] initWithSource:nsString(source)];
     if (script == nil) return {false, std::nullopt};
     NSDictionary<NSString*, id>* error = nil;
-    // Annotated as never nil, yet nil is how it reports a failure.
+    // Declared as never nil, but returns nil for a failure.
     NSAppleEventDescriptor* result = [script executeAndReturnError:&error];
     if (result != nil) return {true, std::nullopt};
     id message = error[NSAppleScriptErrorMessage];

@@ -8,8 +8,8 @@
 
 namespace keyvora::macos {
 
-/// Calls back after the Mac woke, the login session became the active one again, or the screen was unlocked:
-/// the moments after which the system may have left an event tap off without telling. Main thread.
+/// Calls back after the Mac woke up, the login session became the active one, or the screen was unlocked.
+/// After each of these the system may have left an event tap disabled without a notice. Main thread.
 class SessionWatch {
  public:
   explicit SessionWatch(std::function<void()> returned);

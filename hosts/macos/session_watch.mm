@@ -4,7 +4,7 @@
 
 #include "hosts/macos/guarded.h"
 
-/// Hears the notifications, on the main thread: both centers post to it from there.
+/// Receives the notifications, on the main thread: both centers post from there.
 @interface KVSessionObserver : NSObject
 - (instancetype)initWithBlock:(std::function<void()>)block;
 - (void)sessionReturned:(NSNotification*)notification;
@@ -35,8 +35,8 @@ SessionWatch::SessionWatch(std::function<void()> returned)
        @[ NSWorkspaceDidWakeNotification, NSWorkspaceSessionDidBecomeActiveNotification ]) {
     [workspace addObserver:observer_ selector:@selector(sessionReturned:) name:name object:nil];
   }
-  // AppKit suspends distributed notifications while the application is not active, which an accessory hardly
-  // ever is: by default this one would be held back until then.
+  // By default AppKit delays distributed notifications until the application is active, and an accessory
+  // application hardly ever is.
   [NSDistributedNotificationCenter.defaultCenter
              addObserver:observer_
                 selector:@selector(sessionReturned:)

@@ -6,7 +6,7 @@
 
 namespace keyvora::macos {
 
-/// One item of the menu bar, out of it at its end. Main thread.
+/// One item of the menu bar; its destructor removes it. Main thread.
 class StatusItem final : public platform::StatusItem {
  public:
   explicit StatusItem(NSStatusItem* item) : item_(item) {}

@@ -12,7 +12,8 @@ bool StatusItem::hasButton() const { return item_.button != nil; }
 void StatusItem::setTitle(std::string_view title) {
   @autoreleasepool {
     NSString* text = nsString(title);
-    // Reports repeat for every key outside the target; an equal title must not redraw the menu bar.
+    // The state is reported for every key outside the target; setting an equal title would redraw the menu
+    // bar.
     if (![item_.button.title isEqualToString:text]) item_.button.title = text;
   }
 }

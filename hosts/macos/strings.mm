@@ -3,12 +3,12 @@
 namespace keyvora::macos {
 
 NSString* nsString(std::string_view text) {
-  if (text.empty()) return @"";  // an empty view may have no bytes to point at
+  if (text.empty()) return @"";  // the data of an empty view may be null
   NSString* string = [[NSString alloc] initWithBytes:text.data()
                                               length:text.size()
                                             encoding:NSUTF8StringEncoding];
   if (string != nil) return string;
-  // Every byte has a meaning here, so this cannot fail.
+  // Latin-1 gives every byte a meaning, so this cannot fail.
   return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSISOLatin1StringEncoding];
 }
 

@@ -20,7 +20,7 @@ class EventSource final : public platform::EventSource {
   CFRef<CGEventSourceRef> source_;
 };
 
-/// A CGEvent that was made and not yet posted. One thread at a time.
+/// A CGEvent that was made and not posted yet. One thread at a time.
 class SyntheticEvent final : public platform::SyntheticEvent {
  public:
   explicit SyntheticEvent(CFRef<CGEventRef> event) : event_(std::move(event)) {}

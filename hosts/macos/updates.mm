@@ -13,7 +13,7 @@ keyvora::platform::UpdateItem itemOf(SUAppcastItem* item) {
 
 }  // namespace
 
-/// Hands Sparkle's delegate calls on to the core's, which must outlive it.
+/// Forwards Sparkle's delegate calls to the core's delegate, which must outlive it.
 @interface KVUpdaterBridge : NSObject <SPUUpdaterDelegate, SPUStandardUserDriverDelegate>
 - (instancetype)initWithDelegate:(keyvora::platform::UpdaterDelegate*)delegate;
 @end
@@ -79,7 +79,7 @@ class UpdaterController final : public platform::UpdaterController {
                                                                   updaterDelegate:bridge_
                                                                userDriverDelegate:bridge_]) {}
 
-  // A probe calls these before the run loop, and its pools, have started.
+  // A probe calls these before the run loop with its autorelease pools has started.
   void startUpdater() override {
     @autoreleasepool {
       [controller_ startUpdater];

@@ -8,7 +8,7 @@
 namespace keyvora::posix {
 namespace {
 
-/// What was formatted last on this thread.
+/// The last formatted time of this thread.
 struct Stamp {
   std::time_t second = -1;
   std::uint64_t clock = 0;
@@ -19,12 +19,12 @@ struct Stamp {
 thread_local Stamp last;
 std::atomic<std::uint64_t> clocksMade = 0;
 
-/// The zone that `tzset` reads is the process's: one thread at a time.
+/// `tzset` reads the zone into variables of the process: one thread at a time.
 std::mutex zoneMutex;
 
 std::tm localTimeOf(std::time_t second) {
   const std::scoped_lock lock(zoneMutex);
-  ::tzset();  // localtime_r alone keeps to the zone that the process started in
+  ::tzset();  // localtime_r alone keeps the zone of the process's start
   std::tm time{};
   ::localtime_r(&second, &time);
   return time;
@@ -33,7 +33,7 @@ std::tm localTimeOf(std::time_t second) {
 }  // namespace
 
 Clock::Clock() : locale_(::newlocale(LC_TIME_MASK, "", nullptr)), serial_(++clocksMade) {
-  // A locale that is not installed: the one that always is.
+  // The user's locale is not installed; this one always is.
   if (!locale_) locale_ = ::newlocale(LC_TIME_MASK, "C", nullptr);
 }
 

@@ -3,7 +3,7 @@
 #include <clocale>
 #include <cstdint>
 
-#if __has_include(<xlocale.h>)  // where a C library keeps locale_t apart
+#if __has_include(<xlocale.h>)  // some C libraries declare locale_t there
 #include <xlocale.h>
 #endif
 
@@ -11,9 +11,9 @@
 
 namespace keyvora::posix {
 
-/// The system's clock in the user's time zone, with the numerals and the calendar that the C library gives
-/// the user's locale. A change of the zone is followed from the next second on. Each thread that asks formats
-/// once a second, one at a time; in between no lock is taken.
+/// The system's clock in the user's time zone, with the digits and the calendar of the C library for the
+/// user's locale. A change of the zone takes effect at the next second. Each thread formats at most once a
+/// second, under a lock; otherwise no lock is taken.
 class Clock final : public platform::Clock {
  public:
   Clock();
@@ -25,7 +25,7 @@ class Clock final : public platform::Clock {
 
  private:
   locale_t locale_;
-  /// Tells this clock from one that was at the same address before.
+  /// Distinguishes this clock from an earlier one at the same address.
   std::uint64_t serial_;
 };
 

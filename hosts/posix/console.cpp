@@ -16,8 +16,8 @@
 namespace keyvora::posix {
 namespace {
 
-/// Writing to a pipe without a reader raises a signal that would end the process. It is held back on this
-/// thread while the record is written, and taken away if it came.
+/// Writing to a pipe without a reader raises SIGPIPE, which would end the process. Blocks it on this thread
+/// while the record is written, and consumes it if it was raised.
 class NoPipeSignal {
  public:
   NoPipeSignal() {
@@ -29,7 +29,7 @@ class NoPipeSignal {
   NoPipeSignal(const NoPipeSignal&) = delete;
   NoPipeSignal& operator=(const NoPipeSignal&) = delete;
 
-  /// The write failed for want of a reader.
+  /// To be called after a write that failed for lack of a reader.
   void consume() const {
     if (sigismember(&before_, SIGPIPE) == 1) return;  // the thread's owner deals with it
     sigset_t pending;

@@ -7,12 +7,11 @@
 
 namespace keyvora::posix {
 
-/// One line per record on standard error, written at once or not at all: a pipe or a terminal that takes no
-/// more costs the record, never time.
-///
-/// Whether writing waits is a property of the open file, which other processes share: it must not be changed
-/// under them. Pipes and terminals are therefore opened once more, for this process alone; a socket is told
-/// with each record not to wait; a regular file never waits.
+/// One line per record on standard error, written at once or not at all: a pipe or terminal that takes no
+/// more loses the record instead of blocking.
+/// | Whether a write blocks is a property of the open file description, which other processes share, so it
+/// must not be changed. Pipes and terminals are therefore opened once more, for this process alone; a
+/// socket gets MSG_DONTWAIT with each record; a regular file never blocks.
 class Console final : public platform::Console {
  public:
   explicit Console(int descriptor = STDERR_FILENO);
@@ -27,7 +26,7 @@ class Console final : public platform::Console {
   int target_;
   FileDescriptor reopened_;
   std::atomic<Way> way_;
-  /// The record before was cut off: a line break has to come first.
+  /// The last record was cut off: a line feed must come before the next.
   std::atomic<bool> isCutOff_ = false;
 };
 

@@ -6,7 +6,7 @@
 
 namespace keyvora::posix {
 
-/// Owns an open file: closes it when it goes.
+/// Owns a file descriptor and closes it.
 class FileDescriptor {
  public:
   FileDescriptor() = default;

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr mode_t permissionBits = 0777;
 constexpr mode_t ownerReadsAndWrites = S_IRUSR | S_IWUSR;
-/// Never wait for the other end of a pipe, never take a terminal as the process's own.
+/// Does not wait for the other end of a pipe, and does not make a terminal the controlling one.
 constexpr int openQuietly = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 FileDescriptor open(const fs::path& path, int flags, mode_t mode = 0) {
@@ -43,8 +43,8 @@ bool writeAll(const FileDescriptor& file, std::string_view bytes) {
   return true;
 }
 
-/// Whether all of it was written and has reached the disk: some file systems find out only then that they are
-/// full, and a name must not come to last before what it names.
+/// Writes all bytes and syncs them to the disk; false when either fails. Some file systems report only then
+/// that they are full, and a file must be on the disk before it gets its name.
 bool writeToDisk(const FileDescriptor& file, std::string_view bytes) {
   return writeAll(file, bytes) && ::fsync(file.number()) == 0;
 }
@@ -53,7 +53,7 @@ bool writeToDisk(const FileDescriptor& file, std::string_view bytes) {
 int readAll(const FileDescriptor& file, std::size_t expected, std::string& bytes) {
   constexpr std::size_t chunk = 64u << 10;
   std::size_t length = 0;
-  bytes.resize(expected + 1);  // one more, to see the end without growing
+  bytes.resize(expected + 1);  // one more, so that the end of the file shows without another resize
   for (;;) {
     const auto count = ::read(file.number(), bytes.data() + length, bytes.size() - length);
     if (count < 0) {
@@ -77,7 +77,7 @@ std::string reasonFor(int error) {
   return std::generic_category().message(error);
 }
 
-/// A new file with a name of its own beside `path`; the name is put into `name`.
+/// Creates a file with a unique name in the directory of `path`; `name` receives its path.
 FileDescriptor createBeside(const fs::path& path, mode_t mode, fs::path& name) {
   std::random_device random;
   constexpr int attempts = 8;
@@ -105,8 +105,8 @@ bool replaceFile(const fs::path& path, std::string_view bytes) {
   return false;
 }
 
-/// Lets the file appear at `path` too, unless something is there. Unlike a rename, a link is refused then;
-/// where the file system has no links (FAT), a look beforehand has to do.
+/// Gives the file the name `path`, unless something exists there. `link` refuses an existing name, `rename`
+/// would not; on a file system without links (FAT) the check before the rename leaves a gap.
 bool placeWhereNothingIs(const fs::path& file, const fs::path& path) {
   if (::link(file.c_str(), path.c_str()) == 0) return true;
   struct stat present {};
@@ -179,7 +179,7 @@ bool FileOperations::append(const fs::path& path, std::string_view bytes) {
   struct stat info {};
   if (::fstat(file.number(), &info) != 0 || !S_ISREG(info.st_mode)) return true;
   if (writeAll(file, bytes)) return true;
-  // What comes next must not begin in the midst of this.
+  // The next record must not follow a partial one.
   [[maybe_unused]] const int result = ::ftruncate(file.number(), info.st_size);
   return true;
 }

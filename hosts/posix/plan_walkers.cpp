@@ -24,7 +24,7 @@ void PlanWalkers::walk(platform::Plan plan) {
     try {
       threads_.emplace_back([this] { run(); });
     } catch (const std::system_error&) {
-      // It waits for a thread.
+      // The plan waits for a thread that exists.
     }
   }
   hasPlan_.notify_one();

@@ -11,9 +11,9 @@
 
 namespace keyvora::posix {
 
-/// Threads that walk plans: as many as there were plans at once, kept for later ones. Where the system gives
-/// no more threads, a plan waits for one of those there are. Destroying them ends every plan at its next
-/// sleep; what has not begun is dropped.
+/// Threads that walk plans: as many as there were plans at the same time, kept for later plans. If the
+/// system gives no more threads, a plan waits for an existing one. The destructor ends every plan at its
+/// next sleep and drops plans that have not begun.
 class PlanWalkers {
  public:
   PlanWalkers() = default;
@@ -27,7 +27,7 @@ class PlanWalkers {
  private:
   void run();
   void walkAll(const platform::Plan& plan);
-  /// False when the walkers are to stop.
+  /// False when the walkers are being stopped.
   bool sleepUntil(std::chrono::steady_clock::time_point moment);
 
   std::mutex mutex_;

@@ -5,8 +5,8 @@
 
 namespace keyvora::posix {
 
-/// Background work on threads. To be destroyed before whatever its plans and work use: a plan ends in its
-/// next sleep, and is waited for.
+/// Background work on threads. Must be destroyed before everything that its plans and work use: the
+/// destructor waits for running work, and plans end at their next sleep.
 class Queues final : public platform::Queues {
  public:
   std::unique_ptr<platform::SerialQueue> createSerial(const std::string& label) override;

@@ -37,7 +37,7 @@ bool SerialQueue::drain(std::chrono::milliseconds limit) {
   return hasRun_.wait_for(lock, limit, [this, until = submitted_] { return ran_ >= until; });
 }
 
-/// Whether there is a thread. Under the lock.
+/// Starts the thread if there is none; false if there is none afterwards. Called under the lock.
 bool SerialQueue::start() {
   if (thread_.joinable()) return true;
   try {

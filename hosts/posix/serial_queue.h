@@ -10,9 +10,9 @@
 
 namespace keyvora::posix {
 
-/// A thread that runs what it is given, one piece after another, and sleeps in between. Destroying it drops
-/// what has not begun, and waits for what has. Where the system has no thread to give, work waits for the
-/// next piece or drain, which asks again.
+/// A thread that runs pieces of work one after another. The destructor drops work that has not begun and
+/// waits for the piece that is running. If the system gives no thread, work waits for the next `async` or
+/// `drain`, which try again.
 class SerialQueue final : public platform::SerialQueue {
  public:
   explicit SerialQueue(std::string label);
@@ -22,7 +22,7 @@ class SerialQueue final : public platform::SerialQueue {
 
   void async(std::function<void()> work) override;
 
-  /// Not from work of its own: that could only wait in vain.
+  /// Must not be called from this queue's own work, which would wait for itself.
   bool drain(std::chrono::milliseconds limit) override;
 
  private:

@@ -7,7 +7,7 @@
 namespace keyvora::posix {
 
 void prepareThread(const std::string& label) {
-  // The kernel keeps 15 characters; the end of a reverse-domain label tells more than its beginning.
+  // The kernel keeps 15 characters; in a reverse-domain label the end says the most.
   constexpr std::size_t longest = 15;
   const auto name = label.size() > longest ? label.substr(label.size() - longest) : label;
 #ifdef __APPLE__

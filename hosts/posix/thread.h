@@ -4,7 +4,8 @@
 
 namespace keyvora::posix {
 
-/// To be called first on a thread of ours: names it for debuggers, and leaves signals to the main thread.
+/// To be called first on each background thread: names it for debuggers, and blocks signals, which the main
+/// thread handles.
 void prepareThread(const std::string& label);
 
 }  // namespace keyvora::posix

@@ -10,7 +10,8 @@
 
 namespace keyvora::posix {
 
-/// A value in memory of its own that is left out of core dumps, for what a user typed. Cleared at its end.
+/// A value in its own memory that is left out of core dumps, for what a user typed. The destructor clears
+/// it.
 template <class Value>
 class Undumped {
   static_assert(std::is_trivially_destructible_v<Value>);

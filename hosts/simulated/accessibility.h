@@ -11,7 +11,7 @@
 
 namespace keyvora::simulated {
 
-/// Error codes of the accessibility interface that the simulation gives, as `AXError`.
+/// Error codes of the accessibility interface that the simulation returns, as `AXError`.
 namespace accessibility_error {
 inline constexpr std::int32_t invalidElement = -25202;
 inline constexpr std::int32_t cannotComplete = -25204;
@@ -21,19 +21,19 @@ inline constexpr std::int32_t noValue = -25212;
 
 class Accessibility;
 
-/// An element of an application's tree, as a test builds it: made by `Accessibility::element`.
+/// An element of an application's tree, built by a test with `Accessibility::element`.
 class TreeElement final : public platform::Element {
  public:
   explicit TreeElement(Accessibility& owner) : owner_(owner) {}
 
-  /// Tells the element in the trace; its title unless a test chooses another.
+  /// Identifies the element in the trace; its title unless a test sets another.
   std::string identifier;
 
-  /// What reading an attribute answers; one that is not here has no value. A test sets any error and any kind
-  /// of value: `attributes["AXTitle"] = {-25204, OtherValue{}}`.
+  /// The answers to reading attributes; an attribute that is not in the map has no value. A test may set
+  /// any error and any kind of value: `attributes["AXTitle"] = {-25204, OtherValue{}}`.
   std::map<std::string, platform::AttributeAnswer, std::less<>> attributes;
 
-  /// The error code of performing an action on it, which is recorded all the same.
+  /// The error code of performing an action on it. The action is recorded in any case.
   std::int32_t performError = 0;
 
   platform::AttributeAnswer attribute(std::string_view name) override;
@@ -45,22 +45,23 @@ class TreeElement final : public platform::Element {
 
 using TreeElementRef = std::shared_ptr<TreeElement>;
 
-/// Accessibility trees held in memory, and the permission to read them: granted unless a test takes it away.
+/// Accessibility trees in memory, and the permission to read them, which is granted unless a test removes
+/// it.
 class Accessibility final : public platform::Accessibility {
  public:
   Accessibility(World& world, MainLoop& loop) : world_(world), loop_(loop) {}
 
-  /// The permission. Without it every element answers with error -25211.
+  /// The permission. Without it every element returns error -25211.
   bool trusted = true;
 
-  /// The user grants the permission when so much time has passed.
+  /// The user grants the permission after this time.
   void grantAfter(double seconds);
 
-  /// A new element: without a title it is a container, or whatever a test makes of it.
+  /// A new element. Without a title it is a container, unless a test adds attributes.
   TreeElementRef element(std::optional<std::string> title = std::nullopt,
                          std::vector<TreeElementRef> children = {});
 
-  /// The roots by process. The root of a process that is not here answers with error -25202.
+  /// The roots by process. The root of any other process returns error -25202.
   std::map<platform::ProcessIdentifier, TreeElementRef> roots;
 
   /// Makes a root for the process whose "AXMenuBar" is this element.

@@ -9,7 +9,7 @@
 
 namespace keyvora::simulated {
 
-/// The process: its output and its end are only recorded.
+/// The process: its output and its exit are only recorded.
 class Process final : public platform::Process {
  public:
   explicit Process(World& world) : world_(world) {}
@@ -18,7 +18,7 @@ class Process final : public platform::Process {
   void exit(int status) override { end(status); }
   void atExit(std::function<void()> block) override;
 
-  /// A normal end: the blocks run, the last given first, and the status is recorded.
+  /// A normal end: runs the blocks, the last added first, and records the status.
   void end(int status);
 
  private:
@@ -27,12 +27,12 @@ class Process final : public platform::Process {
   std::vector<std::function<void()>> blocks_;
 };
 
-/// The application: its loop is whatever the test does while it runs.
+/// The application. While it runs, the test's `whileRunning` takes the place of the loop.
 class Application final : public platform::Application {
  public:
   Application(World& world, Process& process) : world_(world), process_(process) {}
 
-  /// What `run` does once launching has finished; it returns when this does.
+  /// Called by `run` after launching has finished; `run` returns when it does.
   std::function<void()> whileRunning;
 
   void setDelegate(std::function<void()> didFinishLaunching) override;

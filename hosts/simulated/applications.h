@@ -15,7 +15,7 @@ class Applications final : public platform::Applications {
  public:
   explicit Applications(World& world) : world_(world) {}
 
-  /// An application starts, behind those that run.
+  /// Starts an application. It is listed after those that are running.
   void start(std::string bundleIdentifier, platform::ProcessIdentifier process) {
     running_.push_back({std::move(bundleIdentifier), process});
   }
@@ -24,7 +24,8 @@ class Applications final : public platform::Applications {
     std::erase_if(running_, [process](const auto& each) { return each.process == process; });
   }
 
-  /// Bundle identifier of the application in front; none when there is none, or it has none.
+  /// Bundle identifier of the application in front; none when there is no such application, or it has no
+  /// identifier.
   std::optional<std::string> front;
 
   std::vector<platform::ProcessIdentifier> running(std::string_view bundleIdentifier) override {

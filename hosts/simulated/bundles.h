@@ -10,7 +10,7 @@
 
 namespace keyvora::simulated {
 
-/// What a bundle holds, as a test describes it.
+/// The content of a bundle, set by a test.
 struct BundleContents {
   std::filesystem::path directory;
   std::optional<std::filesystem::path> resourceDirectory;
@@ -21,20 +21,20 @@ struct BundleContents {
   std::optional<std::string> identifier;
 };
 
-/// Bundles in memory. Change what they hold before the program looks: any thread may read them.
+/// Bundles in memory. Set their content before the program uses them: any thread may read it.
 class Bundles final : public platform::Bundles {
  public:
   explicit Bundles(World& world);
   ~Bundles() override;
 
-  /// The running program's bundle: keyvora 1.2 (42), at first.
+  /// The program's bundle; initially keyvora 1.2 (42).
   BundleContents mainBundle;
 
-  /// The bundle that contains the code; the same directories as the main one, at first.
+  /// The bundle that contains the code; initially with the same directories as the main one.
   BundleContents containingBundle;
 
-  /// The bundles that can be opened, by directory; at first the one with the default mapping document, among
-  /// the main bundle's resources.
+  /// The bundles that can be opened, by directory; initially the one with the default mapping document,
+  /// among the main bundle's resources.
   std::map<std::filesystem::path, BundleContents> others;
 
   const platform::Bundle& main() override;

@@ -61,17 +61,18 @@ enum class Call {
   checkForUpdateInformation,
 };
 
-/// What is known of a call besides its failure.
+/// Properties of a call besides its failure.
 struct CallTraits {
   Call call;
   std::string_view name;
-  /// The call is fatal on any other thread than the main one.
+  /// The call is fatal on other threads than the main thread.
   bool mainThreadOnly;
   /// What a failure looks like to the caller.
   std::string_view failure;
 };
 
-/// All calls, in the order of the enumeration: a test that must see each of them fail walks this table.
+/// All calls, in the order of the enumeration. A test that makes each of them fail iterates over this
+/// table.
 inline constexpr std::array allCalls{
     CallTraits{Call::isTrusted, "isTrusted", true, "false"},
     CallTraits{Call::isTrustedPrompting, "isTrustedPrompting", true, "false"},

@@ -5,7 +5,7 @@
 
 namespace keyvora::simulated {
 
-/// The wall clock: "2026-01-02 03:04:05" when the host is made, and then along with the virtual clock.
+/// The wall clock: starts at "2026-01-02 03:04:05" and advances with the virtual clock.
 class Clock final : public platform::Clock {
  public:
   Clock(World& world, MainLoop& loop) : world_(world), loop_(loop) {}

@@ -5,14 +5,14 @@
 
 namespace keyvora::simulated {
 
-/// Finds what it was told to find.
+/// Returns the findings that a test set.
 class Diagnosis final : public platform::Diagnosis {
  public:
   explicit Diagnosis(World& world) : world_(world) {}
 
   std::vector<platform::Finding> found;
   std::vector<platform::Fact> known;
-  /// What the last call named.
+  /// The document of the last call.
   std::filesystem::path document;
   std::string target;
 

@@ -12,27 +12,27 @@
 
 namespace keyvora::simulated {
 
-/// Makes calls of the door fail, counts them, and tells of each. What failing means for a call says
-/// `allCalls`. Any thread.
+/// Makes calls of the door fail, counts them, and reports each to `onCall`. `allCalls` describes what a
+/// failure of each call is. Any thread.
 class Failures {
  public:
-  /// Told of each call when it is made, before it is done, on its thread: for tests of an order that leaves
-  /// no trace. Set while nothing else calls.
+  /// Called for each call of the door before it is carried out, on the caller's thread: for tests of an
+  /// order that the trace does not show. Set it while nothing else calls.
   std::function<void(Call)> onCall;
 
   /// The call fails from now on.
   void always(Call call);
 
-  /// The call fails once: at its `n`-th time from now, counted from 1.
+  /// The call fails once: the `n`-th call from now, counted from 1.
   void nth(Call call, std::uint64_t n);
 
   /// `createEvent` fails from now on for this key and direction.
   void event(std::uint16_t keyCode, bool down);
 
-  /// No call fails any more.
+  /// No call fails from now on.
   void clear();
 
-  /// How often the call was made so far, failures included.
+  /// How many times the call was made so far, including failures.
   [[nodiscard]] std::uint64_t count(Call call) const;
 
   /// For the parts of the simulated host: counts the call and says whether it fails this time.
@@ -44,11 +44,11 @@ class Failures {
  private:
   struct Rule {
     bool always = false;
-    std::set<std::uint64_t> times;  // by count, from 1
+    std::set<std::uint64_t> times;  // counted from 1
   };
 
   std::array<std::atomic<std::uint64_t>, callCount> counts_{};
-  std::atomic<bool> anyRule_ = false;  // spares the ordinary call the lock
+  std::atomic<bool> anyRule_ = false;  // so that a call without any rule takes no lock
   mutable std::mutex mutex_;
   std::array<Rule, callCount> rules_;
   std::set<std::pair<std::uint16_t, bool>> events_;

@@ -6,7 +6,8 @@ namespace keyvora::simulated {
 
 namespace fs = std::filesystem;
 
-/// Lives as long as its handle: a notification on its way finds it gone, or cancelled.
+/// Lives as long as its handle, so that a pending notification can see that the watch was cancelled or
+/// destroyed.
 struct FileSystem::Watcher {
   std::function<void()> handler;
   bool cancelled = false;

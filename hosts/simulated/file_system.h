@@ -11,22 +11,22 @@
 
 namespace keyvora::simulated {
 
-/// Files in memory. A path names a file, a file can be watched, and renaming or replacing moves the name to
-/// another file, as on a real disk; there are no links. Any thread.
+/// Files in memory. A path names a file, a file can be watched, and renaming or replacing gives the name to
+/// another file, as on a disk; there are no links. Any thread.
 class FileSystem final : public platform::FileSystem {
  public:
   FileSystem(World& world, MainLoop& loop);
   ~FileSystem() override;
 
-  /// The user's directories; none for an empty list. "/Users/me/Library" and its Application Support at
-  /// first; they do not exist until the program makes them.
+  /// The user's directories; none stands for an empty list. Initially "/Users/me/Library" and its
+  /// Application Support, which do not exist until the program creates them.
   std::optional<std::filesystem::path> applicationSupport;
   std::optional<std::filesystem::path> library;
 
-  /// Someone else writes the whole file, in place when it exists; missing directories are made.
+  /// Another program writes the whole file, in place if it exists. Missing directories are created.
   void write(const std::filesystem::path& path, std::string bytes);
 
-  /// Someone else saves by writing a new file and renaming it over this path.
+  /// Another program saves by writing a new file and renaming it to this path.
   void saveByRename(const std::filesystem::path& path, std::string bytes);
 
   void rename(const std::filesystem::path& from, const std::filesystem::path& to);
@@ -35,7 +35,7 @@ class FileSystem final : public platform::FileSystem {
   /// Opening the file fails from now on, for reading, writing and watching alike.
   void lock(const std::filesystem::path& path);
 
-  /// Nothing can be made in or below this directory from now on.
+  /// Nothing can be created in or below this directory from now on.
   void seal(const std::filesystem::path& directory);
 
   /// The file's bytes; none when there is no such file.

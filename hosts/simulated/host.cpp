@@ -3,7 +3,7 @@
 namespace keyvora::simulated {
 namespace {
 
-/// Ships with the program on a real system; here just enough to be loaded.
+/// On a real system this ships with the program; here it is the smallest document that loads.
 constexpr const char* defaultDocument = R"({"version": 1, "tabs": {}, "sequences": []})";
 
 }  // namespace

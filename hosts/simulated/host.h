@@ -20,9 +20,9 @@
 
 namespace keyvora::simulated {
 
-/// A whole system in memory, on a virtual clock, for tests, fuzzers, benchmarks and tools. What the program
-/// does to it stands in `trace`; what a test wants to be otherwise, it sets on the part concerned; any call
-/// of the door is made to fail through `failures`. The thread that makes it is its main thread.
+/// A whole system in memory, on a virtual clock, for tests, fuzzers, benchmarks and tools. `trace` records
+/// what the program did to it; a test sets conditions on the members; any call of the door can be made to
+/// fail through `failures`. The thread that constructs it is its main thread.
 ///
 ///     simulated::Host host;
 ///     platform::Scope scope(host.platform());
@@ -61,7 +61,7 @@ class Host final : public platform::Host, private World {
 
   bool becomeOnlyInstance() override { return !hasOtherInstance; }
 
-  /// Lets virtual time pass: see `MainLoop::advance`.
+  /// Advances the virtual clock: see `MainLoop::advance`.
   void advance(double seconds) { mainLoop.advance(seconds); }
 
   [[nodiscard]] const platform::Platform& platform() const override { return platform_; }

@@ -9,30 +9,30 @@
 
 namespace keyvora::simulated {
 
-/// The keyboard, its user, and the taps on it. What is posted at the hardware level comes by our own taps on
-/// the main loop, at the next `advance`, as on macOS.
+/// The keyboard, its user, and the taps on it. An event posted at the hardware level reaches the program's
+/// own taps on the main loop, at the next `advance`, as on macOS.
 class Keyboard final : public platform::Keyboard {
  public:
   Keyboard(World& world, MainLoop& loop);
   ~Keyboard() override;
 
-  /// One event of the user's: shown to the taps that are on, the newest first; the first to swallow it ends
-  /// its way. A tap-disabled type switches the taps off and then tells each of them.
+  /// One event of the user. The enabled taps get it, the newest first, until one swallows it. A
+  /// tap-disabled type disables the taps and is then delivered to each of them.
   platform::Verdict send(const platform::KeyEvent& event);
 
   /// A key pressed and released; the verdict on the press.
   platform::Verdict type(std::uint16_t keyCode, std::uint64_t flags = 0);
 
-  /// A modifier key that goes down or comes up; `flags` is what holds afterwards.
+  /// A modifier key goes down or up; `flags` are the flags after that.
   platform::Verdict changeFlags(std::uint16_t keyCode, std::uint64_t flags);
 
-  /// The Option key (the left one, unless told otherwise) pressed and released with nothing in between.
+  /// The Option key (by default the left one) pressed and released with nothing in between.
   void tapOption(std::uint16_t keyCode = platform::key_code::leftOption);
 
-  /// How many taps exist, on or off.
+  /// How many taps exist, enabled or not.
   [[nodiscard]] std::size_t tapCount() const { return taps_->size(); }
 
-  /// Whether a tap exists and all are on.
+  /// Whether a tap exists and all taps are enabled.
   [[nodiscard]] bool tapsEnabled() const;
 
   std::unique_ptr<platform::EventTap> createTap(std::uint64_t eventMask,

@@ -12,7 +12,7 @@ class LoginService final : public platform::LoginService {
 
   platform::LoginStatus state = platform::LoginStatus::notRegistered;
 
-  /// What a call that is made to fail says.
+  /// The error of a call that is made to fail.
   std::string error = "Operation not permitted";
 
   platform::LoginStatus status() override {

@@ -6,9 +6,9 @@
 namespace keyvora::simulated {
 namespace {
 
-/// A moment so late that no test gets there, and still far from overflow.
+/// A moment that no test reaches, and far from overflow.
 constexpr double farFuture = 4e18;
-/// A repeating timer without an interval would stop virtual time: it gets the 0.1 ms that run loops give it.
+/// A repeating timer without an interval would stop virtual time: it gets 0.1 ms, as in real run loops.
 constexpr std::int64_t shortestRepeat = 100;
 
 std::int64_t microseconds(platform::Seconds span) {
@@ -89,11 +89,11 @@ std::optional<std::pair<MainLoop::Deadline, MainLoop::Entry>> MainLoop::takeDue(
 
 void MainLoop::run(Deadline deadline, Entry entry) {
   if (!entry.timer) return entry.block();
-  const auto timer = entry.timer;  // its block may destroy the handle
+  const auto timer = entry.timer;  // the block may destroy the handle
   timer->valid = timer->repeats;
   timer->block();
   if (!timer->valid) return;
-  // Firings that were missed while it had to wait are not made up for.
+  // Firings missed while it had to wait are dropped.
   const auto missed = (now_ - deadline.first) / timer->interval;
   add(deadline.first + (missed + 1) * timer->interval, std::move(entry));
 }

@@ -17,22 +17,22 @@ class MainLoop final : public platform::MainLoop {
  public:
   explicit MainLoop(World& world) : world_(world) {}
 
-  /// While set, a menu of ours is open: timers in the default mode wait, and run at the first `advance` after
-  /// it was cleared.
+  /// While true, a menu of the program is open: timers in the default mode wait, and run at the first
+  /// `advance` after it was cleared.
   bool menuTracking = false;
 
-  /// Lets `seconds` pass: runs what falls due, in order of deadline and then of submission, each at its time;
-  /// a deadline that is reached counts, and so does one that arises on the way. Main thread; may be nested,
-  /// as a loop may.
+  /// Advances the clock by `seconds` and runs what becomes due, in order of deadline and then of
+  /// submission, each at its own time. Deadlines at the end of the span are included, and so are those
+  /// added on the way. Main thread; may be nested, as a loop may.
   void advance(double seconds);
 
-  /// Virtual time since the host was made. Any thread.
+  /// Virtual time since the host was constructed. Any thread.
   [[nodiscard]] std::chrono::microseconds now() const { return std::chrono::microseconds(now_); }
 
   /// Timers and blocks that are still to run.
   [[nodiscard]] std::size_t pending() const;
 
-  /// `after` for the simulation's own ends: not counted, never failing.
+  /// `after` for the simulation's own use: not counted, never failing.
   void enqueue(platform::Seconds delay, std::function<void()> block);
 
   [[nodiscard]] bool isMainThread() const override { return world_.mainThread.isCurrent(); }
@@ -50,7 +50,7 @@ class MainLoop final : public platform::MainLoop {
   };
   class TimerHandle;
 
-  /// A moment, and the number of the submission, which orders what falls on the same moment.
+  /// A moment, and the number of the submission, which orders entries of the same moment.
   using Deadline = std::pair<std::int64_t, std::uint64_t>;
   struct Entry {
     std::shared_ptr<TimerState> timer;  // null for a plain block

@@ -7,7 +7,8 @@ namespace keyvora::simulated {
 
 namespace detail {
 
-/// Work of one serial queue. Whoever submits first runs it all, so that two threads never run pieces at once.
+/// Work of one serial queue. The thread that submits first runs all of it, so that no two pieces run at
+/// once.
 class Pipe {
  public:
   void add(std::function<void()> work, bool mayRun) {
@@ -53,7 +54,7 @@ class Pipe {
   std::deque<std::function<void()>> waiting_;
 };
 
-/// Whether the queues are held, and the queues there are. Outlives `Queues` in the hands of its queues.
+/// Whether the queues are held, and the list of queues. The queues share it and may outlive `Queues`.
 class HeldWork {
  public:
   std::atomic<bool> held = false;

@@ -13,9 +13,9 @@ namespace detail {
 class HeldWork;
 }
 
-/// Background queues without threads. Work on a serial queue runs at once, inside `async`, unless the queues
-/// are held; a plan is walked on the virtual clock, or at once. Either way it runs off the main thread as far
-/// as the program can tell.
+/// Background queues without threads. Work on a serial queue runs at once, inside `async`, unless the
+/// queues are held; a plan is walked on the virtual clock, or at once. To the program, both appear to run
+/// off the main thread.
 class Queues final : public platform::Queues {
  public:
   Queues(World& world, MainLoop& loop);
@@ -23,23 +23,23 @@ class Queues final : public platform::Queues {
 
   /// How plans are walked.
   enum class Walking {
-    /// Each step at its time, as `advance` gets there, from the next `advance` on; plans interleave.
+    /// Each step at its time during `advance`, starting with the next `advance`; plans interleave.
     onTheClock,
-    /// All of it inside `walk`: no time passes, the sleeps are only recorded.
+    /// All steps inside `walk`: no time passes, and the sleeps are only recorded.
     inLine,
   };
   Walking walking = Walking::onTheClock;
 
-  /// Work that is submitted to serial queues from now on waits: the disk is slow. Any thread.
+  /// Work submitted to serial queues from now on waits, as on a slow disk. Any thread.
   void hold();
 
-  /// Runs all that waits, each queue in its order, and holds no longer. Any thread.
+  /// Runs all waiting work, each queue in its order, and stops holding. Any thread.
   void release();
 
   /// The labels of the serial queues that were made, in order.
   [[nodiscard]] std::vector<std::string> labels() const;
 
-  /// How long each `drain` so far would have waited, in order. Any thread.
+  /// The limit of each `drain` so far, in order. Any thread.
   [[nodiscard]] std::vector<std::chrono::milliseconds> drainLimits() const;
 
   std::unique_ptr<platform::SerialQueue> createSerial(const std::string& label) override;

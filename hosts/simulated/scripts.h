@@ -7,12 +7,12 @@
 
 namespace keyvora::simulated {
 
-/// Records what was run, and answers as a test says.
+/// Records what was run, and returns the outcome that a test set.
 class Scripts final : public platform::Scripts {
  public:
   explicit Scripts(World& world) : world_(world) {}
 
-  /// How scripts end: with success at first.
+  /// The outcome of scripts; initially success.
   platform::ScriptOutcome outcome{true, std::nullopt};
 
   platform::ScriptOutcome run(const std::string& source) override {

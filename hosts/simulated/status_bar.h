@@ -8,7 +8,7 @@
 
 namespace keyvora::simulated {
 
-/// The status bar, as its user sees it: the newest item counts. Main thread.
+/// The status bar as its user sees it. Shows the newest item. Main thread.
 class StatusBar final : public platform::StatusBar {
  public:
   explicit StatusBar(World& world);
@@ -26,7 +26,7 @@ class StatusBar final : public platform::StatusBar {
   /// The menu that opens from the item.
   [[nodiscard]] const platform::Menu& menu() const { return shown_->menu; }
 
-  /// The user opens the menu and chooses the row with this title: fatal when there is none that is enabled.
+  /// The user opens the menu and chooses the row with this title. Fatal when no enabled row has it.
   void choose(std::string_view title);
 
   /// The user opens the menu and presses Command with this letter; false when no enabled row has it.

@@ -4,16 +4,17 @@
 
 namespace keyvora::simulated {
 
-/// The simulation's idea of threads. Its main thread is the one that made it, except while that thread stands
-/// in for a background queue: what calls a main-thread operation from there is caught as on a real host.
+/// The simulation's view of threads. Its main thread is the one that constructed it, except while that
+/// thread runs work of a background queue: a main-thread operation called from there is fatal, as on a real
+/// host.
 class MainThread {
  public:
   [[nodiscard]] bool isCurrent() const {
     return std::this_thread::get_id() == thread_ && backgroundDepth == 0;
   }
 
-  /// While it lives, the calling thread counts as one of a background queue (or, with `inBackground` false,
-  /// as itself again).
+  /// While it exists, the calling thread counts as a background thread (or, with `inBackground` false, as
+  /// itself again).
   class Role {
    public:
     explicit Role(bool inBackground) : outer_(backgroundDepth) {

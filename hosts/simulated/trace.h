@@ -17,7 +17,7 @@
 
 namespace keyvora::simulated {
 
-/// What the program did to the simulated system, one type for each kind of deed.
+/// What the program did to the simulated system, one type for each kind of entry.
 namespace trace {
 
 /// A record reached the console, as the program wrote it.
@@ -33,14 +33,14 @@ struct Posted {
   bool operator==(const Posted&) const = default;
 };
 
-/// An event posted at the hardware level came by our own tap, which decided so.
+/// An event posted at the hardware level reached the program's own tap, which gave this verdict.
 struct Tapped {
   platform::KeyEvent event;
   platform::Verdict verdict;
   bool operator==(const Tapped&) const = default;
 };
 
-/// A plan slept; steps that do not sleep leave no entry.
+/// A plan slept. A step that does not sleep has no entry.
 struct Slept {
   std::chrono::microseconds time;
   bool operator==(const Slept&) const = default;
@@ -116,7 +116,7 @@ struct Activated {
   bool operator==(const Activated&) const = default;
 };
 
-/// The program was registered as a login item, or that was taken back; tried, at least.
+/// The program tried to register as a login item, or to remove the registration.
 struct LoginChanged {
   bool registered;
   bool operator==(const LoginChanged&) const = default;
@@ -129,7 +129,7 @@ struct UpdaterCalled {
   bool operator==(const UpdaterCalled&) const = default;
 };
 
-/// An entry of the test's own, to see the order of its callbacks among the deeds.
+/// An entry made by a test, to see the order of its callbacks among the program's entries.
 struct Note {
   std::string text;
   bool operator==(const Note&) const = default;
@@ -154,7 +154,7 @@ class Trace {
 
   [[nodiscard]] std::vector<TraceEntry> entries() const;
 
-  /// The entries so far, which are forgotten: what the next step of a test did.
+  /// Returns the entries so far and clears them: what the next step of a test did.
   std::vector<TraceEntry> take();
 
   void clear() { take(); }
@@ -170,10 +170,10 @@ class Trace {
     return found;
   }
 
-  /// The messages logged, from the console copies: without the program's name in front.
+  /// The logged messages, taken from the console copies, without the program's name.
   [[nodiscard]] std::vector<std::string> logged() const;
 
-  /// Stops recording, for runs too long to remember; nothing that is recorded is needed by the simulation.
+  /// Stops recording, for long runs. The simulation itself does not need the entries.
   void stop();
 
  private:

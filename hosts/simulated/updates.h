@@ -8,9 +8,9 @@
 
 namespace keyvora::simulated {
 
-/// Nothing newer is on the feed.
+/// The feed has nothing newer.
 struct NoUpdate {
-  /// What the framework says of it; the caller is not expected to repeat it.
+  /// The framework's message, which the caller is not expected to repeat.
   std::string errorDescription = "You’re up to date!";
 };
 
@@ -19,7 +19,7 @@ struct UpdateError {
   std::string errorDescription;
 };
 
-/// What a check finds.
+/// The result of a check.
 using UpdateAnswer = std::variant<platform::UpdateItem, NoUpdate, UpdateError>;
 
 /// The update framework: records the calls, and answers a check without user interface on the main loop, at
@@ -29,10 +29,11 @@ class Updates final : public platform::Updates {
   Updates(World& world, MainLoop& loop);
   ~Updates() override;
 
-  /// The answer; while there is none, the feed keeps silent.
+  /// The answer. While it is empty, a check gets none.
   std::optional<UpdateAnswer> answer;
 
-  /// The delegate of the newest controller, for a test that plays the framework; null before there is one.
+  /// The delegate of the newest controller, for a test that acts as the framework; null before there is
+  /// one.
   [[nodiscard]] platform::UpdaterDelegate* delegate() const;
 
   std::unique_ptr<platform::UpdaterController> createController(bool startingUpdater,

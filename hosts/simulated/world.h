@@ -9,13 +9,14 @@
 
 namespace keyvora::simulated {
 
-/// What all parts of the simulated host share.
+/// State shared by all parts of the simulated host.
 struct World {
   MainThread mainThread;
   Trace trace;
   Failures failures;
 
-  /// Entering a call of the door: checks its thread contract, counts it, and says whether it fails this time.
+  /// Called at the start of each call of the door: checks its thread, counts it, and returns whether it
+  /// fails this time.
   bool fails(Call call) {
     if (traits(call).mainThreadOnly && !mainThread.isCurrent()) {
       platform::fatal(std::string(traits(call).name) + " was called off the main thread");
