@@ -14,7 +14,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Calls `visit` for every window of ours that a user could take for one.
+/// Calls `visit` for each top-level window of keyvora that the user sees as a window.
 template <class Visit>
 void forEachWindow(Visit visit) {
   if (!isToolkitOpen()) return;
@@ -26,7 +26,7 @@ void forEachWindow(Visit visit) {
   g_list_free(windows);
 }
 
-/// A signal that ends the application for as long as this lives.
+/// While it exists, this signal ends the application.
 class EndingSignal {
  public:
   EndingSignal(int number, Application& application)
@@ -81,13 +81,13 @@ int Application::run() {
     process_.runExitBlocks();
     return 1;
   }
-  EndingSignals signals;  // for a script that begins when one has come already
+  EndingSignals signals;  // also seen by a script that starts after the signal came
   signals.beginRun();
   const EndingSignal onTerminate(SIGTERM, *this);
   const EndingSignal onInterrupt(SIGINT, *this);
   const EndingSignal onHangUp(SIGHUP, *this);
   if (didFinishLaunching_)
-    didFinishLaunching_();  // first: the answer to a probe may be waiting on the loop already
+    didFinishLaunching_();  // first: the answer to a probe may already be waiting on the loop
   if (!terminated_) g_main_loop_run(loop_);
   process_.runExitBlocks();
   return 0;

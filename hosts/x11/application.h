@@ -11,7 +11,7 @@ namespace keyvora::x11 {
 /// The program as an application of an X session, on GLib's main loop.
 class Application final : public platform::Application {
  public:
-  /// Says whether the program has something to do that needs no display.
+  /// Returns whether the program has work that needs no display.
   using WorkWithoutDisplay = std::function<bool()>;
 
   Application(Process& process, Notices& notices, WorkWithoutDisplay worksWithoutDisplay);
@@ -20,11 +20,11 @@ class Application final : public platform::Application {
   Application& operator=(const Application&) = delete;
 
   void setDelegate(std::function<void()> didFinishLaunching) override;
-  /// The windows of an accessory stay out of task bars and pagers.
+  /// An accessory's windows are left out of task bars and pagers.
   void setActivationPolicy(platform::ActivationPolicy policy) override;
   void activate() override;
 
-  /// Returns 1 at once, with a notice, when there is no display and no work that needs none. SIGTERM,
+  /// Returns 1 at once, after a notice, when there is neither a display nor work without one. SIGTERM,
   /// SIGINT and SIGHUP end it normally.
   int run() override;
   void terminate() override;

@@ -14,7 +14,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// How long a child may take to heed a request to end.
+/// How long a child may take to end after SIGTERM.
 constexpr std::chrono::milliseconds graceLimit{300};
 
 struct SourceEnd {
@@ -38,8 +38,8 @@ int statusOf(pid_t child) {
 
 }  // namespace
 
-/// On a context of its own: the main loop stands still meanwhile. Every source of a signal hears of it, so
-/// the main loop's will, once it runs again.
+/// Uses a context of its own, so that the main loop does not run meanwhile. GLib reports a signal to every
+/// source for it, so the main loop's source gets it too when the loop runs again.
 struct ChildEnd::Wait {
   Wait() : context(g_main_context_new()) {}
 
@@ -53,7 +53,7 @@ struct ChildEnd::Wait {
     g_source_attach(source.get(), context.get());
   }
 
-  /// Until the child has ended, time is up, or a signal came where that counts.
+  /// Until the child has ended, the limit is over, or, if `heedsSignals`, a signal came.
   void run(int child, std::chrono::milliseconds limit, bool heedsSignals) {
     const Source timeout(g_timeout_source_new(guint(limit.count())));
     const Source readable(g_unix_fd_source_new(child, G_IO_IN));
@@ -81,14 +81,14 @@ ChildEnd::ChildEnd() : wait_(std::make_unique<Wait>()) {
   for (const auto* source : {&wait_->terminate, &wait_->interrupt, &wait_->hangUp}) {
     wait_->add(*source, wait_->isToEnd);
   }
-  // One that came before is told to the sources that were there then.
+  // An earlier signal was only reported to the sources that existed then.
   if (auto* run = EndingSignals::ofRun()) wait_->isToEnd = run->came();
 }
 
 ChildEnd::~ChildEnd() = default;
 
 std::optional<int> ChildEnd::await(pid_t child, std::chrono::milliseconds limit) {
-  // The library's own function is declared for C alone.
+  // The C library declares its own function for C only.
   const posix::FileDescriptor file(int(syscall(SYS_pidfd_open, child, 0)));
   if (!file.isOpen()) return statusOf(child);
   wait_->run(file.number(), limit, true);

@@ -8,8 +8,8 @@
 
 namespace keyvora::x11 {
 
-/// Waits for the end of a child. Made before the child is started: from then on it notices signals that end
-/// this program (SIGTERM, SIGINT, SIGHUP). Main thread.
+/// Waits for the end of a child. Constructed before the child is started: from then on it notices signals
+/// that end this program (SIGTERM, SIGINT, SIGHUP). Main thread.
 class ChildEnd {
  public:
   ChildEnd();
@@ -17,9 +17,9 @@ class ChildEnd {
   ChildEnd(const ChildEnd&) = delete;
   ChildEnd& operator=(const ChildEnd&) = delete;
 
-  /// Gives the child's status at its end, as `waitpid` does; none when it did not end within the limit. The
-  /// child leads a process group of its own. A signal ends the wait, too, and is left to the main loop. What
-  /// has not ended by itself is ended with its whole group, by force if it must be. Dispatches nothing else
+  /// The child's status at its end, as from `waitpid`; none when it did not end within the limit. The child
+  /// must lead a process group. A signal ends the wait as well, and the main loop handles it later. A child
+  /// that is still running gets SIGTERM with its whole group, then SIGKILL. Runs no other sources
   /// meanwhile.
   std::optional<int> await(pid_t child, std::chrono::milliseconds limit);
 

@@ -20,7 +20,7 @@ struct LossHandler {
   std::function<void()> run;
 };
 
-/// Never destroyed: a display can be lost while the process is ending.
+/// Never destroyed: a display can be lost during the exit.
 LossHandler& lossHandler() {
   static auto& kept = *new LossHandler;
   return kept;
@@ -82,7 +82,7 @@ void setDisplayLossHandler(std::function<void()> handler) {
 
 void endForDisplayLoss() {
   static std::atomic_flag ending = ATOMIC_FLAG_INIT;
-  // Every connection breaks at once: the first thread to notice ends the process, the others wait for it.
+  // Every connection breaks at the same time: the first thread to notice ends the process, the others wait.
   while (ending.test_and_set()) pause();
 
   constexpr std::string_view message = "keyvora: The X display is gone, and keyvora ends with it.\n";

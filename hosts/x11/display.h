@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 
-/// What every part of this host shares about the X display: connections, errors, and the display's end.
+/// The X display, shared by all parts of this host: connections, errors and the loss of the display.
 namespace keyvora::x11 {
 
-/// A connection to the X server, closed by its destructor. It may move between threads, but is used by one at
-/// a time: each thread that talks to the server opens its own.
+/// A connection to the X server, closed by its destructor. May move between threads, but only one may use
+/// it at a time: each thread opens its own.
 class Connection {
  public:
   /// Connects to the display of this name, or to the one that DISPLAY names when it is empty; null when there
@@ -28,7 +28,7 @@ class Connection {
   /// Readable when the server has sent something.
   [[nodiscard]] int fileDescriptor() const { return ConnectionNumber(display_); }
 
-  /// The number that the server gave to this name, which it makes known if it is new. One round trip.
+  /// The atom of this name, created if it is new. One round trip.
   Atom atom(const char* name) { return XInternAtom(display_, name, False); }
 
  private:
@@ -37,8 +37,8 @@ class Connection {
   Display* display_;
 };
 
-/// Catches the X errors of this thread's requests on one display for as long as it lives. Outside a trap an
-/// error is passed over: the usual one is a window that went away, and whoever needs to know asks. Traps
+/// While it exists, catches the X errors of this thread's requests on one display. Errors outside a trap
+/// are ignored: the usual cause is a window that was closed, and code that needs to know uses a trap. Traps
 /// nest.
 class ErrorTrap {
  public:
@@ -47,7 +47,7 @@ class ErrorTrap {
   ErrorTrap(const ErrorTrap&) = delete;
   ErrorTrap& operator=(const ErrorTrap&) = delete;
 
-  /// The code of the first error since the trap was set, 0 for none; waits for the server's answers.
+  /// The code of the first error since the trap was set, 0 for none. Waits for the server's answers.
   int code();
 
  private:
@@ -58,24 +58,24 @@ class ErrorTrap {
   int code_ = 0;
 };
 
-/// Makes X errors harmless and the loss of a display the end of the process, on every connection, whoever
-/// opened it. A toolkit that installs handlers of its own undoes that: call this again after starting one.
+/// Makes X errors harmless and ends the process when a display is lost, for every connection in the
+/// process. A toolkit that installs its own handlers replaces these: call this again after initialising it.
 void installErrorHandlers();
 
-/// Sets what runs once when a display is lost, on whichever thread noticed, before the process ends: the last
-/// chance to bring records to safety. It must be quick, must not call Xlib and must not throw.
+/// Sets a function that is called once when a display is lost, before the process ends, on the thread that
+/// noticed it: the last chance to write records. It must be quick, must not call Xlib and must not throw.
 void setDisplayLossHandler(std::function<void()> handler);
 
-/// Ends the process because its display is gone: a message on standard error, the loss handler, status 1.
-/// Nothing is torn down, so that no other thread trips over it. Any thread.
+/// Ends the process because its display is lost: a message on standard error, the loss handler, status 1.
+/// Destroys nothing, so that other threads keep working until the end. Any thread.
 [[noreturn]] void endForDisplayLoss();
 
-/// Why the tap cannot work on this display, as a sentence for a person; none when it can: the display can be
-/// opened and has XInput 2.2 or later, XTEST and XKB. Asks the server anew each time. Any thread.
+/// Why the tap cannot work on this display, as a sentence for the user; none when it can: the display can
+/// be opened and has XInput 2.2 or later, XTEST and XKB. Queries the server each time. Any thread.
 std::optional<std::string> displayProblem(const std::string& displayName);
 
-/// Announces to the server that this connection speaks XInput 2.2, the version that brought raw events which
-/// tell the device they come from. Gives the extension's opcode; none when the server's version is older.
+/// Announces XInput 2.2 for this connection, the first version whose raw events name their source device.
+/// Returns the extension's opcode; none when the server's version is older.
 std::optional<int> xinputOpcode(Display* display);
 
 }  // namespace keyvora::x11

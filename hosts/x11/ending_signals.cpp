@@ -20,7 +20,7 @@ EndingSignals::EndingSignals() : context_(g_main_context_new()) {
     GSource* source = g_unix_signal_source_new(number);
     g_source_set_callback(source, note, &came_, nullptr);
     g_source_attach(source, context_.get());
-    g_source_unref(source);  // the context has it, and ends it
+    g_source_unref(source);  // the context holds a reference, and ends it
   }
 }
 

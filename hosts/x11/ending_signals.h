@@ -6,8 +6,8 @@
 
 namespace keyvora::x11 {
 
-/// Hears of the signals that end the program (SIGTERM, SIGINT, SIGHUP) beside the main loop, so that they are
-/// known while the loop stands still. Every one alive hears of every signal. Main thread.
+/// Notices the signals that end the program (SIGTERM, SIGINT, SIGHUP) even while the main loop does not
+/// run. Every object of this class notices every signal. Main thread.
 class EndingSignals {
  public:
   EndingSignals();
@@ -15,13 +15,13 @@ class EndingSignals {
   EndingSignals(const EndingSignals&) = delete;
   EndingSignals& operator=(const EndingSignals&) = delete;
 
-  /// Whether one came since this was made. Never waits.
+  /// Whether a signal came since construction. Never blocks.
   [[nodiscard]] bool came();
 
-  /// Those of the program's run; null outside one.
+  /// The object of the program's run; null outside a run.
   static EndingSignals* ofRun();
 
-  /// Makes itself those of the run for as long as it lives.
+  /// Makes this the object of the run as long as it exists.
   void beginRun();
 
  private:

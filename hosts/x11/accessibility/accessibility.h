@@ -11,19 +11,20 @@ namespace keyvora::x11 {
 
 class CurrentTap;
 
-/// The menus of other applications by AT-SPI. The connection to the accessibility bus is made when the first
-/// menu is asked for.
+/// The menus of other applications, read by AT-SPI. Connects to the accessibility bus when the first menu
+/// is read.
 class Accessibility final : public platform::Accessibility {
  public:
-  /// `applications` tells which document is meant.
+  /// `applications` tells which document's window an action is meant for.
   Accessibility(Notices& notices, Applications& applications, CurrentTap& tap)
       : notices_(notices), applications_(applications), tap_(tap) {}
 
-  /// What stands for the user's permission: a display on which the tap can work. Nobody is asked for it. The
-  /// server is asked until it is there; keyvora ends with a display that it has, so the answer stays.
+  /// In place of the user's permission: whether the display allows a tap. Nobody is asked for a permission.
+  /// The server is queried until it is usable. After that the answer stays, since keyvora ends when it
+  /// loses its display.
   bool isTrusted() override;
 
-  /// Says what the display lacks.
+  /// The same, and prints what the display lacks.
   bool isTrustedPrompting() override;
 
   platform::ElementRef application(platform::ProcessIdentifier process) override;
@@ -34,7 +35,7 @@ class Accessibility final : public platform::Accessibility {
   Notices& notices_;
   Applications& applications_;
   CurrentTap& tap_;
-  /// The display that was found good; none before.
+  /// The display found usable; empty before.
   std::string goodDisplay_;
 };
 

@@ -19,7 +19,7 @@ bool hasAccessibilityBus() {
   }
   const GObjectRef<GDBusConnection> session(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
   if (!session) return false;
-  g_dbus_connection_set_exit_on_close(session.get(), FALSE);  // a bus that ends is not the end of keyvora
+  g_dbus_connection_set_exit_on_close(session.get(), FALSE);  // keyvora goes on when the bus ends
   GError* raw = nullptr;
   const GVariantRef answer(g_dbus_connection_call_sync(
       session.get(), "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", nullptr,

@@ -8,17 +8,17 @@
 namespace keyvora::x11 {
 namespace {
 
-/// How long an application may take for one answer. One that is at work answers within milliseconds. Less
-/// than a verdict may take: a target that hangs shall not cost the tap, too.
+/// The time limit for one answer of an application, which usually takes milliseconds. Shorter than the
+/// limit for a verdict, so that a target that hangs does not disable the tap as well.
 constexpr int limitMilliseconds = 800;
 static_assert(std::chrono::milliseconds(limitMilliseconds) < verdictLimit);
 
-/// Joins the accessibility bus; false where there is none. It is looked for again each time.
+/// Connects to the accessibility bus; false where there is none. Every call tries again.
 bool connect() {
   if (atspi_is_initialized() && atspi_get_a11y_bus() != nullptr) return true;
   constexpr int noBus = 2;
   if (atspi_init() == noBus) {
-    atspi_exit();  // forgets the attempt
+    atspi_exit();  // clears the failed attempt
     return false;
   }
   atspi_set_timeout(limitMilliseconds, limitMilliseconds);
@@ -32,7 +32,7 @@ std::string take(char* text) {
 
 }  // namespace
 
-/// Runs `call` with a place for an error; nothing when it failed or the application has run out of time.
+/// Calls `call` with a place for a GError; nothing when it failed or the application has exceeded its time.
 template <class Call>
 auto AccessibilityCalls::ask(Call call) {
   GError* raw = nullptr;
@@ -41,7 +41,7 @@ auto AccessibilityCalls::ask(Call call) {
   const auto start = g_get_monotonic_time();
   answer = call(&raw);
   const GErrorRef error(raw);
-  // Not every call that runs out of time says so.
+  // Not every call reports that it exceeded the time limit.
   if (g_get_monotonic_time() - start >= limitMilliseconds * G_TIME_SPAN_MILLISECOND) gaveUp_ = true;
   if (error) answer.reset();
   return answer;
@@ -109,7 +109,7 @@ bool AccessibilityCalls::press(const Accessible& accessible, KeyboardIsFree) {
   if (!action) return false;
   const auto count = ask([&](GError** error) { return atspi_action_get_n_actions(action.get(), error); });
   if (!count || *count < 1) return false;
-  // The first action is the one that a click performs, in every toolkit.
+  // In every toolkit the first action is the one of a click.
   return ask([&](GError** error) { return atspi_action_do_action(action.get(), 0, error); }).value_or(FALSE);
 }
 

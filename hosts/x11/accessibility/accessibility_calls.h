@@ -14,15 +14,15 @@ class KeyboardIsFree;
 /// Something on the accessibility bus; null for none.
 using Accessible = GObjectRef<AtspiAccessible>;
 
-/// Questions to one application on the accessibility bus. A failure is an empty answer. Each question has a
-/// time limit; once one has run out, the application counts as hung, and all later ones fail at once. Main
+/// Calls to one application on the accessibility bus. A failure is an empty answer. Each call has a time
+/// limit; once one exceeds it, the application counts as hung and all later calls fail at once. Main
 /// thread.
 class AccessibilityCalls {
  public:
-  /// Whether the application has run out of time.
+  /// Whether the application has exceeded the time limit.
   [[nodiscard]] bool gaveUp() const { return gaveUp_; }
 
-  /// All applications on the bus, with nothing remembered of them; null without an accessibility bus.
+  /// The root of all applications on the bus, without cached children; null without an accessibility bus.
   Accessible desktop();
 
   std::optional<unsigned> process(const Accessible& application);
@@ -32,7 +32,7 @@ class AccessibilityCalls {
   Accessible child(const Accessible& accessible, int index);
   Accessible parent(const Accessible& accessible);
 
-  /// Whether a window has the keyboard, as far as its application has noticed.
+  /// Whether a window has the keyboard focus, according to its application.
   bool isActive(const Accessible& window);
 
   /// The key binding of the action by which a user would choose the element; none where it has none.

@@ -10,10 +10,10 @@ namespace keyvora::x11 {
 namespace {
 
 struct SettingsProgram {
-  /// As it appears in XDG_CURRENT_DESKTOP, which may list several between colons.
+  /// The name in XDG_CURRENT_DESKTOP, which may list several, separated by colons.
   std::string_view desktop;
   const char* program;
-  /// The page to show; empty for a program that shows nothing else.
+  /// The page to open; empty for a program that has only this page.
   const char* page;
 };
 

@@ -11,9 +11,9 @@ namespace keyvora::x11 {
 inline constexpr std::string_view accessibilitySettingsAddress =
     "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 
-/// The command that shows the accessibility settings on this desktop: that of the desktop which runs (as
-/// XDG_CURRENT_DESKTOP names it, in `currentDesktop`) if it is installed, else of any that is. None when
-/// there is no such program on PATH.
+/// The command that opens the accessibility settings: that of the running desktop (`currentDesktop` is the
+/// value of XDG_CURRENT_DESKTOP) if it is installed, else any installed one. None when no such program is
+/// on PATH.
 std::optional<std::vector<std::string>> accessibilitySettingsCommand(std::string_view currentDesktop);
 
 }  // namespace keyvora::x11

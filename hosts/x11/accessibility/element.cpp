@@ -19,7 +19,7 @@ namespace {
 using platform::AttributeAnswer;
 using platform::ElementRef;
 
-/// Error codes as `AXError` has them (AXError.h).
+/// Error codes, as in AXError.h.
 namespace ax_error {
 constexpr std::int32_t cannotComplete = -25204;
 constexpr std::int32_t attributeUnsupported = -25205;
@@ -29,7 +29,7 @@ constexpr std::int32_t actionUnsupported = -25206;
 constexpr int mostChildren = 1000;
 constexpr int deepestMenu = 16;
 
-/// Something in a menu bar, the menu bar itself included.
+/// A menu bar or an element inside one.
 class MenuElement final : public platform::Element {
  public:
   MenuElement(std::shared_ptr<AccessibilityCalls> calls, Accessible accessible, CurrentTap& tap)
@@ -79,12 +79,13 @@ class MenuElement final : public platform::Element {
     if (!nested) return ax_error::cannotComplete;
     if (*nested) return ax_error::actionUnsupported;
     if (calls_->press(accessible_, free)) return 0;
-    // It may be grey only because its menu was not open since: a user would have opened it.
+    // LibreOffice may show the item as disabled because its menu has not been opened since its state
+    // changed.
     if (calls_->gaveUp() || !refresh()) return ax_error::cannotComplete;
     return calls_->press(accessible_, free) ? 0 : ax_error::cannotComplete;
   }
 
-  /// Brings the menus that lead here up to date; false where they always are.
+  /// Updates the menus on the path to this item; false for applications whose menus are always up to date.
   bool refresh() {
     std::vector<std::string> titles;
     auto menu = calls_->parent(accessible_);
@@ -97,8 +98,8 @@ class MenuElement final : public platform::Element {
     return process && refreshMenus(static_cast<platform::ProcessIdentifier>(*process), titles);
   }
 
-  /// An item with a submenu of its own inside a menu. Pressing it opens that menu without what GTK needs to
-  /// close it again: the application would be left without a keyboard.
+  /// Whether this is a submenu inside a menu. Pressing such an item in GTK opens the submenu without the
+  /// state needed to close it again, and the application would lose the keyboard.
   std::optional<bool> isNestedSubmenu() {
     const auto role = calls_->role(accessible_);
     const auto count = calls_->childCount(accessible_);
@@ -132,7 +133,8 @@ class ApplicationElement final : public platform::Element {
  private:
   Accessible findMenuBar() {
     if (!applications_.hasDocument()) return x11::findMenuBar(*calls_, process_);
-    // A title that changes just now may be read on one side only: once more.
+    // A title that changes during the search may have been read before the change on one side: search once
+    // more.
     for (int attempt = 0; attempt < 2; ++attempt) {
       const auto frame = applications_.documentFrame();
       if (!frame || frame->process != process_) return nullptr;

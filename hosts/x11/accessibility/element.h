@@ -7,14 +7,12 @@ namespace keyvora::x11 {
 
 class CurrentTap;
 
-/// The application element of a process. It knows "AXMenuBar": the first menu bar, in depth-first order, of
-/// the document that `applications` says keys were swallowed in last, and of no other; while there is none
-/// yet, of the application. The elements below it know "AXChildren", "AXTitle" (none for an untitled one),
-/// "AXKeyShortcutsValue" and "AXPress".
-///
-/// Calls are bounded: after one that ran out of time, the application counts as unreachable for everything
-/// that was reached through this element. A press lets the keyboard go first; `applications` and `tap`
-/// outlive the elements.
+/// The application element of a process. It has "AXMenuBar": the first menu bar, in depth-first order, of
+/// the document that the last swallowed keys were meant for, as `applications` says, and of no other;
+/// before any key was swallowed, of the application. The elements below have "AXChildren", "AXTitle" (none
+/// if untitled), "AXKeyShortcutsValue" and "AXPress".
+/// | Calls have a time limit. After one has exceeded it, all elements reached through this one count as
+/// unreachable. A press first thaws the keyboard. `applications` and `tap` must outlive the elements.
 platform::ElementRef applicationElement(platform::ProcessIdentifier process, Applications& applications,
                                         CurrentTap& tap);
 

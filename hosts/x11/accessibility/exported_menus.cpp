@@ -18,9 +18,9 @@ namespace keyvora::x11 {
 namespace {
 
 constexpr int limitMilliseconds = 200;
-/// Sections may hold sections: where a menu ends that no menu has.
+/// Sections may be nested; no real menu is deeper than this.
 constexpr int deepestSection = 8;
-/// Far more menus and sections than any application has.
+/// More menus and sections than any application has.
 constexpr int mostVisited = 2000;
 
 struct VariantUnref {
@@ -28,14 +28,14 @@ struct VariantUnref {
 };
 using Variant = std::unique_ptr<GVariant, VariantUnref>;
 
-/// Where a window's menus are on the session bus.
+/// The location of a window's menus on the session bus.
 struct Exported {
   std::string bus;
   std::string menus;
   std::string actions;
 };
 
-/// The number of a group of menus and of a menu in it.
+/// The numbers of a group of menus and of a menu in it.
 using Place = std::pair<guint32, guint32>;
 
 struct Row {
@@ -65,7 +65,7 @@ std::vector<Exported> exportedBy(platform::ProcessIdentifier process) {
   return found;
 }
 
-/// A title as it is shown: without the marks of access keys.
+/// A title as it is displayed: without the underscores of access keys.
 std::string shown(std::string_view label) {
   std::string title;
   for (std::size_t index = 0; index < label.size(); ++index) {
@@ -99,7 +99,7 @@ class Menus {
   Menus(const Menus&) = delete;
   Menus& operator=(const Menus&) = delete;
 
-  /// Opens and closes the menus on the way.
+  /// Opens and then closes each menu on the path.
   void refresh(const std::vector<std::string>& titles) {
     std::vector<std::string> opened;
     Place place{0, 0};
@@ -126,7 +126,7 @@ class Menus {
     return std::nullopt;
   }
 
-  /// Asks for a group of menus, once. They are subscribed to, which ends with this object.
+  /// Reads a group of menus, once. The subscription this takes ends with this object.
   void load(guint32 group) {
     if (failed_ || std::ranges::find(subscribed_, group) != subscribed_.end()) return;
     const auto answer = call(exported_.menus, "org.gtk.Menus", "Start", groups(group), "(a(uuaa{sv}))");
@@ -146,7 +146,8 @@ class Menus {
     g_variant_iter_free(menus);
   }
 
-  /// The action whose state says whether the row's menu is open, without the prefix of the window's actions.
+  /// The name of the action whose state says whether the row's menu is open, without the prefix of the
+  /// window's actions.
   static std::string actionIn(GVariant* row) {
     constexpr std::string_view prefix = "win.";
     auto action = textIn(row, "submenu-action");

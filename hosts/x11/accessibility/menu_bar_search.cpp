@@ -7,12 +7,13 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Where a search ends that no menu bar ends: far more than an application has above its content.
+/// The depth limit of the search: menu bars are far above it.
 constexpr int deepest = 32;
 constexpr int mostVisited = 2000;
 constexpr int mostChildren = 200;
 
-/// Whether there can be a menu bar inside. A spreadsheet's table alone has more cells than anyone can visit.
+/// Whether the element can contain a menu bar. A spreadsheet's table, for example, has far too many cells
+/// to visit.
 bool canHoldMenuBar(AtspiRole role) {
   switch (role) {
     case ATSPI_ROLE_TABLE:
@@ -69,7 +70,7 @@ Accessible findApplication(AccessibilityCalls& calls, platform::ProcessIdentifie
   return nullptr;
 }
 
-/// The frame of a document among an application's windows.
+/// The frame of a document among its application's windows.
 Accessible findFrame(AccessibilityCalls& calls, const Accessible& application,
                      const DocumentFrame& document) {
   std::vector<Accessible> frames;

@@ -5,12 +5,12 @@
 
 namespace keyvora::x11 {
 
-/// The first menu bar, in depth-first order, of the process's application on the accessibility bus; null when
-/// it has none, or cannot be reached.
+/// The first menu bar, in depth-first order, of the process's application on the accessibility bus; null
+/// when it has none or cannot be reached.
 Accessible findMenuBar(AccessibilityCalls& calls, platform::ProcessIdentifier process);
 
-/// The first menu bar in the frame of a document. Null when no frame has its title; when several have, unless
-/// it is the active window and one of them is, too.
+/// The first menu bar in the frame of a document. Null when no frame has its title. When several frames
+/// have it, the active one is meant if the document's window is active; otherwise null.
 Accessible findMenuBarOf(AccessibilityCalls& calls, const DocumentFrame& document);
 
 }  // namespace keyvora::x11

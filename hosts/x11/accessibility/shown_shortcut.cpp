@@ -10,7 +10,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// GTK's names of modifiers in small letters, and those of the same keys on a Mac.
+/// GTK's names of modifiers in lower case, and the names of the same keys on a Mac.
 constexpr std::array modifiers{
     std::pair{std::string_view("primary"), std::string_view("command")},
     std::pair{std::string_view("control"), std::string_view("command")},

@@ -17,8 +17,8 @@ struct Applications::Watch {
     catchUp();
   }
 
-  /// Takes in what the server has sent. Nothing is left in Xlib's queue, where the main context would not
-  /// see it.
+  /// Handles all events of the connection. None may stay in Xlib's queue, since the main context only
+  /// watches the socket.
   void catchUp() {
     while (XPending(connection->get()) > 0) {
       XEvent event;

@@ -5,18 +5,17 @@
 
 namespace keyvora::x11 {
 
-/// A bundle as a plain directory: its resources and its Info.plist lie side by side. The dictionary is read
+/// A bundle as a plain directory that contains its resources and its Info.plist. The dictionary is read
 /// once, when the bundle is opened.
 class Bundle final : public platform::Bundle {
  public:
-  /// `resources` is the directory itself, unless the bundle keeps them elsewhere.
+  /// `resources` is the directory itself, unless the bundle has its resources elsewhere.
   Bundle(std::filesystem::path directory, std::filesystem::path resources);
 
   [[nodiscard]] std::filesystem::path directory() const override;
   [[nodiscard]] std::optional<std::filesystem::path> resourceDirectory() const override;
 
-  /// Answers "mappings.json" with the variant for the spreadsheet that is installed here, if the bundle has
-  /// it.
+  /// For "mappings.json", the variant for the installed spreadsheet, if the bundle has it.
   [[nodiscard]] std::optional<std::filesystem::path> resource(std::string_view name,
                                                               std::string_view extension) const override;
 

@@ -8,8 +8,8 @@ bool isDirectory(const std::filesystem::path& path) {
   return std::filesystem::is_directory(path, error);
 }
 
-/// The installed prefix with its resources in `share/keyvora`, or, where nothing is installed, the folder of
-/// the executable with the resources beside it.
+/// The installation prefix with the resources in `share/keyvora`; if nothing is installed, the executable's
+/// folder, which contains the resources.
 Bundle mainBundle(const std::filesystem::path& executable) {
   const auto folder = executable.parent_path();
   const auto prefix = folder.parent_path();

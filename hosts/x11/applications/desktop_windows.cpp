@@ -27,7 +27,7 @@ Window activeWindow(Display* display) {
   return active && !active->empty() ? active->front() : None;
 }
 
-// Xlib remembers the atoms that it was asked for.
+// Xlib caches atoms.
 Atom listProperty(Display* display) {
   return XInternAtom(display, "_NET_CLIENT_LIST", False);
 }

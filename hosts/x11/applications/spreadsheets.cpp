@@ -9,7 +9,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// What desktop files are called: one name, or a beginning and an end with a version in between.
+/// The name of a desktop file: a whole name, or its beginning and end with a version in between.
 struct DesktopFile {
   std::string_view start;
   std::string_view end;
@@ -38,7 +38,7 @@ bool isOneOf(const auto& files, std::string_view name) {
   return false;
 }
 
-/// The directories of the variable, or its default.
+/// The directories in the variable, or its default value.
 std::vector<std::filesystem::path> dataDirectories() {
   const char* variable = std::getenv("XDG_DATA_DIRS");
   std::string_view rest = variable != nullptr && *variable != '\0' ? variable : "/usr/local/share:/usr/share";
@@ -46,7 +46,7 @@ std::vector<std::filesystem::path> dataDirectories() {
   while (!rest.empty()) {
     const auto end = rest.find(':');
     const std::filesystem::path directory = rest.substr(0, end);
-    if (directory.is_absolute()) directories.push_back(directory);  // others are to be ignored
+    if (directory.is_absolute()) directories.push_back(directory);  // relative ones must be ignored
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
   return directories;

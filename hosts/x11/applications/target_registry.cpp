@@ -12,15 +12,15 @@ struct StandIn {
   std::string_view bundleIdentifier;
 };
 
-/// Which programs stand in for an application that does not exist here. In lower case: a program under Wine
-/// is named by its file, as whoever installed it spelt that.
+/// The programs that replace an application which does not exist on Linux. Lower case: a program under Wine
+/// is named after its file, whose case varies.
 constexpr auto standIns = std::to_array<StandIn>({
     {"gnumeric", "com.microsoft.Excel"},
     {"libreoffice-calc", "com.microsoft.Excel"},
     {"excel.exe", "com.microsoft.Excel"},
 });
 
-/// How the classes of LibreOffice's windows begin.
+/// Prefixes of the classes of LibreOffice's windows.
 constexpr auto libreOffice = std::to_array<std::string_view>({"libreoffice", "soffice", "vclsalframe"});
 
 bool matches(std::string_view name, std::string_view lowerCase) {
@@ -41,7 +41,7 @@ bool isLibreOffice(std::string_view instanceName, std::string_view className) {
 
 std::string_view bundleIdentifierOf(std::string_view instanceName, std::string_view className) {
   for (const auto& standIn : standIns) {
-    // Older versions of Wine give every window the class "Wine" and the file only as the instance.
+    // Older versions of Wine give every window the class "Wine", and the file's name as the instance only.
     if (matches(className, standIn.windowClass) || matches(instanceName, standIn.windowClass)) {
       return standIn.bundleIdentifier;
     }

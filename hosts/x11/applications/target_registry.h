@@ -4,12 +4,12 @@
 
 namespace keyvora::x11 {
 
-/// The bundle identifier that the windows of an application stand in for here, by the two parts of their
-/// WM_CLASS; empty for an application that stands in for none. The view is good for ever.
+/// The bundle identifier of the application that these windows replace, by the two parts of their WM_CLASS;
+/// empty if they replace none. The view is valid for the life of the program.
 std::string_view bundleIdentifierOf(std::string_view instanceName, std::string_view className);
 
-/// Whether a window with this WM_CLASS may come to have another one: those without a class may, and those of
-/// LibreOffice, which shows one document after another in the same window.
+/// Whether a window with this WM_CLASS may get another one: windows without a class may, and those of
+/// LibreOffice, which shows different documents in the same window.
 bool mayBecomeAnother(std::string_view instanceName, std::string_view className);
 
 /// Whether a window with this WM_CLASS gives the keys that are sent to it to another document, the one of its

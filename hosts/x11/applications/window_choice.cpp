@@ -20,7 +20,7 @@ bool isManaged(Display* display, Window window) {
   return !listed || std::ranges::find(*listed, window) != listed->end();
 }
 
-/// Whether `window` is `owner` or a dialog of it, however many dialogs away.
+/// Whether `window` is `owner`, a dialog of it, or a dialog of such a dialog.
 bool belongsTo(Display* display, Window window, Window owner, platform::ProcessIdentifier process) {
   for (int depth = 0; depth <= deepestDialog && window != None; ++depth) {
     const auto description = describeWindow(display, window);
@@ -58,7 +58,7 @@ Window anyWindowOf(Display* display, platform::ProcessIdentifier process) {
   const bool isInFront = active.process == process;
   if (isInFront && standsIn(active)) return active.window;
 
-  // The process may show windows of several applications; those that stand in for one come first.
+  // The process may show windows of several applications; those of a known application come first.
   Window highest = None;
   for (const Window window : topmostFirst(display)) {
     const auto description = describeWindow(display, window);

@@ -13,7 +13,7 @@ Atom processProperty(Display* display) {
   return XInternAtom(display, "_NET_WM_PID", False);
 }
 
-/// Fills in what follows from the class.
+/// Sets the fields that depend on the class.
 void describeClass(Display* display, WindowDescription& description) {
   XClassHint hint{};
   if (XGetClassHint(display, description.window, &hint) == 0) return;

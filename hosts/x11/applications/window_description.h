@@ -10,32 +10,32 @@
 
 namespace keyvora::x11 {
 
-/// How many windows a dialog may be away from the window that it belongs to; ends a circle of dialogs.
+/// The longest chain of dialogs that is followed; this also ends a cycle.
 inline constexpr int deepestDialog = 8;
 
-/// What a window says of itself.
+/// A window's properties that identify it.
 struct WindowDescription {
   Window window = None;
   /// The window that it was opened from, if it is a dialog.
   Window transientFor = None;
   platform::ProcessIdentifier process = 0;
-  /// What its own class stands in for; empty for nothing.
+  /// The application that its class replaces; empty for none.
   std::string_view bundleIdentifier;
-  /// Whether keys that are sent to it go to the document of its process that was in front last.
+  /// Whether the process passes keys sent to this window to its most recently active document.
   bool sharesKeys = false;
-  /// Whether it has said all, and is not of a kind that becomes another.
+  /// Whether the properties are complete, and the window is not of a kind whose class changes.
   bool isFinal = false;
 };
 
-/// Asks the window; empty fields for None and for one that is gone. Some round trips.
+/// Reads a window's properties; empty fields for None and for a closed window. Some round trips.
 WindowDescription describeWindow(Display* display, Window window);
 
-/// Whether this property of a window is part of what it says of itself.
+/// Whether this property belongs to a window's description.
 bool isDescribing(Display* display, Atom property);
 
-/// What a window stands in for, empty for nothing. A dialog need not carry its application's class, and a
-/// process may show windows of several applications: a dialog counts with the window that it was opened from.
-/// `described` finds that one.
+/// The bundle identifier that a window counts for, empty for none. A dialog may lack its application's
+/// class, and a process may show windows of several applications, so a dialog counts for the window that it
+/// was opened from, which `described` finds.
 std::string_view identify(const WindowDescription& description,
                           const std::function<std::optional<WindowDescription>(Window)>& described);
 

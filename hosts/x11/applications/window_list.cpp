@@ -14,19 +14,20 @@ WindowList::WindowList(Display* display) : display_(display), root_(DefaultRootW
 }
 
 bool WindowList::notice(const XEvent& event) {
-  // Not from the server: what other programs claim of a window counts for nothing.
+  // Sent by another program and not by the server: ignored.
   if (event.xany.send_event != False) return false;
   if (event.type == DestroyNotify) {
     const auto gone = event.xdestroywindow.window;
     const auto erased = std::erase_if(descriptions_, [gone](const auto& it) { return it.window == gone; });
     if (erased == 0) return false;
-    if (activeWindow_ == gone) activeWindow_ = None;  // not every window manager says so when it was the last
+    if (activeWindow_ == gone)
+      activeWindow_ = None;  // not every window manager updates it after the last window
   } else if (event.type != PropertyNotify) {
     return false;
   } else if (event.xproperty.window == root_) {
     if (!rootChanged(event.xproperty.atom)) return false;
   } else {
-    // Some toolkits say what a window is only after showing it, and some change their minds.
+    // Some toolkits set these properties only after showing the window, and some change them later.
     if (!isDescribing(display_, event.xproperty.atom)) return false;
     if (!describeAgain(event.xproperty.window)) return false;
   }
@@ -76,14 +77,14 @@ void WindowList::readActive() {
 }
 
 WindowDescription WindowList::describe(Window window) const {
-  // First to listen, then to ask: nothing is missed in between.
+  // Selecting events before reading misses no change.
   XSelectInput(display_, window, StructureNotifyMask | PropertyChangeMask);
   const auto description = describeWindow(display_, window);
   if (description.isFinal) XSelectInput(display_, window, StructureNotifyMask);
   return description;
 }
 
-/// Does not for a window that is not listed.
+/// Reads a listed window again; false for a window that is not listed.
 bool WindowList::describeAgain(Window window) {
   const auto found = std::ranges::find(descriptions_, window, &WindowDescription::window);
   if (found == descriptions_.end()) return false;
@@ -110,7 +111,7 @@ void WindowList::update() {
   } else if (activeWindow_ == None) {
     active_ = {};
   } else if (active_.window != activeWindow_) {
-    // Window managers announce a new window's activation and its existence in either order.
+    // A window manager may announce a new window's activation before the window itself.
     active_ = managed(describeWindow(display_, activeWindow_));
   }
 }

@@ -15,35 +15,35 @@ namespace keyvora::x11 {
 struct ManagedWindow {
   Window window = None;
   platform::ProcessIdentifier process = 0;
-  /// What its application stands in for; empty for an application that stands in for none.
+  /// The application that it belongs to here; empty for an unknown one.
   std::string_view bundleIdentifier;
 
   friend bool operator==(const ManagedWindow&, const ManagedWindow&) = default;
 };
 
-/// The windows of the desktop and the active one, as the window manager announces them on the root window.
-/// Read again when they change, never asked for. While no window manager runs, the last
-/// list is kept. Used by the thread that has the connection.
-///
-/// Once a window's class and process are known, its properties are read again only when it becomes the active
-/// window. It is not watched in between, because toolkits set a property at every key typed into the window.
+/// The windows of the desktop and the active one, as the window manager publishes them on the root window.
+/// Read when they change, so that a question needs no round trip. Without a window manager the last list is
+/// kept. Used by the thread that has the connection.
+/// | Once a window's class and process are known, its properties are read again only when it becomes
+/// active. It is not watched in between, because toolkits set a property of the window at every key typed
+/// into it.
 class WindowList {
  public:
-  /// Reads what is there and asks to be told of changes.
+  /// Reads the present windows and selects events for changes.
   explicit WindowList(Display* display);
 
-  /// Looks at an event of the connection; true when it changed the windows or the active one. Events that
-  /// another program sent change nothing.
+  /// Handles an event of the connection; true when it changed the windows or the active one. Events sent by
+  /// other programs are ignored.
   bool notice(const XEvent& event);
 
   /// The oldest first.
   [[nodiscard]] const std::vector<ManagedWindow>& windows() const { return managed_; }
 
-  /// The one among them with this number; its `window` is None when there is none.
+  /// The managed window with this number; its `window` is None when there is none.
   [[nodiscard]] ManagedWindow find(Window window) const;
 
-  /// The window that this one is a dialog of, however many dialogs away, or the window itself; None when one
-  /// of them is not managed any more.
+  /// The window at the end of the chain of dialogs that starts with this one, possibly itself; None when
+  /// one of them is not managed any more.
   [[nodiscard]] Window ownerOf(Window window) const;
 
   /// The active window; its `window` is None when there is none.

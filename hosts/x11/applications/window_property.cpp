@@ -32,7 +32,7 @@ std::optional<std::vector<unsigned long>> numbersOf(Display* display, Window win
   const std::unique_ptr<unsigned char, FreeData> data(raw);
   if (status != Success || !data || actualType != type || format != numberFormat) return std::nullopt;
   std::vector<unsigned long> numbers(count);
-  // Xlib gives 32-bit numbers as longs, whatever the size of those.
+  // Xlib returns 32-bit numbers as longs, whatever the size of a long.
   if (count > 0) std::memcpy(numbers.data(), data.get(), count * sizeof(unsigned long));
   return numbers;
 }

@@ -7,10 +7,10 @@
 
 namespace keyvora::x11 {
 
-/// Why sequences work on this desktop, or do not.
+/// Examines why sequences work on this desktop, or do not.
 class Diagnosis final : public platform::Diagnosis {
  public:
-  /// Of the display of this name, or the one that DISPLAY names when it is empty.
+  /// For the display of this name, or the one that DISPLAY names when it is empty.
   Diagnosis(std::string displayName, Applications& applications)
       : displayName_(std::move(displayName)), applications_(applications) {}
 

@@ -8,7 +8,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// By whom what is at the path may be changed, as the end of a sentence; empty for nobody but the user.
+/// Why another user may change the file, as the end of a sentence; empty when no other user may.
 std::string strangers(const std::filesystem::path& path) {
   struct stat found {};
   if (stat(path.c_str(), &found) != 0) return {};

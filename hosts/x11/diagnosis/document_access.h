@@ -7,8 +7,8 @@
 
 namespace keyvora::x11 {
 
-/// That somebody else may write the mapping document, or put another one in its place; none when nobody may,
-/// or it is not there. The system's administrator may anyway.
+/// A finding when other users than the administrator may write the mapping document or replace it; none
+/// when they may not, or when it does not exist.
 std::optional<platform::Finding> foreignDocument(const std::filesystem::path& document);
 
 }  // namespace keyvora::x11

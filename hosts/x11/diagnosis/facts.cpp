@@ -24,7 +24,7 @@ struct FreeData {
   void operator()(unsigned char* data) const { XFree(data); }
 };
 
-/// The texts of the list that the tools which set the layout leave on the root window.
+/// The strings in the root window's list of layout rules, set by the tools that set the layout.
 std::vector<std::string> rulesNames(Connection& connection) {
   Atom type = None;
   int format = 0;

@@ -9,17 +9,17 @@
 
 namespace keyvora::x11 {
 
-/// The keyboard's layouts as they were chosen, with their options; empty when nobody said.
+/// The configured keyboard layouts with their options; empty when they are unknown.
 std::string chosenLayout(Connection& connection);
 
-/// The language that a process shows itself in, by its environment: "de_DE.UTF-8"; empty when that cannot be
-/// read.
+/// The language of a process's user interface, from its environment: "de_DE.UTF-8"; empty when that cannot
+/// be read.
 std::string languageOf(platform::ProcessIdentifier process);
 
-/// What is known of the display.
+/// Facts about the display.
 std::vector<platform::Fact> displayFacts(Connection& connection);
 
-/// What is known of the programs that sequences need: the one for scripts, and the target.
+/// Facts about the programs that sequences need: the one for scripts, and the target.
 std::vector<platform::Fact> programFacts(Applications& applications, std::string_view target);
 
 }  // namespace keyvora::x11

@@ -14,10 +14,10 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Nothing held but what locks: Caps Lock and, by custom, Num Lock.
+/// The states with no modifier held except locks: Caps Lock and, by custom, Num Lock.
 constexpr std::array<unsigned, 4> alone{0, LockMask, Mod2Mask, LockMask | Mod2Mask};
 
-/// The two kinds of grabs do not see each other: each has to be tried.
+/// Core grabs and XInput grabs do not conflict with each other, so each kind is tried.
 bool refusesCoreGrab(Display* display, Window window, KeyCode key) {
   ErrorTrap trap(display);
   for (const unsigned modifiers : alone) {
@@ -56,7 +56,7 @@ bool anotherHoldsOption(Connection& connection) {
   Display* display = connection.get();
   const auto devices = findKeyDevices(display);
   if (!devices || !xinputOpcode(display)) return false;
-  // Where a tap of ours is at work its own grabs are on the target, and it was granted them.
+  // A running tap of keyvora already has its grabs on the target.
   const bool noTap = claimTap(connection);
   if (noTap) disclaimTap(connection);
   const auto targets = targetWindows(display);

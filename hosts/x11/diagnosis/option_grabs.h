@@ -4,9 +4,8 @@
 
 namespace keyvora::x11 {
 
-/// Whether another program has grabbed an Option key, pressed alone, on the root window or on a window of a
-/// target: then the tap does not see it. Tries it out, so that for less than a millisecond the key is held
-/// here.
+/// Whether another program has grabbed an Option key without modifiers, on the root window or on a window
+/// of a target: the tap does not get that key. Tries a grab, which lasts less than a millisecond.
 bool anotherHoldsOption(Connection& connection);
 
 }  // namespace keyvora::x11

@@ -10,8 +10,8 @@
 namespace keyvora::x11 {
 namespace {
 
-/// The window that stands for the window manager; None without one. What an earlier one left on the root
-/// window names a window that is gone.
+/// The window manager's check window; None without a running one. A property left by an earlier window
+/// manager names a window that does not exist.
 Window checkWindow(Display* display) {
   const Atom property = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False);
   const auto named = numbersOf(display, DefaultRootWindow(display), property, XA_WINDOW);

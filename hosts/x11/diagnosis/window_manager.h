@@ -7,11 +7,10 @@
 
 namespace keyvora::x11 {
 
-/// The name of the window manager that runs now; none when none does. A few round trips.
+/// The name of the running window manager; none without one. A few round trips.
 std::optional<std::string> windowManager(Display* display);
 
-/// Whether the window manager that runs now tells which windows there are and which is in front. A few round
-/// trips.
+/// Whether the running window manager publishes the list of windows and the active one. A few round trips.
 bool tellsFrontWindow(Display* display);
 
 }  // namespace keyvora::x11

@@ -3,16 +3,16 @@
 #include <filesystem>
 #include <optional>
 
-/// Where things are for the user that runs the program. Any thread.
+/// Directories of the user who runs the program. Any thread.
 namespace keyvora::x11 {
 
-/// HOME, or the home directory of the user's password entry; none when neither is an absolute path.
+/// HOME, or the home directory in the password database; none when neither is an absolute path.
 std::optional<std::filesystem::path> homeDirectory();
 
-/// Where the user's settings are: XDG_CONFIG_HOME, or `.config` in the home directory.
+/// The user's configuration directory: XDG_CONFIG_HOME, or `.config` in the home directory.
 std::optional<std::filesystem::path> configurationDirectory();
 
-/// The file of the running program.
+/// The path of the running program's file.
 std::filesystem::path executableFile();
 
 }  // namespace keyvora::x11

@@ -9,7 +9,7 @@
 
 namespace keyvora::x11 {
 
-/// Which file it is and which state its content is in, as far as the file system's clock can tell.
+/// Identifies a file and the state of its content, as precisely as the file system's clock allows.
 struct FileStamp {
   dev_t device = 0;
   ino_t inode = 0;
@@ -30,7 +30,7 @@ struct FileStamp {
     return {status.st_dev, status.st_ino, status.st_size, nanoseconds, status.st_nlink};
   }
 
-  /// Of the file that the path names, links followed; none when there is none.
+  /// For the file at the path, links followed; none when there is none.
   static std::optional<FileStamp> of(const std::filesystem::path& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) return std::nullopt;

@@ -8,7 +8,7 @@
 
 namespace keyvora::x11 {
 
-/// Files, in the places where they are on macOS, under the user's home.
+/// Files, in the same places as on macOS, under the user's home.
 class FileSystem final : public posix::FileOperations {
  public:
   explicit FileSystem(platform::MainLoop& loop);
@@ -17,13 +17,13 @@ class FileSystem final : public posix::FileOperations {
   std::optional<std::filesystem::path> libraryDirectory() override;
   platform::FileContents read(const std::filesystem::path& path) override;
 
-  /// A change that came after the last `read` of the file and before the watch was armed is notified as if it
-  /// came just afterwards: between the two nothing is lost.
+  /// A change after the last `read` of the file and before the watch starts is reported as if it came just
+  /// afterwards, so that no change is lost between the two.
   std::unique_ptr<platform::FileWatch> watch(const std::filesystem::path& path,
                                              std::function<void()> handler) override;
 
  private:
-  /// What was last read, shared with the watches.
+  /// The last read file, shared with the watches.
   struct LastRead {
     std::filesystem::path path;
     std::optional<FileStamp> file;

@@ -12,7 +12,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Changes are handed on once none has come for this long, or the first is this old, in milliseconds.
+/// Changes are reported when none has come for this long, or when the first is this old, in milliseconds.
 constexpr int quiet = 5;
 constexpr int longest = 20;
 
@@ -22,7 +22,7 @@ constexpr std::uint32_t watchedEvents = IN_MODIFY | IN_ATTRIB | IN_MOVE_SELF | I
 
 std::unique_ptr<FileWatch> FileWatch::arm(const std::filesystem::path& path, std::function<void()> handler,
                                           std::function<void()> missed) {
-  // By way of a descriptor, so that stamp and watch are certain to be of the same file.
+  // Through a descriptor, so that the stamp and the watch are of the same file.
   const posix::FileDescriptor file(open(path.c_str(), O_PATH | O_CLOEXEC));
   if (!file.isOpen()) return nullptr;
   struct stat status {};
@@ -64,7 +64,7 @@ void FileWatch::cancel() {
 
 void FileWatch::collect() {
   const auto news = readEvents();
-  if (news.gone) source_.reset();  // the path names another file now, or none
+  if (news.gone) source_.reset();  // the path now names another file or none
   if (!news.written && !news.gone) return;
   if (!collected_.written && !collected_.gone) collectingSince_ = g_get_monotonic_time();
   collected_.written = collected_.written || news.written;
@@ -90,7 +90,7 @@ void FileWatch::deliver() {
 }
 
 void FileWatch::runHandler() {
-  const auto handler = handler_;  // it may destroy this watch
+  const auto handler = handler_;  // a copy: it may destroy this watch
   handler();
 }
 
@@ -114,8 +114,8 @@ FileWatch::News FileWatch::readEvents() {
   return news;
 }
 
-/// A file that is deleted or replaced while a process has it open, or that has another hard link, reports a
-/// changed attribute and nothing else; so does one whose permissions change.
+/// For a file that is deleted or replaced while it is open or has another hard link, inotify reports a
+/// changed attribute only, the same as for changed permissions.
 bool FileWatch::wasUnlinked() {
   const auto now = FileStamp::of(path_);
   if (!now || !now->isSameFile(file_)) return true;

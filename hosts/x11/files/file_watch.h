@@ -12,12 +12,12 @@
 
 namespace keyvora::x11 {
 
-/// Watches one file, not a path, by inotify on GLib's default main context. The handler runs once for changes
-/// that follow each other closely, as when a program saves line by line. Main thread.
+/// Watches one file, not a path, by inotify on GLib's default main context. The handler runs once for
+/// changes in quick succession, as when a program saves line by line. Main thread.
 class FileWatch final : public platform::FileWatch {
  public:
-  /// `missed` is called where the watch is cancelled with notifications that were still on their way. Null
-  /// when the file cannot be opened.
+  /// `missed` is called when the watch is cancelled with notifications pending. Null when the file cannot
+  /// be opened.
   static std::unique_ptr<FileWatch> arm(const std::filesystem::path& path, std::function<void()> handler,
                                         std::function<void()> missed);
 
@@ -27,17 +27,17 @@ class FileWatch final : public platform::FileWatch {
 
   void cancel() override;
 
-  /// Runs the handler in the next pass of the loop as well, unless the watch is cancelled before.
+  /// Also runs the handler in the next pass of the loop, unless the watch is cancelled before.
   void notifySoon(platform::MainLoop& loop);
 
-  /// The watched file, as it was when the watch was armed.
+  /// The watched file, in the state when the watch was set.
   [[nodiscard]] const FileStamp& file() const { return file_; }
 
  private:
   FileWatch(std::filesystem::path path, const FileStamp& file, posix::FileDescriptor inotify,
             std::function<void()> handler, std::function<void()> missed);
 
-  /// What a batch of events amounts to.
+  /// The combined meaning of a batch of events.
   struct News {
     bool written = false;
     bool gone = false;  ///< deleted or renamed
@@ -56,8 +56,8 @@ class FileWatch final : public platform::FileWatch {
   std::function<void()> handler_;
   std::function<void()> missed_;
   std::unique_ptr<ReadableSource> source_;
-  /// What was read and not yet handed on, since when in microseconds of GLib's clock, and the timer that
-  /// hands it on.
+  /// Events that were read and not reported yet, the time of the first in microseconds of GLib's clock, and
+  /// the timer that reports them.
   News collected_;
   std::int64_t collectingSince_ = 0;
   unsigned timer_ = 0;
