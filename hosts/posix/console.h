@@ -9,7 +9,8 @@ namespace keyvora::posix {
 
 /// One line per record on standard error, written at once or not at all: a pipe or terminal that takes no
 /// more loses the record instead of blocking.
-/// | Whether a write blocks is a property of the open file description, which other processes share, so it
+///
+/// Whether a write blocks is a property of the open file description, which other processes share, so it
 /// must not be changed. Pipes and terminals are therefore opened once more, for this process alone; a
 /// socket gets MSG_DONTWAIT with each record; a regular file never blocks.
 class Console final : public platform::Console {

@@ -5,7 +5,8 @@
 namespace keyvora::posix {
 
 /// The file operations that hosts on Unix share. A host adds the user's directories and the watch.
-/// | None of them blocks except on a disk: a named pipe or device in place of a file is recognised without
+///
+/// None of them blocks except on a disk: a named pipe or device in place of a file is recognised without
 /// waiting for it. Any thread.
 class FileOperations : public platform::FileSystem {
  public:

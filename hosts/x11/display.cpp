@@ -53,7 +53,7 @@ Connection::~Connection() {
 }
 
 ErrorTrap::ErrorTrap(Display* display) : display_(display), outer_(innermostTrap) {
-  XSync(display_, False);  // what came before belongs to whoever asked for it
+  XSync(display_, False);  // errors of earlier requests do not belong to this trap
   innermostTrap = this;
 }
 

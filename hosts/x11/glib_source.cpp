@@ -18,7 +18,7 @@ gboolean run(gint /*fileDescriptor*/, GIOCondition /*condition*/, gpointer block
 
 ReadableSource::ReadableSource(int fileDescriptor, int priority, std::function<void()> block)
     : source_(g_unix_fd_source_new(fileDescriptor, G_IO_IN)) {
-  // GLib keeps the block until a dispatch that destroys the source has returned.
+  // GLib keeps the block until the dispatch that destroys the source has returned.
   g_source_set_callback(source_, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(run)),
                         new Block(std::move(block)), [](gpointer kept) { delete static_cast<Block*>(kept); });
   g_source_set_priority(source_, priority);

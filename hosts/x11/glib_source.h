@@ -6,8 +6,8 @@
 
 namespace keyvora::x11 {
 
-/// Runs a block on the main thread, from GLib's default main context, whenever a file descriptor can be read.
-/// Removed by its destructor. The block may destroy it. Main thread.
+/// Runs a block on the main thread, from GLib's default main context, whenever a file descriptor is
+/// readable. The destructor removes it. The block may destroy it. Main thread.
 class ReadableSource {
  public:
   ReadableSource(int fileDescriptor, int priority, std::function<void()> block);

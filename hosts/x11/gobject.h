@@ -4,7 +4,7 @@
 
 #include <memory>
 
-/// Owners for what GLib hands out.
+/// Owners of GLib's objects and strings.
 namespace keyvora::x11 {
 
 struct GObjectUnref {
@@ -33,7 +33,7 @@ using GText = std::unique_ptr<char, GFree>;
 /// A value of D-Bus's types; null for none.
 using GVariantRef = std::unique_ptr<GVariant, GVariantUnref>;
 
-/// A GError; null while nothing failed. Give `&raw` of a fresh pointer to the call and wrap it at once.
+/// A GError; null without an error. Pass `&raw` of a new pointer to the call and wrap it at once.
 using GErrorRef = std::unique_ptr<GError, GErrorFree>;
 
 }  // namespace keyvora::x11

@@ -33,7 +33,7 @@ Host::~Host() {
 }
 
 bool Host::becomeOnlyInstance() {
-  // Without a display there is no other one to tell from: that is said elsewhere.
+  // Without a display there is nothing to claim; the missing display is reported elsewhere.
   if (!hasDisplay_) return true;
   instance_ = Instance::claim("", std::chrono::seconds(1));
   return instance_ != nullptr;

@@ -25,7 +25,7 @@
 
 namespace keyvora::x11 {
 
-/// An X session as the operating system behind the door.
+/// The host for an X session.
 class Host final : public platform::Host {
  public:
   Host();
@@ -38,7 +38,7 @@ class Host final : public platform::Host {
   bool becomeOnlyInstance() override;
 
  private:
-  /// The first member: the others may expect Xlib to be ready for them.
+  /// The first member: its initialiser makes Xlib ready, which the others need.
   bool hasDisplay_;
   posix::Clock clock_;
   posix::Console console_;
@@ -59,7 +59,7 @@ class Host final : public platform::Host {
   Workspace workspace_;
   Updates updates_;
   Application application_;
-  /// The last: its threads end before what their work uses.
+  /// The last member: its threads end before the objects that their work uses.
   Queues queues_;
   std::unique_ptr<Instance> instance_;
   platform::Platform platform_;

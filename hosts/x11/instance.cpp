@@ -13,11 +13,11 @@ Atom selection(Connection& connection) {
   return connection.atom("_KEYVORA_INSTANCE");
 }
 
-/// None when the selection is this connection's now; else its owner.
+/// None when this connection owns the selection now; else its owner.
 Window takeOrFindOwner(Connection& connection) {
   Display* display = connection.get();
   const Atom ours = selection(connection);
-  // Two that start at once do not both find it free.
+  // So that two processes that start at once do not both find it free.
   XGrabServer(display);
   const Window owner = XGetSelectionOwner(display, ours);
   if (owner == None) {
@@ -32,7 +32,7 @@ Window takeOrFindOwner(Connection& connection) {
   return owner;
 }
 
-/// Waits until this window is destroyed, until `end` at the most.
+/// Waits until this window is destroyed, but no longer than until `end`.
 bool awaitEnd(Connection& connection, Window window, Clock::time_point end) {
   Display* display = connection.get();
   for (;;) {

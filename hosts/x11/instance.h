@@ -8,15 +8,15 @@
 
 namespace keyvora::x11 {
 
-/// The right to be the display's only keyvora, which ends with the process, however that ends: a selection of
-/// X, owned by a connection of its own. Main thread.
+/// Makes the process the display's only keyvora until it ends in any way: an X selection owned by a
+/// connection of its own. Main thread.
 class Instance {
  public:
-  /// Takes it; null when another process has it and keeps it for `patience`: one that is ending goes. Null,
-  /// too, where there is no display.
+  /// Claims it. Null when another process has it and keeps it for `patience`, which a process that is
+  /// ending does not; null also without a display.
   static std::unique_ptr<Instance> claim(const std::string& displayName, std::chrono::milliseconds patience);
 
-  /// Whether some process has it.
+  /// Whether any process has it.
   static bool isClaimed(Connection& connection);
 
  private:

@@ -26,7 +26,7 @@ std::optional<std::filesystem::path> entryFile() {
   return *configuration / "autostart" / "org.keyvora.keyvora.desktop";
 }
 
-/// A word of an Exec line: quoted, with what is special there escaped and no field codes.
+/// An argument in an Exec line: quoted, with special characters escaped and without field codes.
 std::string execWord(const std::string& word) {
   std::string quoted = "\"";
   for (const char character : word) {
@@ -51,7 +51,7 @@ std::string entryText(const std::filesystem::path& executable) {
   return GText(g_key_file_to_data(entry.get(), nullptr, nullptr)).get();
 }
 
-/// A flag of the entry; `absent` when it is not there.
+/// A boolean key of the entry; `absent` when it is missing.
 bool flag(GKeyFile* entry, const char* key, bool absent) {
   GError* raw = nullptr;
   const bool value = g_key_file_get_boolean(entry, group, key, &raw);

@@ -7,10 +7,10 @@
 namespace keyvora::x11 {
 
 /// Launch at login by an entry in the user's autostart directory (freedesktop.org's Desktop Application
-/// Autostart Specification). The file is asked each time: the user may change it too.
+/// Autostart Specification). Reads the file at each call, because the user may change it too.
 class LoginService final : public platform::LoginService {
  public:
-  /// `executable` is what the entry starts.
+  /// `executable` is the program that the entry starts.
   explicit LoginService(std::filesystem::path executable) : executable_(std::move(executable)) {}
 
   platform::LoginStatus status() override;

@@ -14,18 +14,18 @@ namespace {
 /// Moments and spans in GLib's unit.
 using Microseconds = std::int64_t;
 
-/// The ready time of a source that waits for something else than time.
+/// The ready time of a source that does not wait for a time.
 constexpr Microseconds never = -1;
 
-/// What a repeating timer of no interval runs at, so that it leaves the loop some air.
+/// The interval of a repeating timer without one, so that it does not keep the loop busy.
 constexpr Microseconds shortestInterval = 100;
 
-/// A hundred years: further away than any process lives, and far from overflow.
+/// A hundred years: longer than any process lives, and far from overflow.
 constexpr double longestSeconds = 100.0 * 365 * 24 * 3600;
 
 Microseconds toMicroseconds(platform::Seconds span) {
   const double seconds = span.count();
-  if (!(seconds > 0)) return 0;  // "not a number" is no span either
+  if (!(seconds > 0)) return 0;  // also for "not a number"
   return static_cast<Microseconds>(std::min(seconds, longestSeconds) * 1e6);
 }
 
@@ -35,8 +35,8 @@ gboolean dispatch(GSource*, GSourceFunc callback, gpointer data) {
 
 GSourceFuncs readyTimeSource = {nullptr, nullptr, dispatch, nullptr, nullptr, nullptr};
 
-/// A source of the main context that runs `callback` at `readyTime`, to the microsecond; owned by the caller
-/// as well as by the context.
+/// A source of the main context that runs `callback` at `readyTime`, to the microsecond. The caller and the
+/// context each have a reference.
 GSource* attach(Microseconds readyTime, GSourceFunc callback, gpointer data, GDestroyNotify destroy) {
   GSource* source = g_source_new(&readyTimeSource, sizeof(GSource));
   g_source_set_callback(source, callback, data, destroy);
@@ -49,7 +49,7 @@ class ScheduledTimer;
 
 }  // namespace
 
-/// Whether a menu is open, and which timers came due meanwhile.
+/// Whether a menu is open, and which timers became due meanwhile.
 class MainLoop::Timing {
  public:
   int openMenus = 0;
@@ -82,13 +82,13 @@ class ScheduledTimer final : public platform::Timer {
 
   [[nodiscard]] bool isValid() const override { return source_ != nullptr; }
 
-  /// Lets a timer that was held back fire in the next pass of the loop.
+  /// Lets a timer that was delayed by a menu fire in the next pass of the loop.
   void release() { g_source_set_ready_time(source_, 0); }
 
  private:
   static gboolean fire(gpointer data) {
     static_cast<ScheduledTimer*>(data)->fire();
-    return G_SOURCE_CONTINUE;  // what ends a timer is its invalidation
+    return G_SOURCE_CONTINUE;  // only invalidation ends a timer
   }
 
   void fire() {
@@ -97,7 +97,7 @@ class ScheduledTimer final : public platform::Timer {
       timing_->held.push_back(this);
       return;
     }
-    const auto block = block_;  // the block may invalidate or destroy this timer
+    const auto block = block_;  // a copy: the block may invalidate or destroy this timer
     if (repeats_) {
       scheduleNext();
     } else {
@@ -106,8 +106,8 @@ class ScheduledTimer final : public platform::Timer {
     (*block)();
   }
 
-  /// The next moment on the timer's own grid: a late firing shifts none of those after it, and those that
-  /// were missed altogether are not made up for.
+  /// The next moment on the timer's own grid: a late firing does not shift the later ones, and missed
+  /// firings are dropped.
   void scheduleNext() {
     const auto late = g_get_monotonic_time() - due_;
     due_ += (std::max<Microseconds>(late, 0) / interval_ + 1) * interval_;
@@ -125,8 +125,8 @@ class ScheduledTimer final : public platform::Timer {
 
 }  // namespace
 
-/// The blocks that wait for their moment, from any thread. One runs in a turn of the loop, however many are
-/// due: a key that came meanwhile goes before the next.
+/// Blocks waiting for their moment, from any thread. Only one runs in each pass of the loop, however many
+/// are due, so that a key that came meanwhile is handled before the next block.
 class MainLoop::Agenda {
  public:
   Agenda() : source_(attach(never, run, this, nullptr)) {
@@ -146,7 +146,7 @@ class MainLoop::Agenda {
   }
 
  private:
-  /// By the moment at which they are due; those of one moment in the order in which they came.
+  /// By the moment at which they are due; blocks of the same moment in the order of submission.
   using Blocks = std::multimap<Microseconds, std::function<void()>>;
 
   static gboolean run(gpointer agenda) {

@@ -9,7 +9,7 @@
 
 namespace keyvora::x11 {
 
-/// GLib's default main context as the main loop. The thread that makes it is the main thread.
+/// GLib's default main context as the main loop. The thread that constructs it is the main thread.
 class MainLoop final : public platform::MainLoop {
  public:
   MainLoop();
@@ -22,7 +22,7 @@ class MainLoop final : public platform::MainLoop {
                                             platform::TimerMode mode, std::function<void()> block) override;
   void after(platform::Seconds delay, std::function<void()> block) override;
 
-  /// A menu of ours is open: timers in the default mode wait until it has closed. Main thread.
+  /// A menu of keyvora is open: timers in the default mode wait until it has closed. Main thread.
   void beginTracking();
   void endTracking();
 
@@ -32,7 +32,7 @@ class MainLoop final : public platform::MainLoop {
   class Agenda;
 
   std::thread::id mainThread_ = std::this_thread::get_id();
-  /// Shared with the timers, which may be kept longer than the loop.
+  /// Shared with the timers, which may outlive the loop.
   std::shared_ptr<Timing> timing_;
   std::unique_ptr<Agenda> agenda_;
 };

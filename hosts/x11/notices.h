@@ -7,13 +7,12 @@
 
 namespace keyvora::x11 {
 
-/// Tells the user, on the console, what works on this machine and what does not: each thing once. Main
-/// thread.
+/// Prints on the console what works on this machine and what does not, each notice once. Main thread.
 class Notices {
  public:
   explicit Notices(platform::Console& console) : console_(console) {}
 
-  /// `sentences` for a person, without a line break.
+  /// `sentences` are for the user, without a line break.
   void say(const std::string& sentences) {
     if (said_.insert(sentences).second) console_.write("keyvora: " + sentences);
   }

@@ -15,7 +15,7 @@ void Process::print(std::string_view line) {
 
 void Process::exit(int status) {
   runExitBlocks();
-  // Not through static destructors: other threads are still at work.
+  // Without static destructors, because other threads are still running.
   std::fflush(stdout);
   _exit(status);
 }

@@ -7,14 +7,14 @@
 
 namespace keyvora::x11 {
 
-/// The process. Blocks for its end run once, the last added first.
+/// The process. Exit blocks run once, the last added first.
 class Process final : public platform::Process {
  public:
   void print(std::string_view line) override;
   void exit(int status) override;
   void atExit(std::function<void()> block) override;
 
-  /// Runs the blocks now: the process is about to end. Any thread.
+  /// Runs the exit blocks now, before the process ends. Any thread.
   void runExitBlocks();
 
  private:

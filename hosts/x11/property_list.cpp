@@ -8,7 +8,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// The text of an element, from however many pieces it comes in; none when it holds elements.
+/// The text of an element, joined from all its text nodes; none when it contains elements.
 std::optional<std::string> textOf(const pugi::xml_node& element) {
   std::string text;
   for (const auto& piece : element.children()) {

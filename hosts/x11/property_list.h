@@ -13,14 +13,14 @@ namespace keyvora::x11 {
 /// A scalar of a property list.
 using PropertyValue = std::variant<std::string, bool, std::int64_t>;
 
-/// An information dictionary's scalars by their keys.
+/// The scalars of an information dictionary by their keys.
 using PropertyList = std::map<std::string, PropertyValue, std::less<>>;
 
-/// Reads an XML property list whose top is a dictionary; values that are no text, boolean or integer are
-/// passed over. None when there is no such file or it is malformed.
+/// Reads an XML property list whose root is a dictionary. Values other than text, booleans and integers are
+/// ignored. None when there is no such file or it is malformed.
 std::optional<PropertyList> readPropertyList(const std::filesystem::path& file);
 
-/// The value under a key where it is there and of this type.
+/// The value of a key if it exists and has this type.
 template <class Value>
 std::optional<Value> property(const PropertyList& list, std::string_view key) {
   const auto found = list.find(key);

@@ -5,8 +5,9 @@
 
 namespace keyvora::x11 {
 
-/// Background work on threads. A plan types into the window that was the target's when it was given, even if
-/// the user has gone on to another one. To be destroyed before whatever its plans and work use.
+/// Background work on threads. A plan types into the window that was the target when the plan was
+/// submitted, even if the user has changed to another window since. Must be destroyed before everything
+/// that its plans and work use.
 class Queues final : public platform::Queues {
  public:
   explicit Queues(const TargetWindow& target) : target_(target) {}

@@ -24,15 +24,15 @@ using platform::ScriptOutcome;
 
 constexpr auto program = "osascript";
 
-/// What is kept of the program's message; the rest is of no use in a log line.
+/// The part of the program's message that is kept; a log line needs no more.
 constexpr std::size_t longestMessage = 4096;
 
 ScriptOutcome failure(std::string message) {
   return {false, std::move(message)};
 }
 
-/// A file in memory. Files instead of pipes for the program's input and messages: nobody has to keep them
-/// flowing, and what the script leaves running behind cannot hold them open.
+/// A file in memory. Used instead of pipes for the program's input and messages: nothing has to read or
+/// write meanwhile, and processes left running by the script cannot keep it open.
 posix::FileDescriptor memoryFile(const char* name) {
   return posix::FileDescriptor(memfd_create(name, MFD_CLOEXEC));
 }
@@ -47,7 +47,7 @@ bool fill(const posix::FileDescriptor& file, std::string_view bytes) {
   return lseek(file.number(), 0, SEEK_SET) == 0;
 }
 
-/// The text at the start of the file, without white space at its end; none when there is none.
+/// The text at the start of the file, without trailing white space; none when it is empty.
 std::optional<std::string> messageIn(const posix::FileDescriptor& file) {
   std::array<char, longestMessage> bytes{};
   const auto size = pread(file.number(), bytes.data(), bytes.size(), 0);
@@ -58,7 +58,7 @@ std::optional<std::string> messageIn(const posix::FileDescriptor& file) {
   return message;
 }
 
-/// How a program is started: with these files, no others, and signals as a fresh process has them.
+/// Settings for starting a program: these files and no others, and the default signal state.
 class Spawning {
  public:
   Spawning(const posix::FileDescriptor& input, const posix::FileDescriptor& errors) {
@@ -72,7 +72,7 @@ class Spawning {
     sigset_t signals;
     sigemptyset(&signals);
     posix_spawnattr_setsigmask(&attributes_, &signals);
-    sigaddset(&signals, SIGPIPE);  // ignored here
+    sigaddset(&signals, SIGPIPE);  // ignored in this process
     posix_spawnattr_setsigdefault(&attributes_, &signals);
     posix_spawnattr_setflags(&attributes_,
                              POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
@@ -84,7 +84,7 @@ class Spawning {
   Spawning(const Spawning&) = delete;
   Spawning& operator=(const Spawning&) = delete;
 
-  /// 0, or why not, as an errno.
+  /// 0, or an errno value.
   int start(pid_t& process, KeyboardIsFree) const {
     const std::string name = program;
     std::array<char*, 2> arguments{const_cast<char*>(name.c_str()), nullptr};

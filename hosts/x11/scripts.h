@@ -8,10 +8,10 @@ namespace keyvora::x11 {
 
 class CurrentTap;
 
-/// Scripts by way of a program named `osascript` on PATH, which stands in for the AppleScript runtime: it
-/// reads the source on standard input, says on standard error what went wrong, and ends with status 0 on
-/// success. It is ended, with all that it started in its process group, when it takes longer than the limit
-/// and when a signal comes that ends the program.
+/// Runs scripts by a program named `osascript` on PATH, in place of the AppleScript runtime. It reads the
+/// source from standard input, prints errors on standard error, and ends with status 0 on success. It is
+/// ended with its whole process group when it exceeds the time limit, or when a signal that ends keyvora
+/// comes.
 class Scripts final : public platform::Scripts {
  public:
   explicit Scripts(CurrentTap& tap, std::chrono::seconds limit = std::chrono::seconds(120))

@@ -6,9 +6,9 @@
 
 namespace keyvora::x11 {
 
-/// Sets a variable of the environment, or takes it out, and puts it back: the programs that the user opens
-/// from here are to find it as it was. While other threads look at the environment, only for a variable that
-/// is there, and not to take it out: the others then stay where they are.
+/// Sets or removes an environment variable and restores it in the destructor, so that programs opened from
+/// here get the user's value. While other threads may read the environment, use it only to change a
+/// variable that exists: changing a value does not move the other variables.
 class TemporaryVariable {
  public:
   TemporaryVariable(const char* name, const std::optional<std::string>& value) : name_(name) {

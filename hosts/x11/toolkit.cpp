@@ -28,14 +28,14 @@ bool isSet(const char* name) {
 
 bool openDisplay() {
   std::signal(SIGPIPE, SIG_IGN);
-  installErrorHandlers();  // before the toolkit, which must find Xlib ready for threads
+  installErrorHandlers();  // before GTK, which needs Xlib initialised for threads
   std::setlocale(LC_ALL, "");
-  std::setlocale(LC_NUMERIC, "C");  // texts are in the user's language, but numbers are read and written here
+  std::setlocale(LC_NUMERIC, "C");  // messages in the user's language, but a decimal point in numbers
   gtk_disable_setlocale();
   gdk_set_allowed_backends("x11");
   g_set_prgname("keyvora");
   g_set_application_name("keyvora");
-  // So that it is there to be changed; empty, it means nothing to GTK.
+  // So that it exists and can be changed; GTK ignores an empty value.
   setenv(openGlVariable, "", 0);
   displayFound = Connection::open("") != nullptr;
   return displayFound;
@@ -48,12 +48,12 @@ bool hasDisplay() {
 bool openToolkit() {
   if (isToolkitOpen()) return true;
   if (!displayFound) return false;
-  // The programs that the user opens from here find the environment as it was. Both variables are there, if
-  // they are changed at all: setting one that is does not move the others under a thread that reads them.
+  // Restored afterwards, so that programs opened from here get the user's environment. If these variables
+  // are changed at all, they exist: changing one does not move the others while another thread reads them.
   std::optional<TemporaryVariable> noOtherBackend;
   if (isSet(backendVariable)) noOtherBackend.emplace(backendVariable, "x11");
-  // Nothing here is drawn with OpenGL. Left alone, the first GTK program of a display loads its driver to
-  // choose a visual: on a machine without a graphics card a whole compiler, for the life of the program.
+  // keyvora does not draw with OpenGL. Without this, the first GTK program on a display loads its driver to
+  // choose a visual: without a graphics card that is a whole compiler, which stays in memory.
   const TemporaryVariable noOpenGl(openGlVariable, "disable");
   const bool opened = gtk_init_check(nullptr, nullptr);
   installErrorHandlers();

@@ -2,22 +2,22 @@
 
 namespace keyvora::x11 {
 
-/// Makes the process ready for Xlib and for GTK, and looks for the X display. True when there is one. Signals
-/// of broken pipes are ignored from here on. Main thread, once, before any other thread runs.
+/// Initialises Xlib for threads, looks for the X display and ignores SIGPIPE. True when there is a display.
+/// Main thread, once, before any other thread runs.
 bool openDisplay();
 
 /// Whether `openDisplay` found a display.
 bool hasDisplay();
 
-/// Opens GTK on the X display, whatever else it could run on, and leaves the command line alone; does nothing
-/// when it is open. It costs more memory than all the rest: whoever shows something calls this first, and
-/// until then it stays closed. False when it cannot be opened. Main thread.
+/// Initialises GTK on the X display and no other backend, without reading the command line; does nothing if
+/// that was done. GTK takes more memory than the rest of the program, so it stays closed until something is
+/// shown: call this before showing anything. False when it cannot be initialised. Main thread.
 bool openToolkit();
 
-/// Whether GTK is open.
+/// Whether GTK is initialised.
 bool isToolkitOpen();
 
-/// Whether the session is one of Wayland, with X applications running on the side.
+/// Whether the session is a Wayland session, with X applications running through XWayland.
 bool isWaylandSession();
 
 }  // namespace keyvora::x11

@@ -14,7 +14,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// What is being opened, until the desktop has answered.
+/// An address or file being opened, until the desktop has answered.
 struct Opening {
   std::string what;
   Notices& notices;
@@ -29,7 +29,7 @@ void opened(GObject*, GAsyncResult* result, gpointer data) {
 }
 
 void open(const char* address, const std::string& what, Notices& notices) {
-  // The context tells the window manager that the user asked for the window which now comes.
+  // The context tells the window manager that the user requested the new window.
   const GObjectRef<GAppLaunchContext> context(
       openToolkit() ? G_APP_LAUNCH_CONTEXT(gdk_display_get_app_launch_context(gdk_display_get_default()))
                     : g_app_launch_context_new());

@@ -5,14 +5,14 @@
 
 namespace keyvora::x11 {
 
-/// Opens files and addresses by the desktop's own handlers, without waiting for them.
+/// Opens files and addresses with the desktop's handlers, without waiting for them.
 class Workspace final : public platform::Workspace {
  public:
   explicit Workspace(Notices& notices) : notices_(notices) {}
 
   void openFile(const std::string& path) override;
 
-  /// The address of macOS's Accessibility settings opens those of this desktop.
+  /// The address of macOS's Accessibility settings opens this desktop's.
   void openAddress(const std::string& address) override;
 
  private:

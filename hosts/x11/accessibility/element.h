@@ -11,7 +11,8 @@ class CurrentTap;
 /// the document that the last swallowed keys were meant for, as `applications` says, and of no other;
 /// before any key was swallowed, of the application. The elements below have "AXChildren", "AXTitle" (none
 /// if untitled), "AXKeyShortcutsValue" and "AXPress".
-/// | Calls have a time limit. After one has exceeded it, all elements reached through this one count as
+///
+/// Calls have a time limit. After one has exceeded it, all elements reached through this one count as
 /// unreachable. A press first thaws the keyboard. `applications` and `tap` must outlive the elements.
 platform::ElementRef applicationElement(platform::ProcessIdentifier process, Applications& applications,
                                         CurrentTap& tap);

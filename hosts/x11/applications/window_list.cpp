@@ -20,8 +20,8 @@ bool WindowList::notice(const XEvent& event) {
     const auto gone = event.xdestroywindow.window;
     const auto erased = std::erase_if(descriptions_, [gone](const auto& it) { return it.window == gone; });
     if (erased == 0) return false;
-    if (activeWindow_ == gone)
-      activeWindow_ = None;  // not every window manager updates it after the last window
+    // Some window managers do not update the property after the last window.
+    if (activeWindow_ == gone) activeWindow_ = None;
   } else if (event.type != PropertyNotify) {
     return false;
   } else if (event.xproperty.window == root_) {

@@ -24,9 +24,9 @@ struct ManagedWindow {
 /// The windows of the desktop and the active one, as the window manager publishes them on the root window.
 /// Read when they change, so that a question needs no round trip. Without a window manager the last list is
 /// kept. Used by the thread that has the connection.
-/// | Once a window's class and process are known, its properties are read again only when it becomes
-/// active. It is not watched in between, because toolkits set a property of the window at every key typed
-/// into it.
+///
+/// Once a window's class and process are known, its properties are read again only when it becomes active.
+/// It is not watched in between, because toolkits set a property of the window at every key typed into it.
 class WindowList {
  public:
   /// Reads the present windows and selects events for changes.

@@ -9,35 +9,34 @@ namespace keyvora::x11 {
 struct OwnMark;
 class OwnerEnd;
 
-/// Says that no key of the user's was held back for a verdict just now. Only `CurrentTap::letGo` makes one,
-/// and every way of acting on the target takes one: none can be used without letting the keyboard go first.
+/// Proof that no key of the user is held for a verdict. Only `CurrentTap::letGo` creates one, and every
+/// function that acts on the target takes one, so that none can be called with the keyboard frozen.
 class KeyboardIsFree {
  private:
   friend class CurrentTap;
   KeyboardIsFree() = default;
 };
 
-/// The current tap of this host, if any, as those who act on the target need it. Outlives all of them.
+/// The host's current tap, if any, for the code that acts on the target. Outlives that code.
 class CurrentTap {
  public:
-  /// From now on this one, for as long as it exists. Any thread.
+  /// Makes this the current tap, as long as it exists. Any thread.
   void set(std::weak_ptr<OwnerEnd> tap);
 
-  /// Lets the keyboard go before the program acts. While a key waits for the tap's verdict the server holds
-  /// the keyboard back, and an application that wants to open a menu or a dialog just then cannot take it.
+  /// Thaws the keyboard before the program acts. While a key waits for the tap's verdict the server keeps
+  /// the keyboard frozen, and an application cannot grab it for a menu or a dialog.
   ///
   /// - On the main thread, inside the tap's handler: the key being decided is swallowed now, whatever the
-  ///   handler returns later, since an action only ever follows a swallowed key. A key typed after that one
-  ///   waits for its turn, unless the action takes longer than a verdict may.
-  /// - On the main thread, outside it: a key that waits to be shown to the handler goes to its window
-  /// instead.
-  /// - On any other thread: waits until the main thread has decided, one second at the most.
+  ///   handler returns later, since an action only follows a swallowed key. A key typed after it stays
+  ///   frozen until the handler gets it, unless the action takes longer than the limit for a verdict.
+  /// - On the main thread, outside the handler: a key that waits for the handler goes to its window.
+  /// - On any other thread: waits until the main thread has decided, at most one second.
   ///
-  /// Returns when the server has let the keyboard go; at once when nothing is pending or there is no tap.
+  /// Returns when the server has thawed the keyboard; at once when nothing is pending or there is no tap.
   KeyboardIsFree letGo();
 
-  /// Injects a key, by the display's number, with XTEST from the tap's connection, which is how the tap knows
-  /// it again by `mark`. False, with nothing done, when there is no tap. Any thread.
+  /// Injects a key, given by its X keycode, with XTEST from the tap's connection. The tap recognises the
+  /// event and gives it `mark`. False, with nothing done, when there is no tap. Any thread.
   bool inject(std::uint8_t keycode, bool down, const OwnMark& mark);
 
  private:

@@ -12,7 +12,7 @@ namespace {
 using platform::KeyEvent;
 using platform::Verdict;
 
-/// Between two starts.
+/// The time between two starts.
 constexpr std::chrono::milliseconds restartInterval{1000};
 
 }  // namespace
@@ -41,8 +41,8 @@ void EventTap::enable() {
   }
 }
 
-// Ahead of timers and drawing: the user's keyboard waits. The default context is dispatched while a menu of
-// ours is open, too.
+// With a higher priority than timers and drawing, since the user's keyboard waits. The default context also
+// runs while a menu of keyvora is open.
 void EventTap::attach() {
   const auto& end = *process_->end();
   said_.emplace(end.fileDescriptor(), G_PRIORITY_HIGH, [this] { showEvents(); });
@@ -54,7 +54,7 @@ void EventTap::showEvents() {
   auto& end = *process_->end();
   end.toMain().clear();
   while (const auto event = end.next(Clock::now())) {
-    // An action may follow inside the handler, so the window is set before there is a verdict.
+    // The handler may start an action, which needs the window.
     const auto before = target_.get();
     if (const auto window = end.window(); window != 0) target_.set(window);
     const auto verdict = show(*event);

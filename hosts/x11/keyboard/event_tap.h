@@ -16,14 +16,14 @@ namespace keyvora::x11 {
 
 class CurrentTap;
 
-/// The main thread's side of the tap: shows the handler what the tap's program hands over, keeps the window
-/// of what it swallows, and starts a new program when that one has ended, at most once a second. Main thread.
+/// The tap on the main thread: calls the handler with the events of the tap's program, records the window
+/// of swallowed keys, and restarts the program when it has ended, at most once a second. Main thread.
 class EventTap : public platform::EventTap {
  public:
-  /// Hears of faults, a sentence each.
+  /// Called with a fault, as one sentence.
   using Report = std::function<void(const std::string&)>;
 
-  /// `process` was started by `command` and is now the `current` tap.
+  /// `process` was started with `command` and is already the `current` tap.
   EventTap(std::unique_ptr<TapProcess> process, TapCommand command, CurrentTap& current, TargetWindow& target,
            std::uint64_t eventMask, platform::TapHandler handler, Report report);
   ~EventTap() override;
@@ -51,7 +51,7 @@ class EventTap : public platform::EventTap {
   std::optional<ReadableSource> said_;
   std::optional<ReadableSource> received_;
   Clock::time_point started_ = Clock::now();
-  /// The timer of the next start; 0 for none.
+  /// The timer for the next start; 0 for none.
   unsigned nextStart_ = 0;
 };
 

@@ -13,7 +13,7 @@ struct Key {
   std::uint16_t code;
 };
 
-/// Row by row, from the left. Where two names share a code, the first is the key that events are made for.
+/// Row by row, from the left. Where two names share a code, synthetic events use the first.
 constexpr auto keys = std::to_array<Key>({
     {"ESC", key::escape},
     {"FK01", key::f1},

@@ -7,9 +7,9 @@
 #include "platform/key_code.h"
 
 /// Keys by their place on the keyboard: XKB's key names ("AD01" is the first key of the row above the home
-/// row) and the virtual key codes of macOS (platform/key_code.h). Both name places, so neither depends on the
-/// layout. Option is the Alt key, Command is the Control key and Control is the Super key, as toolkits for
-/// several systems have it.
+/// row) and the virtual key codes of macOS (platform/key_code.h). Both name places, so neither depends on
+/// the layout. Option is the Alt key, Command is the Control key and Control is the Super key, as in
+/// cross-platform toolkits.
 namespace keyvora::x11 {
 
 namespace key_code = platform::key_code;

@@ -26,7 +26,7 @@ std::string_view text(const char (&name)[XkbKeyNameLength]) {
   return padded.substr(0, padded.find('\0'));
 }
 
-/// The virtual key code of a key by its name, or by another name that the description gives it.
+/// The virtual key code of a key, by its name or one of its aliases in the description.
 std::uint16_t codeOf(const XkbNamesRec& names, const char (&name)[XkbKeyNameLength]) {
   auto code = keyCodeNamed(text(name));
   for (int i = 0; code == key_code::none && i < names.num_key_aliases; ++i) {
@@ -36,7 +36,7 @@ std::uint16_t codeOf(const XkbNamesRec& names, const char (&name)[XkbKeyNameLeng
   return code;
 }
 
-/// The symbol that a key makes in a group, pressed alone.
+/// The key symbol of a key in a group, without modifiers.
 KeySym symbolOf(const XkbDescRec& description, unsigned keycode, unsigned group) {
   const auto& symbols = description.map->key_sym_map[keycode];
   const unsigned count = XkbNumGroups(symbols.group_info);
@@ -91,8 +91,8 @@ bool KeyMap::notice(const XEvent& event) {
   return true;
 }
 
-/// One change of layout is many events, and a key may wait behind them. What is read next has all that are
-/// here.
+/// Drops the pending events of the same kind. A change of layout sends many, a key may wait behind them,
+/// and the description that is read next includes them all.
 void KeyMap::skipMapEvents() {
   const auto isMapEvent = [](Display*, XEvent* event, XPointer type) -> Bool {
     if (event->type != *reinterpret_cast<const int*>(type)) return False;
@@ -121,7 +121,7 @@ unsigned KeyMap::modifierBits(std::uint64_t flags) const {
   using namespace platform::event_flag;
   unsigned bits = 0;
   if ((flags & shift) != 0) bits |= ShiftMask;
-  // Where no key makes a modifier, its usual bit still means it to applications.
+  // Applications still interpret the usual bit of a modifier that no key of the layout makes.
   constexpr std::array<std::pair<std::uint16_t, unsigned>, 3> keys{{{key_code::leftControl, Mod4Mask},
                                                                     {key_code::leftOption, Mod1Mask},
                                                                     {key_code::leftCommand, ControlMask}}};

@@ -11,29 +11,29 @@
 
 namespace keyvora::x11 {
 
-/// A change of the layout among those that the keyboard has, its groups.
+/// A change between the layout's groups.
 struct GroupChange {
-  /// The display's number for the key that made it; 0 for none.
+  /// The keycode of the key that caused it; 0 for none.
   unsigned keycode = 0;
-  /// The server's, in milliseconds: that of the key's event.
+  /// The server time of that key's event, in milliseconds.
   Time time = 0;
 };
 
-/// The display's own numbers for keys, by the names that its keyboard description gives them, and what
-/// modifier keys do in the current group. Follows changes. Used by the thread that has the
-/// connection.
+/// Maps X keycodes to keys, by the key names in the display's keyboard description, and finds the meaning
+/// of modifier keys in the current group. Follows changes of the description. Used by the thread that has
+/// the connection.
 class KeyMap {
  public:
-  /// Reads the keyboard description and asks to be told of changes.
+  /// Reads the keyboard description and selects events for changes.
   explicit KeyMap(Display* display);
 
-  /// Looks at an event of the connection; true when it changed what keys mean.
+  /// Handles an event of the connection; true when it changed the meaning of keys.
   bool notice(const XEvent& event);
 
-  /// The change of group that an event tells of; none for any other event.
+  /// The change of group that an event reports; none for any other event.
   [[nodiscard]] std::optional<GroupChange> groupChange(const XEvent& event) const;
 
-  /// What the key that the display calls `keycode` means if it is pressed now.
+  /// The meaning of a keycode if the key is pressed now.
   [[nodiscard]] const KeyMeaning& meaning(unsigned keycode) const {
     return meanings_[group_][keycode & 0xFF];
   }
@@ -41,13 +41,13 @@ class KeyMap {
   /// Its virtual key code; `key_code::none` for none.
   [[nodiscard]] std::uint16_t keyCode(unsigned keycode) const { return meaning(keycode).keyCode; }
 
-  /// The display's number for a key; none when the keyboard has no such key.
+  /// The keycode of a key; none when the keyboard has no such key.
   [[nodiscard]] std::optional<KeyCode> keycode(std::uint16_t keyCode) const;
 
-  /// The display's numbers of all keys that are Option in any group.
+  /// The keycodes of all keys that are Option in some group.
   [[nodiscard]] const std::vector<KeyCode>& optionKeycodes() const { return optionKeycodes_; }
 
-  /// The core modifier bits for event flags, by what the keys of those modifiers do in this layout.
+  /// The core modifier bits for event flags, by the modifiers that the keys of this layout make.
   [[nodiscard]] unsigned modifierBits(std::uint64_t flags) const;
 
   /// Whether Sticky Keys are on.
@@ -64,7 +64,7 @@ class KeyMap {
   std::size_t group_ = 0;
   bool stickyKeys_ = false;
   std::array<std::array<KeyMeaning, 256>, groups> meanings_{};
-  std::array<std::array<KeyCode, 128>, groups> keycodes_{};  // the way back; 0 for none
+  std::array<std::array<KeyCode, 128>, groups> keycodes_{};  // the inverse; 0 for none
   std::vector<KeyCode> optionKeycodes_;
   std::array<std::uint8_t, 256> modifiers_{};
 };

@@ -51,7 +51,7 @@ KeyMeaning keyMeaning(unsigned long symbol, std::uint16_t place) {
   }
   const bool choosesLayout = symbol >= XK_ISO_Group_Latch && symbol <= XK_ISO_Last_Group_Lock;
   if (choosesLayout) return {key_code::none, true, 0};
-  // A modifier's place that makes something else: Compose, a menu key.
+  // A key in the place of a modifier that makes another symbol: Compose, Menu.
   if (isModifier(place)) return {};
   return {place, false, 0};
 }

@@ -11,8 +11,8 @@
 
 namespace keyvora::x11 {
 
-/// Events that wait to be shown, the oldest first. Allocates nothing once it is made. An event is cleared
-/// from memory when it is taken, and no core dump has those that wait.
+/// Events that wait for the handler, the oldest first. Allocates nothing after construction. An event is
+/// cleared from memory when it is taken, and core dumps leave out the memory of those that wait.
 class KeyQueue {
  public:
   [[nodiscard]] bool isEmpty() const { return count_ == 0; }
@@ -33,7 +33,7 @@ class KeyQueue {
     return taken;
   }
 
-  /// The event that came last; there must be one.
+  /// The newest event; the queue must not be empty.
   TapRecord& last() { return at(count_ - 1); }
 
   void clear() {
@@ -41,11 +41,11 @@ class KeyQueue {
     }
   }
 
-  /// All of its memory.
+  /// All of its memory, for tests.
   [[nodiscard]] const auto& memory() const { return *ring_; }
 
  private:
-  static constexpr std::size_t capacity = 512;  // more than a tap is owed
+  static constexpr std::size_t capacity = 512;  // more than the tap sends without an answer
 
   TapRecord& at(std::size_t place) { return (*ring_)[(first_ + place) % capacity]; }
 

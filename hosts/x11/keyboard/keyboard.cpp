@@ -19,7 +19,7 @@ std::unique_ptr<platform::EventTap> Keyboard::createTap(std::uint64_t eventMask,
                                                         platform::TapHandler handler) {
   std::string problem;
   auto process = TapProcess::start(tapCommand_, problem);
-  // Asked again every few seconds while there is no tap: a problem that stays is told of once.
+  // Called every few seconds while there is no tap: a problem that stays is reported once.
   if (std::exchange(problem_, problem) != problem && !problem.empty()) report(problem);
   if (!process) return nullptr;
   return std::make_unique<EventTap>(std::move(process), tapCommand_, currentTap_, target_, eventMask,

@@ -17,14 +17,14 @@ class Poster;
 /// The keyboard of an X session. Without a usable display there is no tap and no event.
 class Keyboard : public platform::Keyboard {
  public:
-  /// The display of this name, or the one that DISPLAY names when it is empty. Connects when first used. A
-  /// tap that it makes is `tapProgram` running, becomes `currentTap`, and says in `target` which window the
-  /// keys that it swallows are meant for; keys are posted there. Both outlive the keyboard and its events.
+  /// The display of this name, or the one that DISPLAY names when it is empty. Connects on first use. Its
+  /// tap runs `tapProgram`, becomes `currentTap`, and sets `target` to the window that swallowed keys were
+  /// meant for; synthetic keys are posted there. Both must outlive the keyboard and its events.
   Keyboard(std::string displayName, std::filesystem::path tapProgram, CurrentTap& currentTap,
            TargetWindow& target);
   ~Keyboard() override;
 
-  /// The tap's events are dispatched by GLib's default main context, ahead of timers and drawing.
+  /// GLib's default main context dispatches the tap's events, before timers and drawing.
   std::unique_ptr<platform::EventTap> createTap(std::uint64_t eventMask,
                                                 platform::TapHandler handler) override;
   std::unique_ptr<platform::EventSource> createSource() override;
@@ -42,7 +42,7 @@ class Keyboard : public platform::Keyboard {
   CurrentTap& currentTap_;
   TargetWindow& target_;
   std::function<void(const std::string&)> report_;
-  /// Why there was no tap, when that was last asked for.
+  /// The reason why the last attempt to make a tap failed.
   std::string problem_;
   std::mutex posterMutex_;
   std::shared_ptr<Poster> poster_;

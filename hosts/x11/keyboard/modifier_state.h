@@ -28,8 +28,8 @@ constexpr std::uint64_t flagOf(std::uint16_t keyCode) {
   }
 }
 
-/// The flags of the modifier keys that are down, each as it was when it went down: what a key means may
-/// change while it is held. Keys are the display's numbers.
+/// The flags of the modifier keys that are down. Each key keeps the flag it had when it went down, because
+/// its meaning may change while it is held. Keys are X keycodes.
 class ModifierState {
  public:
   void press(unsigned keycode, std::uint64_t flag) { flags_[keycode & 0xFF] = flag; }

@@ -15,13 +15,13 @@ using platform::KeyEvent;
 using platform::Verdict;
 using std::chrono::milliseconds;
 
-/// For a few round trips to the server: who asks for the tap may take it that keys are caught from then on.
+/// For a few round trips to the server, so that keys are caught when `enable` has returned.
 constexpr milliseconds grabbingLimit{250};
 
-/// For a tap to take records from a full socket. It does nothing that lasts.
+/// For the tap to read from a full socket. It never works for long.
 constexpr milliseconds sendingLimit{250};
 
-/// How long a wait may overlook that another thread has received what it waits for.
+/// The longest delay until a wait notices that another thread received what it waits for.
 constexpr milliseconds longestPoll{10};
 
 void awaitFile(int file, short what, milliseconds limit) {
@@ -54,7 +54,7 @@ std::optional<KeyEvent> OwnerEnd::next(Clock::time_point now) {
     const bool asked = record->kind == TapRecord::Kind::asked;
     const Clock::time_point since{std::chrono::nanoseconds(record->since)};
     if (now - since > verdictLimit) {
-      // The tap is about to say that it has let it go.
+      // The tap is about to report that it has thawed the keyboard.
       if (asked) asked_ = Asked::nothing;
       continue;
     }
@@ -93,7 +93,7 @@ void OwnerEnd::settle() {
   receiveElsewhere();
   if (asked_ == Asked::nothing) return;
   if (std::this_thread::get_id() == mainThread_) {
-    // A key typed since the one being decided waits for its turn: it may begin the next sequence.
+    // A key typed after the one being decided stays frozen: it may begin the next sequence.
     if (asked_ == Asked::waiting && shown_) return;
     if (asked_ == Asked::shown) decide(Verdict::swallow);
     if (asked_ == Asked::waiting) passUnseen();
@@ -122,7 +122,8 @@ void OwnerEnd::receive() {
   if (socket_.ended()) asked_ = Asked::nothing;
 }
 
-/// Receives outside `next`. What came is not the socket's to announce to the main thread any more.
+/// Receives outside `next`. The socket does not become readable again for these records, so the main thread
+/// is woken.
 void OwnerEnd::receiveElsewhere() {
   receive();
   if (!queue_.isEmpty() || disabledToTell_ || socket_.ended()) toMain_.signal();
@@ -150,7 +151,7 @@ void OwnerEnd::take(const TapRecord& record) {
       if (record.number == question_) asked_ = Asked::nothing;
       break;
     case TapRecord::Kind::disabled:
-      // Records keep their order: all that wait here are older.
+      // Records are in order, so all in the queue are older.
       queue_.clear();
       shown_.reset();
       asked_ = Asked::nothing;
@@ -159,8 +160,8 @@ void OwnerEnd::take(const TapRecord& record) {
   }
 }
 
-/// Receives until the condition holds, the tap has ended or time is up; whether it holds. The lock is free
-/// while nothing comes.
+/// Receives until the condition is true, the tap has ended or time is up; returns the condition. Releases
+/// the lock while it waits.
 bool OwnerEnd::await(Lock& lock, Clock::time_point until, const std::function<bool()>& condition) {
   for (;;) {
     receiveElsewhere();
@@ -187,8 +188,8 @@ void OwnerEnd::decide(Verdict verdict) {
 }
 
 void OwnerEnd::passUnseen() {
-  // The event asked about is the last: the keyboard stands still behind it. It is still told of, and a key of
-  // the user's as one that could not be held back.
+  // The event asked about is the newest, since the keyboard is frozen behind it. The handler still gets it;
+  // a key of the user without a code, like one that could not be held.
   auto& last = queue_.last();
   last.kind = TapRecord::Kind::told;
   last.window = 0;

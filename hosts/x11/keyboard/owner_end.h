@@ -15,9 +15,10 @@
 
 namespace keyvora::x11 {
 
-/// The owner's end of the pair: events from the tap to the main thread, in order, and verdicts back. What the
-/// tap has given up on is not shown any more, and the main thread hears of a disabled tap in its place. The
-/// lock is of this process alone and held for moments only, never across a call outward.
+/// The owner's end of the socket pair: takes events from the tap to the main thread, in order, and sends
+/// verdicts back. Events that the tap has given up are dropped, and the main thread gets a notice of a
+/// disabled tap instead. The lock belongs to this process only; it is held briefly, and never during a call
+/// out of this class.
 class OwnerEnd {
  public:
   using Clock = std::chrono::steady_clock;
@@ -25,48 +26,48 @@ class OwnerEnd {
   /// Made on the main thread.
   explicit OwnerEnd(posix::FileDescriptor socket) : socket_(std::move(socket)) {}
 
-  // The main thread.
+  // Main thread:
 
-  /// Waits for the tap's first word: whether it can do its work and speaks this build's records. False when
-  /// it says nothing in time.
+  /// Waits for the tap's first record, which says whether it can work and uses this build's records. False
+  /// when none comes in time.
   bool awaitReady(Clock::time_point until);
 
-  /// Has keys grabbed, and waits until that is done, for a moment at the most.
+  /// Tells the tap to grab keys, and waits briefly until it has.
   void enable();
 
-  /// The next event to show to the handler; none when all were. Report back with `handled`.
+  /// The next event for the handler; none when there is none. Report the verdict with `handled`.
   std::optional<platform::KeyEvent> next(Clock::time_point now);
 
-  /// The window that the event which `next` gave is meant for; 0 for one that is on its way already.
+  /// The window that the event returned by `next` is meant for; 0 for an event that was not held.
   [[nodiscard]] unsigned long window();
 
-  /// The handler's verdict on the event that `next` gave; not sent when it comes too late to matter.
+  /// The handler's verdict on the event returned by `next`. Not sent if it is too late.
   void handled(platform::Verdict verdict);
 
-  /// Has the tap let go of everything and end, and waits for that; false when it did not in time.
+  /// Tells the tap to release everything and end, and waits for that; false when it did not end in time.
   bool finish(Clock::time_point until);
 
-  // Any thread.
+  // Any thread:
 
-  /// What `CurrentTap::letGo` promises.
+  /// Does what `CurrentTap::letGo` documents.
   void settle();
 
-  /// Has the tap press or release a key, by the display's number, and know it again by `mark`.
+  /// Tells the tap to press or release a key, given by its keycode, and to give the event `mark`.
   void inject(std::uint8_t keycode, bool down, const OwnMark& mark);
 
-  /// Whether the tap has ended, or takes nothing any more.
+  /// Whether the tap has ended, or no longer reads from its socket.
   bool ended();
 
-  /// Readable when the tap has said something. Closed with this object.
+  /// Readable when the tap has sent something. Closed with this object.
   [[nodiscard]] int fileDescriptor() const { return socket_.fileDescriptor(); }
 
-  /// Wakes the main thread when there is something for `next` that was received elsewhere.
+  /// Wakes the main thread when `next` has something that another thread received.
   [[nodiscard]] const Wakeup& toMain() const { return toMain_; }
 
  private:
   using Lock = std::unique_lock<std::mutex>;
 
-  /// Where the event asked about is.
+  /// The state of the event that was asked about.
   enum class Asked { nothing, waiting, shown, decided };
 
   struct Shown {
@@ -92,8 +93,8 @@ class OwnerEnd {
   bool stuck_ = false;
   std::optional<Shown> shown_;
   Asked asked_ = Asked::nothing;
-  /// The number of the event last asked about, of that last handled, and up to which the tap knows that they
-  /// were.
+  /// The number of the event last asked about, of the one last handled, and of the last one that the tap
+  /// knows to be handled.
   std::uint64_t question_ = 0;
   std::uint64_t lastHandled_ = 0;
   std::uint64_t acknowledged_ = 0;

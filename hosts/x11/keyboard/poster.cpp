@@ -17,7 +17,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// The keys that stand for the flags, in the order in which they go down.
+/// The keys for the flags, in the order in which they go down.
 constexpr std::array flagKeys{key_code::leftShift, key_code::leftControl, key_code::leftOption,
                               key_code::leftCommand};
 
@@ -61,11 +61,10 @@ void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke
   key.state = stateBefore(stroke);
   key.keycode = *keycode;
   key.same_screen = True;
-  // Without an event mask the event goes to the window's own client. Toolkits heed that and pass over an
+  // Without an event mask the event goes to the window's own client. Toolkits accept that, but ignore an
   // event sent with the mask of key presses.
   XSendEvent(connection_->get(), window, False, NoEventMask, &event);
-  // Not before the server has it may the next key of the user's go on: that one travels by another
-  // connection.
+  // Waits until the server has it: the user's next key goes by another connection and must not overtake it.
   XSync(connection_->get(), False);
 }
 
@@ -88,7 +87,7 @@ void Poster::inject(const KeyStroke& stroke, CurrentTap& tap, KeyboardIsFree) {
 }
 
 void Poster::catchUp() {
-  // Once the server has answered, all that it had to say before is here.
+  // The server's answer comes after everything it sent before.
   XSync(connection_->get(), False);
   while (XPending(connection_->get()) > 0) {
     XEvent event;
@@ -103,7 +102,7 @@ Window Poster::windowOf(platform::ProcessIdentifier process) const {
   return target == None ? anyWindowOf(display, process) : frontOf(display, target, process);
 }
 
-/// The server's clock, as events tell it: a toolkit takes an event without a time for one of the past.
+/// The server's time, as in events: toolkits take an event without a time for an old one.
 Time Poster::serverTime() {
   Display* display = connection_->get();
   XChangeProperty(display, clock_, XA_WM_NAME, XA_STRING, 8, PropModeAppend, nullptr, 0);
@@ -112,7 +111,7 @@ Time Poster::serverTime() {
   return event.xproperty.time;
 }
 
-/// The modifiers as X events tell them: as they were before the event.
+/// The modifier state for an X event: the state before the event.
 unsigned Poster::stateBefore(const KeyStroke& stroke) const {
   auto flags = stroke.flags;
   if (stroke.isFlagsChange && stroke.down) flags &= ~flagOf(stroke.keyCode);

@@ -18,34 +18,35 @@ namespace keyvora::x11 {
 class CurrentTap;
 class KeyboardIsFree;
 
-/// A key going down or up, to be posted.
+/// The press or release of a key that is to be posted.
 struct KeyStroke {
   std::uint16_t keyCode = 0;
   bool down = true;
-  /// Whether the key is posted as a change of the modifiers, which `flags` then already show.
+  /// Whether the key is posted as a change of modifiers, which `flags` already include.
   bool isFlagsChange = false;
   std::uint64_t flags = 0;
   std::int64_t userData = 0;
 };
 
-/// Posts key events, on a connection of its own. Any thread. A key that the keyboard lacks, and a process
-/// without a window, are passed over. Asks for the windows when it needs one: what it would be told of them
-/// meanwhile, nobody would read.
+/// Posts key events, on a connection of its own. Any thread. A key that the keyboard lacks is ignored, and
+/// so is a process without a window. Queries the windows when it needs one, because nothing reads this
+/// connection's events in between.
 class Poster {
  public:
-  /// Null without a display. Keys to a process go where `target` says.
+  /// Null without a display. Keys for a process go to the window that `target` names.
   static std::unique_ptr<Poster> open(const std::string& displayName, const TargetWindow& target);
 
   /// Whether the keyboard has the key.
   bool hasKey(std::uint16_t keyCode);
 
-  /// Sends the stroke to the target's window or to the dialog in front of it: one may have opened since the
-  /// last stroke. Passed over when that window is gone, or another process's. While there is no such window
-  /// yet, any of the process serves. The window need not have the focus, and no tap sees the event.
+  /// Sends the stroke to the target's window or to the dialog in front of it, which may have opened since
+  /// the last stroke. Ignored when that window was closed or belongs to another process. Before the first
+  /// target window, any window of the process is used. The window need not have the focus, and no tap sees
+  /// the event.
   void sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke, KeyboardIsFree);
 
-  /// Injects the stroke with XTEST, by way of the tap if there is one. Flags of a key going down are modifier
-  /// keys held meanwhile, since a keyboard has no other way of saying them.
+  /// Injects the stroke with XTEST, through the tap if there is one. For a key press with flags, the
+  /// modifier keys are held meanwhile, because XTEST has no other way to set flags.
   void inject(const KeyStroke& stroke, CurrentTap& tap, KeyboardIsFree);
 
  private:

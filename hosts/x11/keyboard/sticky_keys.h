@@ -4,8 +4,8 @@
 
 namespace keyvora::x11 {
 
-/// Whether Sticky Keys are on, the access feature by which a modifier that was tapped counts for the next
-/// key: a lone Option tap then means that, and arms nothing. One round trip.
+/// Whether Sticky Keys are on, the accessibility feature in which a tapped modifier applies to the next
+/// key. A lone Option tap means that then, and must not arm. One round trip.
 bool stickyKeysAreOn(Display* display);
 
 }  // namespace keyvora::x11

@@ -9,7 +9,7 @@ SyntheticEvent::SyntheticEvent(std::shared_ptr<Poster> poster, CurrentTap& tap, 
 
 void SyntheticEvent::setType(std::uint32_t type) {
   using namespace platform;
-  stroke_.isFlagsChange = type == event_type::flagsChanged;  // up or down, as it was made
+  stroke_.isFlagsChange = type == event_type::flagsChanged;  // `down` stays as constructed
   if (type == event_type::keyDown) stroke_.down = true;
   if (type == event_type::keyUp) stroke_.down = false;
 }

@@ -9,7 +9,7 @@
 
 namespace keyvora::x11 {
 
-/// Where synthetic events come from: a holder of the user data.
+/// The source of synthetic events: holds the user data.
 class EventSource : public platform::EventSource {
  public:
   void setUserData(std::int64_t userData) override { userData_ = userData; }
@@ -19,7 +19,7 @@ class EventSource : public platform::EventSource {
   std::atomic<std::int64_t> userData_ = 0;
 };
 
-/// A key stroke to be posted. Posting lets the keyboard go first.
+/// A key stroke to be posted. Posting thaws the keyboard first.
 class SyntheticEvent : public platform::SyntheticEvent {
  public:
   SyntheticEvent(std::shared_ptr<Poster> poster, CurrentTap& tap, KeyStroke stroke);

@@ -17,15 +17,15 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// A start takes milliseconds; a machine that is this slow is busy with something else.
+/// A start takes milliseconds; this allows for a very busy machine.
 constexpr milliseconds startLimit{5000};
 
-/// Letting go takes a round trip to the server.
+/// Releasing the grabs takes a round trip to the server.
 constexpr milliseconds endLimit{2000};
 
-/// How the program is started: with its end of the pair, the standard error of this one and no other file; in
-/// a session of its own, so that what a terminal sends to the processes in front of it does not reach it;
-/// with the signals that it will ignore held back until it does.
+/// Settings for starting the program: its only files are its end of the socket pair and this process's
+/// standard error; it gets a session of its own, so that signals from a terminal do not reach it; and the
+/// signals that it will ignore are blocked until it does.
 class Spawning {
  public:
   explicit Spawning(const posix::FileDescriptor& socket) {
@@ -49,7 +49,7 @@ class Spawning {
   Spawning(const Spawning&) = delete;
   Spawning& operator=(const Spawning&) = delete;
 
-  /// 0, or why not, as an errno.
+  /// 0, or an errno value.
   int start(pid_t& process, const TapCommand& command) const {
     auto program = command.program.string();
     auto display = command.display;

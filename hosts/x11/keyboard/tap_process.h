@@ -11,32 +11,32 @@
 
 namespace keyvora::x11 {
 
-/// How the tap's program is started.
+/// The command that starts the tap's program.
 struct TapCommand {
   std::filesystem::path program;
   /// As for XOpenDisplay; empty for what DISPLAY names.
   std::string display;
 };
 
-/// Where the tap's program of this installation is: beside the program itself, as built, or in
-/// `libexec/keyvora` of its prefix.
+/// The path of this installation's tap program: beside the program itself in a build folder, or in
+/// `libexec/keyvora` of the prefix.
 std::filesystem::path tapProgramOf(const std::filesystem::path& program);
 
-/// The tap's program while it runs. Ended by the destructor, with all keys let go. Main thread.
+/// The running tap program. The destructor ends it, and it releases all keys. Main thread.
 class TapProcess {
  public:
-  /// Starts it, and waits until it can do its work, switched off; null when it cannot be started or cannot do
-  /// its work, and then `problem`, if it is the machine's, says why in a sentence.
+  /// Starts it, and waits until it is ready, with the tap disabled. Null when it cannot start or cannot
+  /// work; `problem` then gives the reason in a sentence if this machine is the cause.
   static std::unique_ptr<TapProcess> start(const TapCommand& command, std::string& problem);
 
   ~TapProcess();
   TapProcess(const TapProcess&) = delete;
   TapProcess& operator=(const TapProcess&) = delete;
 
-  /// What is said to it. Other threads may keep it for longer.
+  /// The socket to the program. Other threads may keep it longer.
   [[nodiscard]] const std::shared_ptr<OwnerEnd>& end() const { return end_; }
 
-  /// Ends it, by force if need be; how it ended, for a sentence ("was ended by signal 9").
+  /// Ends it, with SIGKILL if necessary. Returns how it ended, for a sentence ("was ended by signal 9").
   std::string stop();
 
   [[nodiscard]] pid_t identifier() const { return process_; }

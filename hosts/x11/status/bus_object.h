@@ -8,24 +8,24 @@
 
 namespace keyvora::x11 {
 
-/// An object of ours on a message bus, with one interface. Taken off the bus by its destructor. Main thread.
+/// An object on a message bus, with one interface. The destructor removes it from the bus. Main thread.
 class BusObject {
  public:
   struct Handlers {
-    /// Answers a call with a tuple; null for a method that this object does not have.
+    /// Returns a tuple that answers a call; null for an unknown method.
     std::function<GVariant*(std::string_view method, GVariant* parameters)> call;
-    /// The value of a property; null for one that this object does not have.
+    /// Returns the value of a property; null for an unknown one.
     std::function<GVariant*(std::string_view property)> get;
   };
 
-  /// `description` is the interface as introspection data, in XML. What the bus does not take, because the
-  /// connection has ended, is not there.
+  /// `description` is the interface as introspection data, in XML. If the connection has ended, the object
+  /// is not registered.
   BusObject(GDBusConnection* bus, const char* path, const char* description, Handlers handlers);
   ~BusObject();
   BusObject(const BusObject&) = delete;
   BusObject& operator=(const BusObject&) = delete;
 
-  /// Sends a signal to whoever listens. Takes over a floating `parameters`; null for none.
+  /// Sends a signal to all listeners. Takes over a floating `parameters`; null for none.
   void emit(const char* signal, GVariant* parameters);
 
  private:

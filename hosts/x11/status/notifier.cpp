@@ -11,12 +11,12 @@ namespace keyvora::x11 {
 namespace {
 
 /// GNOME draws a label, and would wait for a second click before it opens its menu. Under Wayland a menu of
-/// ours cannot take hold of the keyboard.
+/// keyvora cannot grab the keyboard.
 NotifierItem::Manner mannerFor(const NotifierHost& host) {
   return {.hasLabel = host.isGnome(), .panelOpensMenu = host.isGnome() || isWaylandSession()};
 }
 
-/// What the tool tip says below the title: the menu's first line.
+/// The second part of the tool tip: the menu's first line.
 std::string detailsOf(const platform::Menu& menu) {
   if (menu.rows.empty()) return "";
   const auto line = text::validText(menu.rows.front().title);
@@ -43,7 +43,7 @@ Notifier::Notifier(MainLoop& loop, NotifierHost& host, std::function<void(int, i
 
 Notifier::~Notifier() {
   g_bus_unown_name(ownership_);
-  track(false);  // a panel that has gone does not say that its menu is closed
+  track(false);  // a panel that ended does not report its menu as closed
 }
 
 void Notifier::setMenu(const platform::Menu& menu) {
@@ -56,7 +56,7 @@ void Notifier::track(bool isOpen) {
   isOpen ? loop_.beginTracking() : loop_.endTracking();
 }
 
-/// The panel first gets its answer. The action may outlive this item.
+/// Runs after the panel has got its answer. The action may destroy this object.
 void Notifier::runSoon(std::function<void()> action) {
   loop_.after({}, std::move(action));
 }

@@ -12,10 +12,10 @@
 
 namespace keyvora::x11 {
 
-/// The item and its menu on the session bus, under a name that the panel is told. Main thread.
+/// The item and its menu on the session bus, under a name that is registered with the panel. Main thread.
 class Notifier {
  public:
-  /// For the panel that `host` stands for now. `openMenu` runs when a click asks for the program's own menu.
+  /// For the panel that `host` has found. `openMenu` runs when a click asks for keyvora's own menu.
   Notifier(MainLoop& loop, NotifierHost& host, std::function<void(int x, int y)> openMenu);
   ~Notifier();
   Notifier(const Notifier&) = delete;

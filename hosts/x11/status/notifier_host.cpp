@@ -9,10 +9,11 @@ constexpr auto watcher = "org.kde.StatusNotifierWatcher";
 constexpr auto watcherPath = "/StatusNotifierWatcher";
 constexpr auto gnomeShell = "org.gnome.Shell";
 
-/// A watcher that does not answer is none.
+/// A watcher that takes longer to answer counts as absent.
 constexpr int timeoutMilliseconds = 5000;
 
-/// The answer to a call; null when it failed. `cancelled` tells that whoever asked is gone.
+/// The answer to a call; null when it failed. `cancelled` is set when the object that made the call was
+/// destroyed.
 GVariantRef finish(GObject* bus, GAsyncResult* result, bool& cancelled) {
   GError* raw = nullptr;
   GVariantRef answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &raw));
@@ -48,7 +49,7 @@ void NotifierHost::connected(GObject* /*source*/, GAsyncResult* result, gpointer
 
 void NotifierHost::follow(GDBusConnection* bus) {
   bus_.reset(bus);
-  g_dbus_connection_set_exit_on_close(bus, FALSE);  // a bus that ends is not the end of keyvora
+  g_dbus_connection_set_exit_on_close(bus, FALSE);  // keyvora goes on when the bus ends
   const auto closed = +[](GDBusConnection*, gboolean, GError*, NotifierHost* self) {
     self->lost();
     self->set(false);
@@ -62,7 +63,7 @@ void NotifierHost::follow(GDBusConnection* bus) {
                                           this, nullptr);
 }
 
-/// Lets go of the bus.
+/// Releases the bus.
 void NotifierHost::lost() {
   if (!bus_) return;
   g_bus_unwatch_name(std::exchange(watch_, 0));
@@ -76,7 +77,7 @@ void NotifierHost::appeared(GDBusConnection* /*bus*/, const char* /*name*/, cons
                             gpointer self) {
   auto* host = static_cast<NotifierHost*>(self);
   host->owner_ = owner;
-  if (host->isPresent_) host->set(false);  // that was another watcher's
+  if (host->isPresent_) host->set(false);  // the answer came from an earlier watcher
   host->call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner",
              g_variant_new("(s)", gnomeShell), "(s)", shellAnswered);
 }

@@ -9,30 +9,30 @@
 
 namespace keyvora::x11 {
 
-/// The panels that show status notifier items, as they come and go: whether the session bus has a watcher
-/// (org.kde.StatusNotifierWatcher) that knows a host. Nothing is asked while nothing changes, and nothing is
-/// started by asking. Main thread.
+/// Follows the panels that show status notifier items: whether the session bus has a watcher
+/// (org.kde.StatusNotifierWatcher) with a registered host. Does not poll, and its calls start no service.
+/// Main thread.
 class NotifierHost {
  public:
-  /// `onChange` runs when the first answer is there, and whenever it has changed or the watcher is another.
+  /// `onChange` runs when the first answer has come, and whenever the answer or the watcher has changed.
   explicit NotifierHost(std::function<void()> onChange);
   ~NotifierHost();
   NotifierHost(const NotifierHost&) = delete;
   NotifierHost& operator=(const NotifierHost&) = delete;
 
-  /// Whether the session bus has answered, or there is none.
+  /// Whether the first answer has come, or there is no session bus.
   [[nodiscard]] bool isKnown() const { return isKnown_; }
 
   /// Whether an item would be shown.
   [[nodiscard]] bool isPresent() const { return isPresent_; }
 
-  /// Whether it would be GNOME's shell that shows it.
+  /// Whether GNOME's shell would show it.
   [[nodiscard]] bool isGnome() const { return isGnome_; }
 
-  /// The session bus; null when there is none, or no more.
+  /// The session bus; null when there is none or it has ended.
   [[nodiscard]] GDBusConnection* bus() const { return bus_.get(); }
 
-  /// Asks the watcher to have the item of this bus name shown.
+  /// Registers the item of this bus name with the watcher.
   void registerItem(const std::string& name);
 
  private:

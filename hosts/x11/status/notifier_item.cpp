@@ -55,7 +55,7 @@ constexpr auto description = R"xml(
 </interface></node>
 )xml";
 
-/// In pixels: what panels have room for at the scales of 1 and 2.
+/// In pixels: the sizes that panels use at the scales 1 and 2.
 constexpr std::array iconSizes{16, 22, 24, 32, 48};
 
 constexpr auto sign = "⌥";
@@ -64,7 +64,7 @@ struct SurfaceDestroy {
   void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
 };
 
-/// Cairo's pixels as the protocol has them: big-endian ARGB whose colours are not multiplied by the alpha.
+/// Converts Cairo's pixels to the protocol's: big-endian ARGB without premultiplied alpha.
 std::vector<unsigned char> plainPixels(const unsigned char* data, int stride, int size) {
   std::vector<unsigned char> bytes;
   bytes.reserve(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * 4);
@@ -137,7 +137,7 @@ void NotifierItem::setDetails(const std::string& details) {
   object_.emit("NewToolTip", nullptr);
 }
 
-/// What the icon shows of the title.
+/// The part of the title that the icon shows.
 std::string NotifierItem::iconTitle() const {
   if (!manner_.hasLabel || label().empty()) return title_;
   return std::string(sign) + " ";

@@ -7,24 +7,24 @@
 
 namespace keyvora::x11 {
 
-/// The item as panels ask for it on the session bus (org.kde.StatusNotifierItem): icons drawn for each size,
-/// a tool tip with the whole text, names for assistive tools. Main thread.
+/// The item as panels read it on the session bus (org.kde.StatusNotifierItem): icons drawn for each size, a
+/// tool tip with the whole text, names for assistive tools. Main thread.
 class NotifierItem {
  public:
   static constexpr auto path = "/StatusNotifierItem";
 
-  /// How the panel that will show it is to be served.
+  /// Adaptations to the panel that will show it.
   struct Manner {
-    /// The letters go into a label beside the icon, which shows the sign alone.
+    /// The letters go into a label beside the icon, which shows only the sign.
     bool hasLabel = false;
-    /// Clicks open the panel's menu: the methods that would open another are not there.
+    /// Clicks open the panel's menu: the methods for another menu are not offered.
     bool panelOpensMenu = false;
   };
 
-  /// `openMenu` is called with a place on the screen when a click asks for the program's own menu.
+  /// `openMenu` is called with a position on the screen when a click asks for keyvora's own menu.
   NotifierItem(GDBusConnection* bus, Manner manner, std::function<void(int x, int y)> openMenu);
 
-  /// UTF-8. The same texts again send nothing.
+  /// UTF-8. Setting the same title again sends nothing.
   void setTitle(const std::string& title);
   void setDetails(const std::string& details);
 

@@ -73,7 +73,7 @@ GVariant* property(std::string_view name) {
   return nullptr;
 }
 
-/// A title as the protocol has it: an underscore by itself marks the letter after it.
+/// A title in the protocol's form: a single underscore would mark the letter after it as an access key.
 std::string labelOf(const std::string& title) {
   std::string label;
   for (const char c : text::validText(title)) {
@@ -184,7 +184,7 @@ GVariant* NotifierMenu::getGroupProperties(GVariant* parameters) const {
     g_variant_builder_add(&groups, "(i@a{sv})", identifier, propertiesOf(identifier));
   };
   const GVariantRef asked(g_variant_get_child_value(parameters, 0));
-  if (g_variant_n_children(asked.get()) == 0) {  // which means all
+  if (g_variant_n_children(asked.get()) == 0) {  // an empty list means all
     append(root);
     for (const auto& [identifier, row] : rows_) append(identifier);
   }
@@ -217,7 +217,7 @@ GVariant* NotifierMenu::eventGroup(GVariant* parameters) {
   return g_variant_new("(ai)", &unknown);
 }
 
-/// False for a row that is not there, or no more.
+/// False for a row that does not exist or was replaced.
 bool NotifierMenu::happened(int identifier, std::string_view what) {
   if (!isKnown(identifier)) return false;
   if (identifier == root) {

@@ -15,13 +15,13 @@ class NotifierMenu {
  public:
   static constexpr auto path = "/MenuBar";
 
-  /// `onTracking` hears when a panel has opened the menu and when that has ended; `run` runs a row's action
-  /// after the panel has had its answer.
+  /// `onTracking` is called when a panel has opened the menu and when it has closed it; `run` runs a row's
+  /// action after the panel has got its answer.
   NotifierMenu(GDBusConnection* bus, std::function<void(bool isOpen)> onTracking,
                std::function<void(std::function<void()> action)> run);
 
-  /// Replaces the rows, in an open menu as well. Rows get new identifiers each time: a choice from what was
-  /// there before chooses nothing.
+  /// Replaces the rows, also in an open menu. Rows get new identifiers each time, so that a click on a row
+  /// of the earlier menu does nothing.
   void setRows(const platform::Menu& menu);
 
  private:

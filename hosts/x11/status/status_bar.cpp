@@ -9,7 +9,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// The item of a program that runs where there is no display to show it on.
+/// The item of a program without a display.
 class UnseenItem final : public platform::StatusItem {
  public:
   [[nodiscard]] bool hasButton() const override { return false; }

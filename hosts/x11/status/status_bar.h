@@ -8,7 +8,7 @@ namespace keyvora::x11 {
 /// The desktop's panels as the status bar.
 class StatusBar final : public platform::StatusBar {
  public:
-  /// A desktop that starts may start its panel last: so long nothing is said.
+  /// The time before a missing panel is reported: a desktop may start its panel last.
   static constexpr platform::Seconds usualPatience{15.0};
 
   explicit StatusBar(MainLoop& loop, platform::Seconds patience = usualPatience)

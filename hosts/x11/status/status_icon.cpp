@@ -16,7 +16,7 @@ constexpr std::string_view sign = "⌥";
 constexpr double dark = 0.13;
 constexpr double light = 1;
 
-/// Wider than high as far as letters need it, where the slot is.
+/// The background is wider than high when letters need it and the slot has the width.
 constexpr double widestGround = 1.5;
 
 struct Box {
@@ -44,7 +44,7 @@ void traceRounded(cairo_t* context, const Box& box, double radius) {
   cairo_close_path(context);
 }
 
-/// The ground; a light one with an edge that is seen on light panels.
+/// Draws the background; a light one gets an edge to be visible on light panels.
 void drawGround(cairo_t* context, const Box& box, bool isLight) {
   const double radius = std::min(box.width, box.height) * 0.2;
   traceRounded(context, box, radius);
@@ -57,14 +57,14 @@ void drawGround(cairo_t* context, const Box& box, bool isLight) {
   cairo_fill(context);
 }
 
-/// The option sign as strokes: many fonts do not have it, and at these sizes none is hinted for it.
+/// Draws the option sign as strokes: many fonts lack it, and none is hinted for it at these sizes.
 void drawSign(cairo_t* context, const Box& ground, double gray) {
   const double side = std::min(ground.width, ground.height);
   const double stroke = std::max(2.0, std::round(side / 8));
   const double left = ground.x + std::round((ground.width - side * 0.7) / 2);
   const double right = ground.x + ground.width - (left - ground.x);
   const double width = right - left;
-  // The middles of the strokes lie so that their edges fall between pixels.
+  // Places the strokes so that their edges fall between pixels.
   const double top = ground.y + std::round(ground.height * 0.26) + stroke / 2;
   const double bottom = ground.y + ground.height - std::round(ground.height * 0.26) - stroke / 2;
   setGray(context, gray);
@@ -79,7 +79,7 @@ void drawSign(cairo_t* context, const Box& ground, double gray) {
   cairo_stroke(context);
 }
 
-/// How many letters can be read in a slot of this width.
+/// How many letters are legible in a slot of this width.
 std::size_t lettersFor(double width) {
   if (width < 20) return 2;
   if (width < 32) return 3;
@@ -93,7 +93,8 @@ std::string lastLetters(const std::string& text, std::size_t count) {
   return g_utf8_offset_to_pointer(text.c_str(), static_cast<glong>(skipped));
 }
 
-/// The letters, as large as they fit: first narrowed, and made lower only when that is not enough.
+/// Draws the letters as large as they fit: narrows them first, and reduces the height only if that is not
+/// enough.
 void drawLetters(cairo_t* context, const Box& room, const std::string& letters) {
   const GObjectRef<PangoLayout> layout(pango_cairo_create_layout(context));
   PangoFontDescription* font = pango_font_description_from_string("Sans Bold Condensed");
@@ -101,10 +102,10 @@ void drawLetters(cairo_t* context, const Box& room, const std::string& letters) 
   pango_layout_set_font_description(layout.get(), font);
   pango_font_description_free(font);
   cairo_font_options_t* options = cairo_font_options_create();
-  // Narrowed letters are off the grid that hints are made for.
+  // Narrowed letters do not fit the grid that hinting assumes.
   cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
   cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-  cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);  // the panel's pixels are not known
+  cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);  // the panel's subpixel order is unknown
   pango_cairo_context_set_font_options(pango_layout_get_context(layout.get()), options);
   cairo_font_options_destroy(options);
   pango_layout_set_single_paragraph_mode(layout.get(), TRUE);
@@ -115,7 +116,7 @@ void drawLetters(cairo_t* context, const Box& room, const std::string& letters) 
   if (ink.width <= 0 || ink.height <= 0) return;
   const double inkWidth = static_cast<double>(ink.width) / PANGO_SCALE;
   const double inkHeight = static_cast<double>(ink.height) / PANGO_SCALE;
-  constexpr double narrowest = 0.55;  // of its natural width a letter can still be told from others
+  constexpr double narrowest = 0.55;  // letters are legible down to this part of their width
   const double down = std::min(room.height / inkHeight, room.width / (inkWidth * narrowest));
   const double across = std::min(down, room.width / inkWidth);
 

@@ -36,9 +36,9 @@ void StatusItem::setMenu(platform::Menu menu) {
   if (notifier_) notifier_->setMenu(menu_);
 }
 
-/// Shows the item in what is there now.
+/// Shows the item in the panel that is present now.
 void StatusItem::show() {
-  if (!host_.isKnown()) return;  // the tray waits for the answer: the item must not appear in both
+  if (!host_.isKnown()) return;  // wait for the answer, so that the item never appears in both
   notifier_.reset();
   if (host_.isPresent()) {
     plug_.reset();
@@ -68,7 +68,7 @@ void StatusItem::awaitPanel() {
 }
 
 void StatusItem::openMenuAt(int x, int y) {
-  // The panel first gets its answer: it may hold the mouse until then.
+  // Later, because the panel may keep the mouse grabbed until it has got its answer.
   opening_ = loop_.schedule({}, false, platform::TimerMode::commonModes, [this, x, y] {
     if (!openToolkit()) return;
     openMenu([x, y](StatusMenu& menu) { return menu.openAt(x, y); });
@@ -87,7 +87,7 @@ void StatusItem::openMenu(const std::function<bool(StatusMenu&)>& open) {
 
 void StatusItem::menuClosed() {
   loop_.endTracking();
-  // Its command is still to come, in this pass of the loop.
+  // The menu's command still follows in this pass of the loop.
   release_ = loop_.schedule({}, false, platform::TimerMode::commonModes, [this] {
     if (open_ && !open_->isOpen()) open_.reset();
   });

@@ -15,13 +15,13 @@
 
 namespace keyvora::x11 {
 
-/// A title where the desktop shows it: as a status notifier item where a panel for those is, in the system
-/// tray otherwise, never in both. It follows panels that come, go and start anew; while there is none it
-/// exists and shows nowhere. Main thread; needs a display.
+/// The item as the desktop shows it: as a status notifier item if a panel for those is present, else in the
+/// system tray, never in both. Follows panels that start and end; while there is none, the item exists and
+/// is not visible. Main thread; needs a display.
 class StatusItem final : public platform::StatusItem {
  public:
-  /// `onUnseen` runs, once in its life, when for `patience` nothing was there to show the item: a desktop
-  /// that starts may start its panel last.
+  /// `onUnseen` runs at most once, when nothing could show the item for `patience`: a desktop may start its
+  /// panel last.
   StatusItem(MainLoop& loop, platform::Seconds patience, std::function<void()> onUnseen);
   ~StatusItem() override;
   StatusItem(const StatusItem&) = delete;
@@ -30,8 +30,8 @@ class StatusItem final : public platform::StatusItem {
   [[nodiscard]] bool hasButton() const override { return true; }
   void setTitle(std::string_view title) override;
 
-  /// A menu of ours that is open stays as it is until it closes; the new one opens after that. One that a
-  /// panel has opened follows.
+  /// keyvora's own menu keeps its rows while it is open; the new ones show at the next opening. A menu
+  /// opened by a panel changes at once.
   void setMenu(platform::Menu menu) override;
 
  private:
@@ -49,10 +49,10 @@ class StatusItem final : public platform::StatusItem {
   platform::Menu menu_;
   Tray tray_;
   NotifierHost host_;
-  /// What shows it; both null while nothing does.
+  /// The two ways of showing it; both null while there is no panel.
   std::unique_ptr<Notifier> notifier_;
   std::unique_ptr<TrayPlug> plug_;
-  /// Our own menu, from its opening until its command has run.
+  /// keyvora's own menu, from its opening until its command has run.
   std::unique_ptr<StatusMenu> open_;
   std::unique_ptr<platform::Timer> release_;
   std::unique_ptr<platform::Timer> unseen_;

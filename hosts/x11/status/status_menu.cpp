@@ -13,11 +13,11 @@ namespace {
 
 using Command = std::function<void()>;
 
-/// A long line of information wraps rather than running off the screen.
+/// Longer information lines wrap, so that they fit on the screen.
 constexpr int longestLine = 60;
 
-/// The letter that a key types on the user's layout; on a layout of another script, the one that it types on
-/// the next layout that has Latin letters.
+/// The letter that a key types in the user's layout; in a layout of another script, its letter in the next
+/// layout with Latin letters.
 std::optional<char> letterOf(const GdkEventKey& event) {
   const auto latin = [](guint keyval) -> std::optional<char> {
     const guint lower = gdk_keyval_to_lower(keyval);
@@ -25,7 +25,7 @@ std::optional<char> letterOf(const GdkEventKey& event) {
     return static_cast<char>(lower);
   };
   if (const auto letter = latin(event.keyval)) return letter;
-  if (gdk_keyval_to_unicode(event.keyval) == 0) return std::nullopt;  // no key that types
+  if (gdk_keyval_to_unicode(event.keyval) == 0) return std::nullopt;  // a key without a character
 
   guint* keyvals = nullptr;
   gint count = 0;
@@ -100,8 +100,9 @@ bool StatusMenu::openAt(int x, int y) {
   const int scale = gdk_window_get_scale_factor(root);
   const GdkRectangle place{x / scale, y / scale, 1, 1};
 
-  // The menu takes hold of the device that an event came from. The panel had that event: one of its kind
-  // stands in. Its time is now: asking the server for it would wait on the panel.
+  // GTK grabs the device of the event that opens the menu. The panel received that event, so an event of
+  // the same kind is made. It gets the current time, because querying the server's time would wait for the
+  // panel.
   GdkEvent* event = gdk_event_new(GDK_BUTTON_RELEASE);
   event->button.window = GDK_WINDOW(g_object_ref(root));
   event->button.time = GDK_CURRENT_TIME;

@@ -9,22 +9,22 @@
 
 namespace keyvora::x11 {
 
-/// A menu as it is open: a GtkMenu made of the rows. Key letters choose their row with Control, our Command,
-/// or by themselves, while it is open. Main thread; needs a display.
+/// An open menu: a GtkMenu built from the rows. While it is open, a row's key letter chooses the row, with
+/// Control (which is Command here) or alone. Main thread; needs a display.
 class StatusMenu {
  public:
-  /// `onClose` runs when the menu has closed, before the command that was chosen, if any; it may destroy
-  /// this object in a later pass of the loop, not at once.
+  /// `onClose` runs when the menu has closed, before the chosen command, if any. It may destroy this object
+  /// in a later pass of the loop, but not at once.
   StatusMenu(const platform::Menu& menu, std::function<void()> onClose);
   ~StatusMenu();
   StatusMenu(const StatusMenu&) = delete;
   StatusMenu& operator=(const StatusMenu&) = delete;
 
-  /// Opens the menu at the widget; `event` is what the user did, null when an assistive tool did it. False
-  /// when it could not be opened.
+  /// Opens the menu at the widget; `event` is the user's event, null when an assistive tool opened it.
+  /// False when it could not be opened.
   bool open(GtkWidget* widget, const GdkEvent* event);
 
-  /// Opens the menu at a place of the screen, in its pixels, for a click that came from elsewhere.
+  /// Opens the menu at a position on the screen, in pixels, for a click in another program's window.
   bool openAt(int x, int y);
 
   [[nodiscard]] bool isOpen() const;

@@ -20,7 +20,7 @@ Tray::Tray(MainLoop& loop, std::function<void()> onChange)
   if (!connection_) return;
   auto* display = connection_->get();
   selection_ = connection_->atom(("_NET_SYSTEM_TRAY_S" + std::to_string(DefaultScreen(display))).c_str());
-  XSelectInput(display, connection_->root(), StructureNotifyMask);  // where a new tray announces itself
+  XSelectInput(display, connection_->root(), StructureNotifyMask);  // a new tray announces itself there
   findOwner();
   events_.emplace(connection_->fileDescriptor(), ordinaryPriority, [this] { readEvents(); });
   readSoon();
@@ -40,7 +40,7 @@ void Tray::readEvents() {
   onChange_();
 }
 
-/// What arrived with the answer to a request no longer makes the connection readable.
+/// An event read together with the answer to a request does not make the connection readable again.
 void Tray::readSoon() {
   reading_ = loop_.schedule({}, false, platform::TimerMode::commonModes, [this] { readEvents(); });
 }
@@ -53,7 +53,7 @@ bool Tray::concerns(const XEvent& event) const {
   return appeared || gone;
 }
 
-/// Looks for the owner and listens for its end, with the server held so that it cannot end in between.
+/// Finds the owner and selects its destruction, with the server grabbed so that it cannot end in between.
 void Tray::findOwner() {
   auto* display = connection_->get();
   XGrabServer(display);

@@ -12,11 +12,11 @@
 
 namespace keyvora::x11 {
 
-/// The system tray of the default X screen, as it comes and goes: the owner of the manager selection
+/// Follows the system tray of the default X screen: the owner of the manager selection
 /// `_NET_SYSTEM_TRAY_S<n>` (freedesktop.org's System Tray Protocol). Main thread.
 class Tray {
  public:
-  /// `onChange` runs when a tray has appeared or the present one has gone.
+  /// `onChange` runs when a tray has appeared or the present one has ended.
   Tray(MainLoop& loop, std::function<void()> onChange);
   Tray(const Tray&) = delete;
   Tray& operator=(const Tray&) = delete;
@@ -24,10 +24,10 @@ class Tray {
   /// Whether there is one.
   [[nodiscard]] bool isPresent() const { return owner_ != None; }
 
-  /// The visual that the tray asks its icons to use; none when it does not say.
+  /// The visual that the tray requests for its icons; none when it requests none.
   [[nodiscard]] std::optional<VisualID> visual();
 
-  /// Asks the tray to take this window in.
+  /// Asks the tray to embed this window.
   void dock(Window window);
 
  private:
@@ -38,7 +38,7 @@ class Tray {
 
   MainLoop& loop_;
   std::function<void()> onChange_;
-  /// Null where the display takes no more connections: there is no tray then.
+  /// Null when the display refuses another connection; then there is no tray.
   std::unique_ptr<Connection> connection_;
   Atom selection_ = None;
   Window owner_ = None;

@@ -6,7 +6,7 @@ namespace keyvora::x11 {
 namespace {
 
 struct Advice {
-  /// As it appears in XDG_CURRENT_DESKTOP, which may list several between colons.
+  /// The name in XDG_CURRENT_DESKTOP, which may list several, separated by colons.
   std::string_view desktop;
   std::string_view whatToDo;
 };

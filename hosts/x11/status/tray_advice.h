@@ -5,8 +5,8 @@
 
 namespace keyvora::x11 {
 
-/// The line for the log on a desktop that shows no status items: that there is no tray, and what to install
-/// or switch on. `currentDesktop` is the value of XDG_CURRENT_DESKTOP.
+/// The log line for a desktop that shows no status items: that there is no tray, and what to install or
+/// enable. `currentDesktop` is the value of XDG_CURRENT_DESKTOP.
 std::string noTrayAdvice(std::string_view currentDesktop);
 
 }  // namespace keyvora::x11

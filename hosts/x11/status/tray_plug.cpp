@@ -13,8 +13,8 @@
 namespace keyvora::x11 {
 namespace {
 
-/// The text stands on a ground of its own, so that it can be read on light trays and on dark ones. Nothing
-/// moves: an animation would keep the program awake.
+/// The text has its own background, so that it is legible in light and dark trays. No animations: they
+/// would keep the process awake.
 constexpr auto style = R"css(
   .keyvora-tray { background: transparent; }
   .keyvora-tray.opaque { background: #2e3436; }
@@ -45,8 +45,7 @@ GdkVisual* transparentVisual(Tray& tray) {
   return visual;
 }
 
-/// How much of the window is seen: a tray that has less room than was asked for may give a smaller window
-/// around it.
+/// The visible part of the window: a tray with less room than requested may put it into a smaller window.
 std::pair<int, int> visibleSize(GdkWindow* window) {
   int width = gdk_window_get_width(window);
   int height = gdk_window_get_height(window);
@@ -92,7 +91,7 @@ void TrayPlug::make(Tray& tray) {
   gtk_widget_set_can_focus(button_, FALSE);
   gtk_container_add(GTK_CONTAINER(plug_), button_);
 
-  // A press opens the menu as menus open everywhere; a click without one is an assistive tool's.
+  // A press opens the menu, as usual; a click without a press comes from an assistive tool.
   const auto pressed = +[](GtkWidget*, GdkEvent* event, TrayPlug* self) -> gboolean {
     self->onPress_(event);
     return GDK_EVENT_STOP;
@@ -109,7 +108,7 @@ void TrayPlug::make(Tray& tray) {
 
   setTitle(title_);
   gtk_widget_realize(plug_);
-  // When its tray goes, a window falls back to the root; a window manager is to leave it alone there.
+  // When its tray ends, the window becomes a child of the root; window managers must ignore it there.
   gdk_window_set_override_redirect(gtk_widget_get_window(plug_), TRUE);
   gtk_widget_show_all(plug_);
   tray.dock(gtk_plug_get_id(GTK_PLUG(plug_)));
@@ -123,14 +122,14 @@ void TrayPlug::setTitle(const std::string& title) {
   gtk_widget_queue_draw(button_);
 }
 
-/// Draws the icon when the slot has no room for the text; false when it has.
+/// Draws the icon if the slot has no room for the text; false if it has.
 bool TrayPlug::drawNarrow(cairo_t* context) const {
   const auto [width, height] = visibleSize(gtk_widget_get_window(plug_));
   int needed = 0;
   gtk_widget_get_preferred_width(button_, &needed, nullptr);
   if (width >= needed) return false;
   cairo_save(context);
-  // A widget that was given less than it needs may lie outside its window.
+  // A widget that got less room than it needs may lie partly outside its window.
   int left = 0;
   int top = 0;
   gtk_widget_translate_coordinates(button_, plug_, 0, 0, &left, &top);

@@ -9,8 +9,8 @@
 
 namespace keyvora::x11 {
 
-/// The item in an X system tray: a button in a GtkPlug that the tray takes in by the XEmbed protocol. It asks
-/// for room for its text; in a slot that is narrower it draws the icon instead. Main thread.
+/// The item in an X system tray: a button in a GtkPlug, embedded by the tray with the XEmbed protocol.
+/// Requests room for its text; in a narrower slot it draws the icon instead. Main thread.
 class TrayPlug {
  public:
   /// `onPress` runs when the button is pressed; the event is null when an assistive tool pressed it.
@@ -22,7 +22,8 @@ class TrayPlug {
   /// UTF-8.
   void setTitle(const std::string& title);
 
-  /// What a menu opens at; null when the tray took the item away, or the toolkit could not be opened.
+  /// The widget at which a menu opens; null when the tray removed the item or the toolkit could not be
+  /// opened.
   [[nodiscard]] GtkWidget* button() const { return button_; }
 
  private:

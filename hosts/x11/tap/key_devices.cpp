@@ -11,7 +11,7 @@ struct FreeDevices {
   void operator()(XIDeviceInfo* devices) const { XIFreeDeviceInfo(devices); }
 };
 
-/// The server marks XTEST's devices with this property.
+/// The server sets this property on XTEST's devices.
 bool isXTest(Display* display, int device) {
   const Atom mark = XInternAtom(display, "XTEST Device", True);
   if (mark == None) return false;
@@ -36,8 +36,7 @@ std::optional<KeyDevices> findKeyDevices(Display* display) {
   const std::unique_ptr<XIDeviceInfo, FreeDevices> owned(XIQueryDevice(display, XIAllDevices, &count));
   if (!owned) return std::nullopt;
   KeyDevices found;
-  for (int i = count - 1; i >= 0;
-       --i) {  // the first master is the one that windows listen to unless told otherwise
+  for (int i = count - 1; i >= 0; --i) {  // windows receive the first master's events by default
     const auto& device = owned.get()[i];
     if (device.use == XIMasterKeyboard) found.master = device.deviceid;
   }

@@ -6,9 +6,9 @@
 
 namespace keyvora::x11 {
 
-/// The devices that the tap is about, by their XInput numbers.
+/// The devices that the tap uses, by their XInput numbers.
 struct KeyDevices {
-  /// The keyboard that the user's windows listen to.
+  /// The master keyboard that windows receive events from.
   int master = 0;
   /// The slave of that master through which XTEST injects keys.
   int xtest = 0;

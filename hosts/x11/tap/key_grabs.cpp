@@ -14,7 +14,7 @@
 namespace keyvora::x11 {
 
 bool KeyGrabs::apply(Extent extent, const std::vector<Window>& windows, const KeyMap& keys) {
-  // Letting go of every key also lets go of the Option keys: a window whose keys change starts afresh.
+  // Ungrabbing every key also ungrabs the Option keys, so a window whose keys change is grabbed anew.
   const bool sameKeys = extent == extent_ && keys.optionKeycodes() == optionKeycodes_;
   const auto before = std::exchange(windows_, windows);
   extent_ = extent;
@@ -59,7 +59,8 @@ void KeyGrabs::stopRepeating(unsigned keycode) {
     return;
   auto& repeats = controls.ctrls->per_key_repeat[keycode / 8];
   const auto asTheUserHasThem = repeats;
-  // Telling the server that the key does not repeat stops it; at its next press it repeats again.
+  // Disabling the key's repetition in the server ends the present one; enabled again, it applies from the
+  // next press.
   repeats = static_cast<unsigned char>(repeats & ~(1U << keycode % 8));
   XkbSetControls(display_, XkbPerKeyRepeatMask, &controls);
   repeats = asTheUserHasThem;
@@ -81,7 +82,7 @@ bool KeyGrabs::grab(Window window, int keycode) const {
   XISetMask(bits.data(), XI_KeyRelease);
   XIEventMask mask{.deviceid = master_, .mask_len = int(bits.size()), .mask = bits.data()};
   XIGrabModifiers modifiers{.modifiers = int(XIAnyModifier), .status = 0};
-  // A number of failures, or nothing to speak of when the window is gone.
+  // The number of failed grabs; also 0 when the window was closed.
   const int failed = XIGrabKeycode(display_, master_, keycode, window, XIGrabModeSync, XIGrabModeAsync, False,
                                    &mask, 1, &modifiers);
   return failed <= 0;

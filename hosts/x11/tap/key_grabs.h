@@ -10,9 +10,9 @@ namespace keyvora::x11 {
 
 class KeyMap;
 
-/// The passive grabs on the target's windows. A grabbed key press freezes the keyboard and comes to the tap
-/// alone; `replay` sends it on to its window and `swallow` drops it, and both let the keyboard go. Used by
-/// the thread that has the connection.
+/// The passive grabs on the target's windows. A grabbed key press freezes the keyboard and is delivered to
+/// the tap only; `replay` sends it on to its window, `swallow` drops it, and both thaw the keyboard. Used
+/// by the thread that has the connection.
 class KeyGrabs {
  public:
   /// Which keys are grabbed.
@@ -20,20 +20,20 @@ class KeyGrabs {
 
   KeyGrabs(Display* display, int masterKeyboard) : display_(display), master_(masterKeyboard) {}
 
-  /// Grabs these keys, and no others, on these windows, and on no others. False when another client has
-  /// grabbed some of them. What stays grabbed is not let go in between; on a change of extent it is, so that
-  /// wants a frozen keyboard if no key may slip through.
+  /// Makes the set of grabs exactly these keys on these windows. False when another client has grabbed some
+  /// of them. Existing grabs that stay are not released in between. A change of extent does release them,
+  /// so call it with the keyboard frozen if no key may be missed.
   bool apply(Extent extent, const std::vector<Window>& windows, const KeyMap& keys);
 
   [[nodiscard]] Extent extent() const { return extent_; }
   [[nodiscard]] const std::vector<Window>& windows() const { return windows_; }
 
-  /// Whether presses of this key, by the display's number, are grabbed.
+  /// Whether presses of this keycode are grabbed.
   [[nodiscard]] bool cover(unsigned keycode) const;
 
-  /// Ends the automatic repetition of a key that stays held back. The server goes on repeating a key whose
-  /// release it had queued already when it processed the press, and would never stop once the queue is let
-  /// go.
+  /// Ends the automatic repetition of a held key. If the key's release was already queued in the server
+  /// when it processed the press, the server would go on repeating it, and not stop after the queue is
+  /// released.
   void stopRepeating(unsigned keycode);
 
   void replay(Time time);

@@ -25,7 +25,7 @@ void KeyReader::attend() {
 }
 
 void KeyReader::rest() {
-  // What is down now would not be known to have been released, and a modifier is a flag of all that follows.
+  // Not while a modifier is down: its release would be missed, and its flag would stay in all later events.
   if (!attentive_ || undecided_ || isModifierDown() || own_.areOutstanding()) return;
   attentive_ = false;
   select(false);
@@ -81,7 +81,7 @@ void KeyReader::notice(const XGenericEventCookie& cookie) {
     return;
   }
   if (cookie.evtype != XI_RawKeyPress && cookie.evtype != XI_RawKeyRelease) return;
-  if (!attentive_) return;  // on its way since before
+  if (!attentive_) return;  // sent before the events were deselected
   const auto& raw = *static_cast<const XIRawEvent*>(cookie.data);
   own_.reached(cookie.serial);
   if (raw.deviceid == devices_.xtest) own_.onDevice(cookie.serial, rawKey(raw));
@@ -99,7 +99,7 @@ void KeyReader::groupChanged(const GroupChange& change) {
   if (isOptionDown()) optionWasNotAlone_ = true;
 }
 
-/// A key that changes the group by being pressed may show that before the press itself.
+/// A key whose press changes the group may report that change before the press.
 void KeyReader::optionPressed(unsigned keycode, Time time) {
   const bool changedGroup = lastGroupChange_.keycode == keycode && lastGroupChange_.time == time;
   if (changedGroup || keys_.stickyKeys()) optionWasNotAlone_ = true;
@@ -172,7 +172,7 @@ platform::KeyEvent KeyReader::changed(unsigned keycode, bool down, OwnMark mark)
     if (key_code::isOption(meanings_[keycode].keyCode) && !isOptionDown()) optionWasNotAlone_ = false;
   }
   down_[keycode] = down;
-  // Modifiers that the program presses are flags of its own events, and none of the user's.
+  // Modifiers pressed by the program are flags of its own events only, not of the user's.
   if (mark == OwnMark{} && down) modifiers_.press(keycode, meanings_[keycode].flag);
   if (mark == OwnMark{} && !down) modifiers_.release(keycode);
   auto made = event(keycode, down);

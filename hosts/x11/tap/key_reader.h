@@ -16,70 +16,70 @@
 
 namespace keyvora::x11 {
 
-/// A key event, and what the server holds back for it.
+/// A key event, and how the server holds it.
 struct ReadKey {
   platform::KeyEvent event{};
-  /// When the grab began that holds the keyboard until `KeyGrabs` lets it go; none for an event that is on
-  /// its way to its window already.
+  /// When the grab that freezes the keyboard began; none for an event that goes to its window anyway.
   std::optional<Time> heldSince = std::nullopt;
-  /// The window whose grab it is that holds the keyboard.
+  /// The window of the grab that freezes the keyboard.
   Window window = None;
-  /// The display's number for the key.
+  /// The X keycode.
   unsigned keycode = 0;
-  /// Made by the server because the key stays down.
+  /// Made by the server's automatic repetition.
   bool repeated = false;
 };
 
-/// What a reader needs to know, and whom it tells.
+/// The reader's listener, which also answers its question about grabs.
 class KeyListener {
  public:
   virtual ~KeyListener() = default;
 
-  /// Whether a grab is in place that can catch this key, by the display's number.
+  /// Whether a grab that can catch this keycode is active.
   [[nodiscard]] virtual bool mayBeHeld(unsigned keycode) const = 0;
 
   virtual void keyRead(const ReadKey& key) = 0;
 };
 
-/// Makes key events of what the server reports about the keyboard.
+/// Converts the server's keyboard events to key events.
 ///
-/// The reader has two states. At rest it receives only the presses that a grab holds back; ordinary typing
-/// does not reach this process at all. The first such press makes it attentive. An attentive reader receives
-/// every press and release as a raw event of the master keyboard, in the order in which windows see them. A
-/// press that a grab holds back is followed at once by the grab's own event. A repeated press has no raw
-/// event, only the grab's. A release without a press before it is ignored.
+/// The reader has two states. At rest it receives only key presses caught by a grab, so ordinary typing
+/// does not reach this process. The first such press makes it attentive. An attentive reader receives every
+/// press and release as a raw event of the master keyboard, in the order in which windows get them. For a
+/// press caught by a grab, the grab's own event follows its raw event. A repeated press has no raw event,
+/// only the grab's. A release without an earlier press is ignored.
 ///
-/// Events that no grab held back have the key code `key_code::none`: keys typed in another window, or while
-/// the application has a grab of its own, for example while its menu is open. Such an event counts neither as
-/// a letter nor as an Option tap, since it could not have been swallowed.
+/// Events that no grab caught have the key code `key_code::none`: keys typed in another window, or while
+/// the application has a grab of its own, for example for an open menu. They count neither as letters nor
+/// as Option taps, since they could not have been swallowed.
 class KeyReader {
  public:
-  /// Rests. The map and the listener must outlive the reader.
+  /// Starts at rest. The map and the listener must outlive the reader.
   KeyReader(Display* display, KeyDevices devices, const KeyMap& keys, KeyListener& listener)
       : display_(display), devices_(devices), keys_(keys), listener_(listener) {}
 
-  /// Asks the server for the raw events, unless that is done.
+  /// Selects raw events, unless they are selected already.
   void attend();
 
-  /// Asks for no raw events any more, unless a modifier key is down or an injected event is still to come.
+  /// Deselects raw events, unless a modifier key is down or an injected event is still expected.
   void rest();
 
-  /// Asks the server which keys are down, and forgets what was known of them.
+  /// Reads from the server which keys are down, and drops the earlier state.
   void resynchronise();
 
-  /// Looks at an XInput event whose data was fetched.
+  /// Handles an XInput event whose data was fetched.
   void notice(const XGenericEventCookie& cookie);
 
-  /// The keyboard's layout was changed to another of its groups.
+  /// The keyboard changed to another group of its layout.
   void groupChanged(const GroupChange& change);
 
-  /// Whether a press was read that a grab may be holding: the server says so next, or never.
+  /// Whether the last press may still turn out to be caught by a grab. The server reports that next, or not
+  /// at all.
   [[nodiscard]] bool isUndecided() const { return undecided_.has_value(); }
 
-  /// All that the server had to say is read: no grab holds the press.
+  /// All events of the server were read: no grab caught the press.
   void decide();
 
-  /// Injects a key with XTEST and knows it again by this mark. Makes the reader attentive.
+  /// Injects a key with XTEST and recognises its event, which gets this mark. Makes the reader attentive.
   void inject(KeyCode key, bool down, OwnMark mark);
 
  private:
@@ -108,10 +108,11 @@ class KeyReader {
   OwnEvents own_;
   ModifierState modifiers_;
   std::bitset<256> down_;
-  /// What the keys that are down meant when they went down.
+  /// The meaning of each key that is down, from when it went down.
   std::array<KeyMeaning, 256> meanings_{};
   GroupChange lastGroupChange_;
-  /// Something besides keys happened while Option was down, which the handler has to learn before it is up.
+  /// Something other than a key happened while Option was down. The handler must learn that before Option
+  /// goes up.
   bool optionWasNotAlone_ = false;
   std::bitset<256> wasHeld_;
   std::optional<Press> undecided_;

@@ -1,4 +1,4 @@
-// The tap's program: `keyvora-tap [DISPLAY]`, started by keyvora with one end of a pair of sockets as file 3.
+// The tap's program: `keyvora-tap [DISPLAY]`, started by keyvora with one end of a socket pair as file 3.
 
 #include <X11/Xlib.h>
 #include <poll.h>
@@ -15,8 +15,8 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Of all that a terminal, a session or a user sends, nothing ends or stops this program: with the keyboard
-/// in hand it has to let go first, and it does when its owner ends.
+/// Ignores the signals of terminals, sessions and users: while keys are grabbed, the program must first
+/// release them, and it does that when its owner ends.
 void ignoreSignals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -27,7 +27,7 @@ void ignoreSignals() {
   sigprocmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
-/// Keys pass through Xlib's memory, too: nothing of this process goes into a core dump.
+/// Xlib's buffers contain keys too, so core dumps leave out all memory of this process.
 void keepOutOfCoreDumps() {
   std::ofstream("/proc/self/coredump_filter") << "0\n";
 }
@@ -38,8 +38,8 @@ bool isPair(int file) {
   return getsockopt(file, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET;
 }
 
-/// The owner has lost the display as well. It says so, and is to find that out by itself and not by the end
-/// of its tap.
+/// The owner has lost the display too and reports it. It must notice that itself, and not by the end of its
+/// tap.
 [[noreturn]] int endWithTheDisplay(Display* /*display*/) {
   constexpr int limitMilliseconds = 1000;
   pollfd end{tapSocket, POLLRDHUP, 0};

@@ -7,7 +7,8 @@
 
 namespace keyvora::x11 {
 
-/// What an event that this program injected carries, and the server does not; all zero for others' events.
+/// The data of an event that this program injected; the server does not carry it. All zero for other
+/// events.
 struct OwnMark {
   std::int64_t userData = 0;
   std::uint64_t flags = 0;
@@ -15,28 +16,28 @@ struct OwnMark {
   friend bool operator==(const OwnMark&, const OwnMark&) = default;
 };
 
-/// A press or release of a key on one device. The server copies it to the master keyboard with its time, be
-/// it later when the keyboard was held back in between.
+/// A press or release of a key on one device. The server copies it to the master keyboard with the same
+/// time, possibly later if the keyboard was frozen in between.
 struct RawKey {
   unsigned keycode = 0;
   bool down = false;
-  /// The server's, in milliseconds.
+  /// The server's time in milliseconds.
   unsigned long time = 0;
 
   friend bool operator==(const RawKey&, const RawKey&) = default;
 };
 
-/// Tells the key events that this connection injected from those that others did. XTEST has one keyboard
-/// device for all clients, so the device alone does not say. What says it is the serial number: an event that
-/// the server makes while it carries out our request bears that request's number. Such an event first appears
+/// Distinguishes key events that this connection injected from those of other clients. All clients share
+/// one XTEST keyboard, so the device is not enough. The serial number is: an event that the server makes
+/// while it processes a request of this connection has that request's number. Such an event appears first
 /// as a raw event of the device, at once, and again as one of the master keyboard, in the same order.
 class OwnEvents {
  public:
-  /// The next request, of this serial number, injects a key event with this mark.
+  /// The next request, with this serial number, injects a key event with this mark.
   void expect(unsigned long serial, OwnMark mark) { expected_.push_back({serial, mark}); }
 
-  /// The server has carried out what came before this request. One for a key that was down already made no
-  /// event.
+  /// The server has processed all requests before this one. An injected press of a key that was already
+  /// down made no event.
   void reached(unsigned long serial) {
     while (!expected_.empty() && expected_.front().serial < serial) expected_.pop_front();
   }
@@ -47,27 +48,27 @@ class OwnEvents {
     OwnMark mark;
     if (!expected_.empty() && expected_.front().serial == serial) {
       mark = expected_.front().mark;
-      expected_.pop_front();  // of several events with one number only the first was made by the request
+      expected_.pop_front();  // of several events with this number, only the first was made by the request
     }
     onTheirWay_.push_back({key, mark});
   }
 
-  /// A raw event of the master keyboard that comes from XTEST's device.
+  /// A raw event of the master keyboard whose source is XTEST's device.
   OwnMark onMaster(const RawKey& key) {
     const auto found = std::ranges::find(onTheirWay_, key, &OnItsWay::key);
-    if (found == onTheirWay_.end()) return {};  // made before raw events were listened to
+    if (found == onTheirWay_.end()) return {};  // made before raw events were selected
     const auto mark = found->mark;
     onTheirWay_.erase(onTheirWay_.begin(), std::next(found));
     return mark;
   }
 
-  /// Whether an event of our own is still to come.
+  /// Whether an injected event is still expected.
   [[nodiscard]] bool areOutstanding() const {
     const auto isOurs = [](const OnItsWay& event) { return event.mark != OwnMark{}; };
     return !expected_.empty() || std::ranges::any_of(onTheirWay_, isOurs);
   }
 
-  /// Forgets the events that others made.
+  /// Drops the events of other clients.
   void clear() { onTheirWay_.clear(); }
 
  private:

@@ -18,15 +18,15 @@ namespace {
 using platform::Verdict;
 namespace event_type = platform::event_type;
 
-/// Well before a key begins to repeat, which takes 200 ms at the very least, and long for a verdict.
+/// Shorter than the shortest delay before a key repeats, 200 ms, and long for a verdict.
 constexpr std::chrono::milliseconds longestRepeating{100};
 
 bool hasKeyExtensions(Display* display) {
   int unused = 0;
   int major = XkbMajorVersion;
   int minor = XkbMinorVersion;
-  // XTEST is asked for in any case before the first injection: Xlib would do it in the midst of that one and
-  // shift its serial number.
+  // Queries XTEST before the first injection: otherwise Xlib would do it inside that injection, and its
+  // serial number would be wrong.
   return XTestQueryExtension(display, &unused, &unused, &unused, &unused) &&
          XkbQueryExtension(display, &unused, &unused, &unused, &major, &minor);
 }
@@ -62,7 +62,7 @@ Tap::~Tap() {
   XSync(connection_->get(), False);
 }
 
-/// Makes this the session's only tap, if the target's keys can be had.
+/// Makes this the session's only tap, if the target's keys can be grabbed.
 bool Tap::claim() {
   if (!claimTap(*connection_)) return false;
 
@@ -97,7 +97,7 @@ void Tap::heedOwner() {
 void Tap::enable() {
   if (!enabled_) {
     enabled_ = true;
-    reader_.resynchronise();  // the owner was not told of what was read while the tap was off
+    reader_.resynchronise();  // the owner did not get the events read while the tap was off
     follow(mayBeArmed_ ? KeyGrabs::Extent::everyKey : KeyGrabs::Extent::option);
     XSync(connection_->get(), False);
   }
@@ -111,8 +111,8 @@ void Tap::readEvents() {
     XNextEvent(display, &event);
     notice(event);
     if (!reader_.isUndecided() || XPending(display) > 0) continue;
-    // The server reports a press and the grab that holds it in one go, so once it has answered, either the
-    // grab's event is here or there is none.
+    // The server sends a press and the event of the grab that caught it together. So after this round trip
+    // either the grab's event has arrived or no grab caught the press.
     XSync(display, False);
     if (XPending(display) == 0) reader_.decide();
   }
@@ -164,8 +164,7 @@ void Tap::letGo(Verdict verdict) {
   if (verdict == Verdict::swallow) {
     swallowed_.set(key.keycode);
     grabs_.swallow(*key.heldSince);
-    // For as long as it is down: what the owner swallowed once must not begin to write into the window when
-    // the owner waits for letters no more.
+    // While the key stays down: its repetitions must not reach the window after the sequence has ended.
     if (mayRepeat) grabs_.stopRepeating(key.keycode);
   } else {
     if (enabled_ && key_code::isOption(key.event.keyCode) && key.event.userData == 0) {
@@ -179,7 +178,7 @@ void Tap::letGo(Verdict verdict) {
   XSync(connection_->get(), False);
 }
 
-/// Listens less where the handler lets this event pass, or could not do otherwise.
+/// Reduces the grabs after an event that the handler let pass, or could not have swallowed.
 void Tap::passed(const platform::KeyEvent& event) {
   const bool withOption = (event.flags & platform::event_flag::option) != 0;
   const bool isOwn = event.userData != 0;
@@ -198,10 +197,10 @@ void Tap::keepTime(Clock::time_point now) {
   if (!owner_.expire(now)) return;
   enabled_ = false;
   mayBeArmed_ = true;
-  // The grabs first: a key that waits behind the one that is let go would be caught by them.
+  // Ungrab first: otherwise the grabs would catch the keys that follow the released one.
   grabs_.apply(KeyGrabs::Extent::none, {}, keys_);
   letGo(Verdict::pass);
-  reader_.rest();  // what is typed until the tap is enabled again is nobody's business here
+  reader_.rest();  // while the tap is off, keys need not be read
   XSync(connection_->get(), False);
 }
 

@@ -15,50 +15,49 @@
 
 namespace keyvora::x11 {
 
-/// What the tap's program does, on its one thread and connection. It decides nothing: it carries key events
-/// to its owner, waits for verdicts while the server holds the keyboard, and lets go when one takes too long.
-/// Only the connection that grabbed a frozen keyboard can free it, so it is in no process that may stand
-/// still, and it never waits for anything else.
+/// The tap's program, on one thread and connection. It decides nothing: it passes key events to its
+/// owner, waits for verdicts while the server keeps the keyboard frozen, and thaws the keyboard when a
+/// verdict takes too long. Only the connection that grabbed a frozen keyboard can thaw it, so the grabs
+/// are in a small process of their own, which waits for nothing else.
 ///
-/// Which keys are grabbed. Ordinary typing is left alone: as long as the handler cannot be about to swallow,
-/// only the Option keys are grabbed. From an Option press on every key is, before the press goes on to its
-/// window, so that a letter typed however fast behind it is caught. The handler does not say when it is done,
-/// and need not: a letter typed after an Option tap is swallowed as long as the handler waits for one, so the
-/// first key press that it lets pass with no Option key down, not counting the program's own, proves that it
-/// no longer waits. That press is still held back while the grabs change, so no key slips through. When a
-/// sequence ends in another way (it fires, or its time runs out), one more key is examined. A press that no
-/// grab could hold has no key code and ends the examination too. After a time-out the
-/// handler may be in any state, and every key is grabbed.
+/// Which keys are grabbed: while the handler cannot be waiting for a letter, only the Option keys, so that
+/// ordinary typing is not delayed. From an Option press on, every key. The grabs change before that press
+/// goes on to its window, so that even the fastest letter after it is caught. The handler does not report
+/// when it stops waiting, and need not: after an Option tap it swallows letters as long as it waits for
+/// one. So the first key press that it lets pass with no Option key down, not counting the program's own
+/// events, shows that it has stopped waiting. The keyboard is still frozen by that press while the grabs
+/// change, so no key is missed. When a sequence ends in another way (it fires, or times out), one more key
+/// is examined. A press that no grab could catch has no key code and ends the examination too. After a
+/// time-out the handler may be in any state, so every key is grabbed.
 ///
-/// While only the Option keys are grabbed the reader rests, as soon as no modifier key is down: nothing of
-/// what is typed then reaches this process, in the target or elsewhere, until the next Option press in the
-/// target.
+/// While only the Option keys are grabbed, the reader rests as soon as no modifier key is down: no typing
+/// reaches this process, from any window, until the next Option press in the target.
 class Tap : private KeyListener {
  public:
   using Clock = TapEnd::Clock;
 
-  /// Connects, switched off; null when the display lacks something, another tap is there, or another program
-  /// holds the target's keys. The owner's end outlives the tap.
+  /// Connects, with the tap disabled. Null when the display lacks something, another tap is running, or
+  /// another program has grabbed the target's keys. The owner's end must outlive the tap.
   static std::unique_ptr<Tap> open(const std::string& displayName, TapEnd& owner);
 
-  /// Lets go of everything; a key that is held back goes to its window.
+  /// Releases all grabs; a held key goes to its window.
   ~Tap() override;
   Tap(const Tap&) = delete;
   Tap& operator=(const Tap&) = delete;
 
-  /// Works until the owner has closed its end: the steps below, again and again.
+  /// Repeats the steps below until the owner has closed its end.
   void run();
 
-  /// Does what the owner has said.
+  /// Carries out the owner's requests.
   void heedOwner();
 
-  /// Reads what the server has said.
+  /// Reads the server's events.
   void readEvents();
 
-  /// Ends the repetition of a key that is held back for long, and gives up on an owner that takes too long.
+  /// Ends the repetition of a key that is held for long, and gives up an owner that takes too long.
   void keepTime(Clock::time_point now);
 
-  /// Readable when the server has said something.
+  /// Readable when the server has sent something.
   [[nodiscard]] int fileDescriptor() const { return connection_->fileDescriptor(); }
 
  private:
@@ -87,9 +86,9 @@ class Tap : private KeyListener {
   bool enabled_ = false;
   bool mayBeArmed_ = false;
   std::optional<ReadKey> held_;
-  /// When the held key is to stop repeating; none when it has, or repeats no more.
+  /// When the repetition of the held key must be stopped; none when it was, or the key does not repeat.
   std::optional<Clock::time_point> repeatEnd_;
-  /// The keys that were swallowed and are still down, by the display's numbers.
+  /// The keys that were swallowed and are still down, by keycode.
   std::bitset<256> swallowed_;
 };
 

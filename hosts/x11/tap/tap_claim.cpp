@@ -5,13 +5,13 @@
 namespace keyvora::x11 {
 namespace {
 
-/// A button that no pointer has.
+/// A button that no pointer device has.
 constexpr int noPointersButton = 255;
 
 }  // namespace
 
-// The passive grab of a button is something that only one client can hold, even while the target has no
-// window whose keys could be.
+// Only one client can have a passive grab of this button, and it can be taken even while the target has no
+// window.
 bool claimTap(Connection& connection) {
   XIEventMask nothing{.deviceid = XIAllMasterDevices, .mask_len = 0, .mask = nullptr};
   XIGrabModifiers modifiers{.modifiers = int(XIAnyModifier), .status = 0};

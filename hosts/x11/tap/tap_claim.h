@@ -2,13 +2,13 @@
 
 #include "hosts/x11/display.h"
 
-/// The right to be the session's only tap. It ends with the connection that has it, however that ends.
+/// Makes a connection the session's only tap, until the connection ends in any way.
 namespace keyvora::x11 {
 
-/// Takes it; false when another connection has it. One round trip.
+/// Claims it; false when another connection has it. One round trip.
 bool claimTap(Connection& connection);
 
-/// Gives it back.
+/// Releases it.
 void disclaimTap(Connection& connection);
 
 }  // namespace keyvora::x11

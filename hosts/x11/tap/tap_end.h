@@ -14,51 +14,51 @@
 
 namespace keyvora::x11 {
 
-/// How many events the owner may owe; one that is further behind does not come back within its time.
+/// How many events may wait for the owner's answer; an owner further behind cannot catch up in time.
 inline constexpr std::size_t mostOwed = 256;
 
-/// The tap's end of the pair: events to the owner, in order, and verdicts back. At most one event at a time
-/// waits for a verdict: the server holds the keyboard until that is there. Saying something never waits for
-/// the owner: what the socket has no room for (in some kernels that is the eleventh record) is kept here and
-/// sent later. An event that the owner has not dealt with in `verdictLimit` is void, with all before and
-/// after it until the tap is enabled again.
+/// The tap's end of the socket pair: sends events to the owner, in order, and receives verdicts. At most
+/// one event at a time waits for a verdict, and the server keeps the keyboard frozen until then. Sending
+/// never blocks: records for which the socket has no room (in some kernels from the eleventh on) are kept
+/// here and sent later. When the owner has not handled an event within `verdictLimit`, that event and all
+/// others are void until the tap is enabled again.
 class TapEnd {
  public:
   using Clock = std::chrono::steady_clock;
 
   explicit TapEnd(posix::FileDescriptor socket) : socket_(std::move(socket)) {}
 
-  /// Says `ready` or `refused`, as the first word.
+  /// Sends `ready` or `refused`, the first record.
   void introduce(bool ready);
 
-  /// Hands over an event that goes its way whatever the verdict.
+  /// Sends an event that reaches its window whatever the verdict.
   void tell(const platform::KeyEvent& event, Clock::time_point now);
 
-  /// Hands over the event that the keyboard waits for; `window` is the one that it is meant for.
+  /// Sends the event that the keyboard is frozen for; `window` is the window that it is meant for.
   void ask(const platform::KeyEvent& event, Clock::time_point now, unsigned long window = 0);
 
-  /// The verdict on the event asked about, once there is one. Answer it with `released`.
+  /// The verdict on the event sent by `ask`, once it has come. Acknowledge it with `released`.
   std::optional<platform::Verdict> takeVerdict();
 
-  /// The server has let the keyboard go.
+  /// The server has thawed the keyboard.
   void released();
 
-  /// The tap works again.
+  /// The tap is enabled again.
   void enabled();
 
-  /// What the owner wants done: enabling or an injection; none when it wants nothing now.
+  /// The owner's next request, enabling or an injection; none when there is none.
   std::optional<OwnerRecord> next();
 
-  /// When the owner will have taken too long; none when it owes nothing.
+  /// When the owner's time is up; none when no event waits for it.
   [[nodiscard]] std::optional<Clock::time_point> deadline() const;
 
-  /// Gives up on an owner that has taken too long: true when it had, and then nothing is owed any more.
+  /// Gives up an owner that has exceeded its time: true when it had, and then no event waits any more.
   bool expire(Clock::time_point now);
 
   /// Whether the owner has closed its end.
   [[nodiscard]] bool ended() const { return socket_.ended(); }
 
-  /// For `poll`: what to wait for on which file.
+  /// The file and the events for `poll`.
   [[nodiscard]] int fileDescriptor() const { return socket_.fileDescriptor(); }
   [[nodiscard]] short awaited() const { return unsent_.empty() ? POLLIN : POLLIN | POLLOUT; }
 
@@ -79,10 +79,10 @@ class TapEnd {
   /// The oldest first.
   std::deque<Owed> owed_;
   bool overdue_ = false;
-  /// The event asked about, until the keyboard was let go; 0 for none.
+  /// The event sent by `ask`, until the keyboard was thawed; 0 for none.
   std::uint64_t asked_ = 0;
   std::optional<platform::Verdict> verdict_;
-  /// The owner wants to know when this event's key was let go; 0 for none.
+  /// The event for which the owner waits for `released`; 0 for none.
   std::uint64_t toSettle_ = 0;
   bool givenUp_ = false;
   /// The oldest first.

@@ -14,9 +14,9 @@ namespace keyvora::x11 {
 namespace {
 
 constexpr long maxRedirects = 5;
-constexpr int waitMilliseconds = 1000;  // for the network; a cancellation wakes it
+constexpr int waitMilliseconds = 1000;  // for the network; a cancellation ends the wait
 
-/// One transfer, made on the main thread and run on the fetch's thread.
+/// One transfer, set up on the main thread and run on the fetch's thread.
 class Transfer {
  public:
   Transfer(std::string address, const appcast::FetchLimits& limits)
@@ -58,7 +58,7 @@ class Transfer {
     return curl_easy_setopt(easy_, option, value);
   }
 
-  /// What a fetch must not go without: it is refused where the library does not know the option.
+  /// Sets an option that a fetch requires: the fetch fails if the library does not know it.
   template <class Value>
   void require(CURLoption option, Value value) {
     isSafe_ &= set(option, value) == CURLE_OK;
@@ -85,7 +85,7 @@ class Transfer {
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits_.bytes));
     set(CURLOPT_ACCEPT_ENCODING, "");
     set(CURLOPT_USERAGENT, "keyvora");
-    set(CURLOPT_QUICK_EXIT, 1L);  // do not wait for a name server when cancelled
+    set(CURLOPT_QUICK_EXIT, 1L);  // when cancelled, do not wait for a name server
     set(CURLOPT_ERRORBUFFER, error_.data());
   }
 
@@ -115,7 +115,7 @@ class Transfer {
     } else if (status != 200) {
       fetched_.error = "the server answered with status " + std::to_string(status);
     }
-    // The server has a say in some of these texts.
+    // Some of these texts contain parts from the server.
     if (fetched_.error)
       std::ranges::replace_if(
           *fetched_.error, [](char c) { return c >= 0 && c < ' '; }, ' ');
@@ -156,15 +156,15 @@ class ThreadedFetch final : public appcast::Fetch {
  private:
   static void answer(platform::MainLoop& mainLoop, std::weak_ptr<Done> done, appcast::Fetched fetched) {
     mainLoop.after(platform::Seconds::zero(), [done = std::move(done), fetched = std::move(fetched)] {
-      // Held for the call: it may destroy the fetch, and with it the last reference.
+      // A reference for the duration of the call, which may destroy the fetch.
       if (const auto waiting = done.lock()) (*waiting)(fetched);
     });
   }
 
-  /// Main thread. Gone once the fetch is cancelled.
+  /// Main thread. Reset when the fetch is cancelled.
   std::shared_ptr<Done> done_;
   Transfer transfer_;
-  std::jthread thread_;  // the last member: it is joined before the others go
+  std::jthread thread_;  // the last member: joined before the others are destroyed
 };
 
 }  // namespace

@@ -5,9 +5,9 @@
 
 namespace keyvora::x11 {
 
-/// Fetches by HTTP and HTTPS, each document on a thread of its own. Certificates are checked against the
-/// system's authorities, or those in the file that the environment variable SSL_CERT_FILE names; a few
-/// redirects are followed, never away from the web and never from HTTPS to HTTP.
+/// Fetches by HTTP and HTTPS, each document on a thread of its own. Certificates are verified with the
+/// system's authorities, or those in the file named by the environment variable SSL_CERT_FILE. Follows a
+/// few redirects, to HTTP and HTTPS only, and never from HTTPS to HTTP.
 class CurlFetcher final : public appcast::Fetcher {
  public:
   /// The loop must outlive the fetcher and its fetches.

@@ -43,7 +43,7 @@ UpdateHistory::UpdateHistory(std::filesystem::path file) : file_(std::move(file)
 
 std::optional<platform::Seconds> UpdateHistory::sinceLastCheck() {
   const std::chrono::seconds last(g_key_file_get_int64(load(file_).get(), group, lastCheckKey, nullptr));
-  // The file may hold any number, and the difference to a negative one need not be one.
+  // The file may contain any number, and subtracting a negative one may overflow.
   if (last.count() <= 0 || last > now()) return std::nullopt;
   return now() - last;
 }

@@ -7,7 +7,7 @@
 
 namespace keyvora::x11 {
 
-/// The history of update checks in a small file of the user's state directory.
+/// The history of update checks, in a small file in the user's state directory.
 class UpdateHistory final : public appcast::History {
  public:
   /// `keyvora/updates` in XDG_STATE_HOME, or in `.local/state` of the home directory.

@@ -17,7 +17,7 @@ constexpr int spacing = 12;
 constexpr int notesWidth = 480;
 constexpr int notesHeight = 240;
 
-/// A signal handler that lives as long as the widget.
+/// Connects a signal handler that lives as long as the widget.
 void onSignal(GtkWidget* widget, const char* signal, std::function<void()> handler) {
   using Handler = std::function<void()>;
   const auto call = +[](GtkWidget*, gpointer held) { (*static_cast<Handler*>(held))(); };
@@ -63,7 +63,7 @@ void addNotes(GtkWidget* box, const std::string& notes) {
   gtk_container_add(GTK_CONTAINER(box), scrolled);
 }
 
-/// The address as a link that opens in the user's browser and leaves the window as it is.
+/// Adds the address as a link that opens in the user's browser and leaves this window open.
 void addNotesLink(GtkWidget* box, const std::string& address) {
   const GText escaped(g_markup_escape_text(address.c_str(), -1));
   const std::string link = std::string("<a href=\"") + escaped.get() + "\">" + escaped.get() + "</a>";
@@ -95,7 +95,7 @@ bool UpdateWindow::isAvailable() const {
 }
 
 void UpdateWindow::showChecking(std::function<void()> cancelled) {
-  if (!openToolkit()) return;  // nobody can cancel: the check goes on
+  if (!openToolkit()) return;  // the check goes on without a window to cancel it
   GtkWidget* box = beginContents("Looking for updates…", "", std::move(cancelled));
   GtkWidget* spinner = gtk_spinner_new();
   gtk_spinner_start(GTK_SPINNER(spinner));
@@ -134,8 +134,8 @@ void UpdateWindow::showMessage(const std::string& title, const std::string& deta
   showAll(false);
 }
 
-/// An accessory's windows stay out of the task bar; only while an update is shown the program is a regular
-/// one.
+/// An accessory's windows stay out of the task bar; the program is a regular application only while it
+/// shows an update.
 void UpdateWindow::showAll(bool inTaskbar) {
   gtk_window_set_skip_taskbar_hint(GTK_WINDOW(window_), !inTaskbar);
   gtk_window_set_skip_pager_hint(GTK_WINDOW(window_), !inTaskbar);
@@ -152,8 +152,8 @@ void UpdateWindow::close() {
   if (window_ != nullptr) gtk_widget_destroy(std::exchange(window_, nullptr));
 }
 
-/// An empty window, made where there is none, with a heading and details; what goes below them is added to
-/// the box that it returns.
+/// Empties the window, or creates it, and adds a heading and details. Returns the box for what follows
+/// below them.
 GtkWidget* UpdateWindow::beginContents(const std::string& title, const std::string& details,
                                        std::function<void()> closed) {
   if (window_ == nullptr) {
@@ -163,7 +163,7 @@ GtkWidget* UpdateWindow::beginContents(const std::string& title, const std::stri
     gtk_window_set_position(GTK_WINDOW(window_), GTK_WIN_POS_CENTER);
     gtk_container_set_border_width(GTK_CONTAINER(window_), margin);
     g_signal_connect(window_, "key-press-event", G_CALLBACK(closeOnEscape), nullptr);
-    // The user closed it: the window goes by itself.
+    // The user closed it, so GTK destroys the window.
     onSignal(window_, "destroy", [this] {
       if (window_ == nullptr) return;
       window_ = nullptr;
@@ -189,7 +189,7 @@ GtkWidget* UpdateWindow::addButton(GtkWidget* buttons, const std::string& label,
   return button;
 }
 
-/// Takes the window away, then tells the answer; a copy of it, for it went away with the window.
+/// Closes the window, then calls the answer. By value: closing the window destroys the original.
 void UpdateWindow::finish(std::function<void()> answer) {  // NOLINT(performance-unnecessary-value-param)
   close();
   if (answer) answer();

@@ -34,7 +34,7 @@ class UpdateWindow final : public appcast::Presenter {
   void finish(std::function<void()> answer);
 
   GtkWidget* window_ = nullptr;
-  /// What closing the window in any other way than by a button means.
+  /// Called when the window is closed other than by a button.
   std::function<void()> closed_;
 };
 

@@ -8,7 +8,7 @@
 
 namespace keyvora::x11 {
 
-/// An updater with what it works with.
+/// An updater with the objects that it uses.
 class Updates::Controller final : public platform::UpdaterController {
  public:
   Controller(const Updates& host, platform::UpdaterDelegate& delegate)

@@ -22,7 +22,7 @@ class Updates final : public platform::Updates {
   std::unique_ptr<platform::UpdaterController> createController(bool startingUpdater,
                                                                 platform::UpdaterDelegate& delegate) override;
 
-  /// Whether a check is under way: its answer is worth waiting for even where nothing can be shown.
+  /// Whether a check is in progress. Its answer is worth waiting for even if nothing can be shown.
   [[nodiscard]] bool isBusy() const;
 
  private:
@@ -31,7 +31,7 @@ class Updates final : public platform::Updates {
   platform::Bundles& bundles_;
   platform::MainLoop& mainLoop_;
   platform::Workspace& workspace_;
-  /// The newest controller's; null before there is one and once it is gone.
+  /// The newest controller's updater; null before there is one and after it was destroyed.
   std::weak_ptr<appcast::Updater> updater_;
 };
 
