@@ -10,6 +10,7 @@
 #include "tools/commands.h"
 #include "tools/file.h"
 #include "tools/follow.h"
+#include "tools/loaded_document.h"
 #include "tools/marked_text.h"
 #include "tools/on_path.h"
 #include "tools/wording.h"
@@ -102,8 +103,9 @@ int watch(const std::vector<std::string>& files, const Checker& checker, const S
 }
 
 /// What to check when nothing is named: the user's own document, or what the user would get.
-std::variant<Source, Unreadable> readOne(const std::optional<std::string>& file, bool watches) {
-  if (file || !watches) return readDocument(file);
+std::variant<Source, Unreadable> readOne(const std::optional<std::string>& file, bool watches,
+                                         const Streams& streams) {
+  if (file || !watches) return readDocument(file, streams);
   return Unreadable{"you have no document yet; name a file to watch"};
 }
 
@@ -121,7 +123,7 @@ int checkCommand(const Options& options, const Streams& streams) {
   int status = exit_status::done;
   std::vector<std::string> names;
   for (const auto& file : files) {
-    const auto read = readOne(file, watches);
+    const auto read = readOne(file, watches, streams);
     if (const auto* unreadable = std::get_if<Unreadable>(&read)) {
       streams.error << complaint(unreadable->message);
       status = exit_status::failed;

@@ -29,8 +29,8 @@ struct Terminal {
 struct Streams {
   std::ostream& out;
   std::ostream& error;
-  /// Null when no host is there to ask.
-  HostMaker makeHost = nullptr;
+  /// What the machine and the programs that run are asked through.
+  HostOnce host = nullptr;
   /// None when the output goes to a file or to another program.
   std::optional<Terminal> terminal = std::nullopt;
 };

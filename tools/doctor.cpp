@@ -76,11 +76,11 @@ bool examine(const platform::Platform& machine, std::ostream& out) {
 }
 
 int doctorCommand(const Options&, const Streams& streams) {
-  if (streams.makeHost == nullptr) {
+  const auto* host = streams.host.get();
+  if (host == nullptr) {
     streams.error << complaint("this build knows nothing of the system that it runs on");
     return exit_status::failed;
   }
-  const auto host = streams.makeHost();
   return examine(host->platform(), streams.out) ? exit_status::done : exit_status::no;
 }
 

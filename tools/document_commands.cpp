@@ -8,14 +8,12 @@
 #include <fstream>
 #include <string>
 #include <system_error>
-#include <variant>
 
-#include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/embedded.h"
 #include "tools/explain.h"
-#include "tools/file.h"
 #include "tools/letters.h"
+#include "tools/loaded_document.h"
 #include "tools/on_path.h"
 #include "tools/sheet.h"
 #include "tools/wording.h"
@@ -25,20 +23,6 @@ extern char** environ;
 /// The commands that need a document that loads.
 namespace keyvora::tools {
 namespace {
-
-/// The mapping of a document, or none after saying why.
-std::optional<Mapping> load(const std::optional<std::string>& file, const Streams& streams) {
-  const auto read = readDocument(file);
-  if (const auto* unreadable = std::get_if<Unreadable>(&read)) {
-    streams.error << complaint(unreadable->message);
-    return std::nullopt;
-  }
-  const auto& source = std::get<Source>(read);
-  const Document document(source.bytes);
-  if (document.isSound()) return document.mapping();
-  streams.error << asText(errorsIn(document), source.name);
-  return std::nullopt;
-}
 
 /// Shows a page in the user's browser. It stays in a folder of its own among the temporary files: the browser
 /// reads it some time after it was asked to.
@@ -81,17 +65,17 @@ int explainCommand(const Options& options, const Streams& streams) {
                                "; only letters and digits can be typed");
     return exit_status::failed;
   }
-  const auto mapping = load(options.operand(1), streams);
-  if (!mapping) return exit_status::failed;
-  const auto explanation = explain(letters, *mapping);
+  const auto loaded = loadDocument(options.operand(1), streams);
+  if (!loaded) return exit_status::failed;
+  const auto explanation = explain(letters, loaded->document->mapping());
   streams.out << explanation.text;
   return explanation.fires ? exit_status::done : exit_status::no;
 }
 
 int listCommand(const Options& options, const Streams& streams) {
-  const auto mapping = load(options.operand(0), streams);
-  if (!mapping) return exit_status::failed;
-  auto sheet = sheetOf(*mapping);
+  const auto loaded = loadDocument(options.operand(0), streams);
+  if (!loaded) return exit_status::failed;
+  auto sheet = sheetOf(loaded->document->mapping());
   if (const auto tab = options.setting("--tab")) {
     keepStartingWith(sheet, Sequence{*tab, {}, {}}.letters());
     if (sheet.empty()) {
@@ -109,9 +93,9 @@ int cheatsheetCommand(const Options& options, const Streams& streams) {
     streams.error << complaint(std::string(other) + " and --markdown exclude each other");
     return exit_status::failed;
   }
-  const auto mapping = load(options.operand(0), streams);
-  if (!mapping) return exit_status::failed;
-  const auto sheet = sheetOf(*mapping);
+  const auto loaded = loadDocument(options.operand(0), streams);
+  if (!loaded) return exit_status::failed;
+  const auto sheet = sheetOf(loaded->document->mapping());
   if (options.has("--open")) return open(asHtml(sheet), streams);
   streams.out << (options.has("--markdown") ? asMarkdown(sheet) : asHtml(sheet));
   return exit_status::done;

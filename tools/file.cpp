@@ -11,8 +11,6 @@
 #include <iterator>
 #include <system_error>
 
-#include "tools/embedded.h"
-
 namespace keyvora::tools {
 namespace {
 
@@ -59,12 +57,6 @@ std::variant<Source, Unreadable> readFile(const std::string& file) {
   auto bytes = bytesOf(stream);
   if (stream.bad()) return Unreadable{file + ": could not be read to its end"};
   return Source{file, std::move(bytes)};
-}
-
-std::variant<Source, Unreadable> readDocument(const std::optional<std::string>& file) {
-  if (file) return readFile(*file);
-  if (const auto own = ownDocumentThatExists()) return readFile(*own);
-  return Source{"<default document>", std::string(embedded::defaultDocument)};
 }
 
 }  // namespace keyvora::tools

@@ -30,8 +30,4 @@ std::optional<std::string> ownDocumentThatExists();
 /// Reads a file whole; `-` is the standard input.
 std::variant<Source, Unreadable> readFile(const std::string& file);
 
-/// Reads the named file; without a name the user's own document, and where that does not exist yet, the
-/// default document that the application would put there.
-std::variant<Source, Unreadable> readDocument(const std::optional<std::string>& file);
-
 }  // namespace keyvora::tools

@@ -5,11 +5,10 @@
 #include <system_error>
 #include <variant>
 
-#include "tools/check.h"
 #include "tools/commands.h"
-#include "tools/document.h"
 #include "tools/file.h"
 #include "tools/habits.h"
+#include "tools/loaded_document.h"
 
 namespace keyvora::tools {
 namespace {
@@ -38,17 +37,8 @@ std::variant<std::string, Unreadable> endOf(const std::filesystem::path& file) {
 }  // namespace
 
 int habitsCommand(const Options& options, const Streams& streams) {
-  const auto read = readDocument(options.operand(0));
-  if (const auto* unreadable = std::get_if<Unreadable>(&read)) {
-    streams.error << complaint(unreadable->message);
-    return exit_status::failed;
-  }
-  const auto& source = std::get<Source>(read);
-  const Document document(source.bytes);
-  if (!document.isSound()) {
-    streams.error << asText(errorsIn(document), source.name);
-    return exit_status::failed;
-  }
+  const auto loaded = loadDocument(options.operand(0), streams);
+  if (!loaded) return exit_status::failed;
   const auto own = userLog();
   const auto name = options.setting("--log");
   if (!name && !own) {
@@ -60,7 +50,7 @@ int habitsCommand(const Options& options, const Streams& streams) {
     streams.error << complaint(unreadable->message);
     return exit_status::failed;
   }
-  streams.out << asText(habitsIn(std::get<std::string>(log)), document);
+  streams.out << asText(habitsIn(std::get<std::string>(log)), *loaded->document);
   return exit_status::done;
 }
 

@@ -19,9 +19,9 @@ std::string help() {
          "  help [COMMAND], --help\n      Say how to use the program, or one of its commands.\n"
          "  version, --version\n      Say the program's version.\n\n"
          "FILE is a mapping document, or - for the standard input. Without it the user's own is taken,\n"
-         "~/Library/Application Support/keyvora/mappings.json, and where that does not exist yet, the "
-         "default\n"
-         "document.\n";
+         "~/Library/Application Support/keyvora/mappings.json, and where that does not exist yet, the one "
+         "that\n"
+         "keyvora would start with, which is said on the standard error.\n";
 }
 
 std::string help(const Command& command) {

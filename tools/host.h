@@ -6,11 +6,30 @@
 
 namespace keyvora::tools {
 
-/// Makes the host through which a command asks the programs that run; null when the program was built
+/// How to make the host through which a command asks the programs that run; null when the program was built
 /// without one.
 using HostMaker = std::unique_ptr<platform::Host> (*)();
 
 /// The one that this program was built with.
 HostMaker builtHost();
+
+/// The host, made when it is first asked for, and once. Copies share it. Main thread.
+class HostOnce {
+ public:
+  HostOnce(HostMaker make = nullptr) : made_(std::make_shared<Made>(Made{make, nullptr})) {}
+
+  /// Null when the program was built without one.
+  [[nodiscard]] platform::Host* get() const {
+    if (made_->host == nullptr && made_->make != nullptr) made_->host = made_->make();
+    return made_->host.get();
+  }
+
+ private:
+  struct Made {
+    HostMaker make;
+    std::unique_ptr<platform::Host> host;
+  };
+  std::shared_ptr<Made> made_;
+};
 
 }  // namespace keyvora::tools

@@ -11,8 +11,8 @@
 #include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/document.h"
-#include "tools/file.h"
 #include "tools/letters.h"
+#include "tools/loaded_document.h"
 #include "tools/program_menus.h"
 #include "tools/script_compiler.h"
 #include "tools/wording.h"
@@ -148,22 +148,13 @@ void tellSummary(const Counts& counts, ProgramMenus* menus, bool compiles, std::
 }  // namespace
 
 int rehearseCommand(const Options& options, const Streams& streams) {
-  const auto read = readDocument(options.operand(0));
-  if (const auto* unreadable = std::get_if<Unreadable>(&read)) {
-    streams.error << complaint(unreadable->message);
-    return exit_status::failed;
-  }
-  const auto& source = std::get<Source>(read);
-  const Document document(source.bytes);
-  if (!document.isSound()) {
-    streams.error << asText(errorsIn(document), source.name);
-    return exit_status::failed;
-  }
-  if (streams.makeHost == nullptr) {
+  const auto loaded = loadDocument(options.operand(0), streams);
+  if (!loaded) return exit_status::failed;
+  const auto* host = streams.host.get();
+  if (host == nullptr) {
     streams.error << complaint("this program was built without the means to ask another");
     return exit_status::failed;
   }
-  const auto host = streams.makeHost();
   const platform::Scope scope(host->platform());
   auto bar = menuBarThatRuns(host->platform());
   std::optional<ProgramMenus> menus;
@@ -172,8 +163,8 @@ int rehearseCommand(const Options& options, const Streams& streams) {
   if (ScriptCompiler::isThere()) compiler.emplace();
 
   Trial trial(menus ? &*menus : nullptr, compiler ? &*compiler : nullptr, streams, options.has("--all"));
-  for (const auto& entry : document.entries()) trial(entry);
-  streams.out << asText(trial.findings(), source.name);
+  for (const auto& entry : loaded->document->entries()) trial(entry);
+  streams.out << asText(trial.findings(), loaded->name);
   tellSummary(trial.counts(), menus ? &*menus : nullptr, compiler.has_value(), streams.out);
   if (!menus) {
     streams.error << complaint(std::get<std::string>(bar));

@@ -8,6 +8,7 @@
 #include <optional>
 #include <sstream>
 
+#include "hosts/simulated/host.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/tools/golden.h"
 #include "tools/commands.h"
@@ -20,6 +21,18 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
+/// The document that the simulated system's resources hold; it is there when the path is not empty.
+std::filesystem::path bundledDocument;
+
+std::unique_ptr<platform::Host> makeSystem() {
+  auto host = std::make_unique<simulated::Host>();
+  for (auto& [directory, bundle] : host->bundles.others) bundle.resources = {};
+  if (!bundledDocument.empty()) {
+    host->bundles.others.begin()->second.resources = {{"mappings.json", bundledDocument}};
+  }
+  return host;
+}
+
 /// The program, run in a home directory of its own.
 struct CommandTest : testing::Test {
   CommandTest() { setenv("HOME", home.path().c_str(), 1); }
@@ -27,7 +40,7 @@ struct CommandTest : testing::Test {
   int run(const std::vector<std::string>& arguments) {
     out.str("");
     error.str("");
-    return tools::run(arguments, {out, error, nullptr, terminal});
+    return tools::run(arguments, {out, error, host, terminal});
   }
 
   /// The user's own document.
@@ -40,6 +53,7 @@ struct CommandTest : testing::Test {
   test::ScratchDirectory home;
   std::ostringstream out;
   std::ostringstream error;
+  HostMaker host = nullptr;
   std::optional<Terminal> terminal;
 };
 
@@ -82,6 +96,41 @@ TEST_F(CommandTest, ChecksTheDefaultDocumentUntilTheUserHasOne) {
   terminal = Terminal{};
   EXPECT_EQ(run({"check"}), 0);
   EXPECT_THAT(out.str(), testing::MatchesRegex("<default document>: [0-9]+ sequences, nothing to report\n"));
+  EXPECT_THAT(error.str(), StartsWith("keyvora-mappings: you have no document yet; this is the one that "
+                                      "keyvora starts with, for Excel\n"));
+}
+
+TEST_F(CommandTest, WithoutADocumentItTakesTheOneThatKeyvoraWouldStartWith) {
+  host = makeSystem;
+  bundledDocument = home / "calc.json";
+  test::write(bundledDocument, sound);
+  const auto note = "keyvora-mappings: you have no document yet; this is the one that keyvora starts with: " +
+                    bundledDocument.string() + "\n";
+  EXPECT_EQ(run({"list"}), 0);
+  EXPECT_EQ(out.str(), "QQ  Mine  menu         A\n");
+  EXPECT_EQ(error.str(), note);
+  EXPECT_EQ(run({"explain", "qq"}), 0);
+  EXPECT_EQ(error.str(), note);
+  EXPECT_EQ(run({"cheatsheet", "--markdown"}), 0);
+  EXPECT_THAT(out.str(), HasSubstr("Mine"));
+  terminal = Terminal{};
+  EXPECT_EQ(run({"check"}), 0);
+  EXPECT_EQ(out.str(), bundledDocument.string() + ": 1 sequence, nothing to report\n");
+  EXPECT_EQ(error.str(), note);
+
+  test::write(home / "named.json", sound);
+  EXPECT_EQ(run({"list", (home / "named.json").string()}), 0);
+  EXPECT_THAT(error.str(), IsEmpty());
+  write(sound);
+  EXPECT_EQ(run({"list"}), 0);
+  EXPECT_THAT(error.str(), IsEmpty());
+}
+
+TEST_F(CommandTest, WithoutResourcesInPlaceItTakesExcelsDocument) {
+  host = makeSystem;
+  bundledDocument.clear();
+  EXPECT_EQ(run({"explain", "hvv"}), 0);
+  EXPECT_THAT(error.str(), testing::EndsWith("keyvora starts with, for Excel\n"));
 }
 
 TEST_F(CommandTest, ChecksSeveralFilesAndEndsWithTheWorst) {
@@ -187,7 +236,7 @@ TEST_F(CommandTest, ListsWhatStartsWithLetters) {
   EXPECT_THAT(out.str(), testing::Not(HasSubstr("\nWL")));
   EXPECT_EQ(run({"list", "--tab=q"}), 1);
   EXPECT_THAT(out.str(), IsEmpty());
-  EXPECT_EQ(error.str(), "keyvora-mappings: no sequence starts with \"q\"\n");
+  EXPECT_THAT(error.str(), testing::EndsWith("keyvora-mappings: no sequence starts with \"q\"\n"));
 }
 
 TEST_F(CommandTest, WritesSheetsAndTheSchema) {

@@ -33,6 +33,8 @@ class Docs(unittest.TestCase):
         self.addCleanup(directory.cleanup)
         self.folder = pathlib.Path(directory.name)
         (self.folder / "wait.json").write_text(WAIT)
+        excel = (ROOT / "resources/mappings.json").read_text(encoding="utf-8")
+        (self.folder / "excel.json").write_text(excel, encoding="utf-8")
         broken = (ROOT / "tests/tools/broken/errors_and_warnings.json").read_text(encoding="utf-8")
         (self.folder / "errors_and_warnings.json").write_text(broken, encoding="utf-8")
 

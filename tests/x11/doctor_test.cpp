@@ -1,4 +1,4 @@
-// keyvora-mappings doctor on real desktops.
+// keyvora-mappings on real desktops: doctor, and which document the others take.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,8 +17,11 @@ using testing::Not;
 class DoctorTest : public testing::Test {
  protected:
   /// Its exit status; what it wrote is in `output`.
-  int doctor(const std::vector<std::string>& environment = {}) {
-    Child program({"sh", "-c", "exec \"$0\" doctor > \"$HOME/output\" 2>&1", KEYVORA_MAPPINGS}, environment);
+  int doctor(const std::vector<std::string>& environment = {}) { return run("doctor", environment); }
+
+  int run(const std::string& arguments, const std::vector<std::string>& environment) {
+    Child program({"sh", "-c", "exec \"$0\" " + arguments + " > \"$HOME/output\" 2>&1", KEYVORA_MAPPINGS},
+                  environment);
     const int status = program.wait();
     output = readFile(session.home() / "output");
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -81,6 +84,18 @@ TEST_F(DoctorTest, BesideARunningKeyvoraItFindsNothingInTheWay) {
   EXPECT_THAT(output, ContainsRegex("mappings.json, [0-9]+ sequences\n"));
   kill(keyvora.pid(), SIGTERM);
   EXPECT_EQ(keyvora.wait(), 0);
+}
+
+TEST_F(DoctorTest, WithoutADocumentOtherCommandsTakeThatOfTheInstalledSpreadsheet) {
+  const auto share = session.home() / "share";
+  const auto list = [&] { return run("list --tab HDS", {"XDG_DATA_DIRS=" + share.string()}); };
+  writeFile(share / "applications" / "gnumeric.desktop", "");
+  EXPECT_EQ(list(), 0) << output;
+  EXPECT_THAT(output, HasSubstr("this is the one that keyvora starts with: "));
+  EXPECT_THAT(output, HasSubstr("/keyvora_keyvora.bundle/gnumeric.json\n"));
+  writeFile(share / "applications" / "libreoffice-calc.desktop", "");
+  EXPECT_EQ(list(), 0) << output;
+  EXPECT_THAT(output, HasSubstr("/keyvora_keyvora.bundle/calc.json\n"));
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ class Rehearse(DesktopTest):
         """There is no keyvora."""
 
     def rehearse(self, *arguments: str) -> subprocess.CompletedProcess[str]:
-        program = self.environment.keyvora.parents[1] / "tools/keyvora-mappings"
+        program = self.environment.keyvora.with_name("keyvora-mappings")
         return subprocess.run([program, "rehearse", *arguments], capture_output=True, encoding="utf-8", timeout=200,
                               check=False)
 
