@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view continuation = "\u00AC";
 
-/// The words one blank apart, in small letters.
+/// The words in lower case, separated by single blanks.
 std::string normalised(const std::string& code) {
   std::string result;
   std::istringstream words(code);
@@ -22,7 +22,7 @@ std::string normalised(const std::string& code) {
   return result;
 }
 
-/// Walks a script once and cuts it into statements.
+/// Cuts a script into statements, in one pass.
 class Cutter {
  public:
   explicit Cutter(std::string_view script) : rest_(script) {}
@@ -119,7 +119,7 @@ bool startsWithWords(std::string_view code, std::string_view words) {
   return code == words || (code.starts_with(words) && code[words.size()] == ' ');
 }
 
-/// The block that a statement opens: the word that its end must name; empty when it opens none.
+/// The kind of block that a statement opens: the word that its end must name; empty when it opens none.
 std::string_view opens(std::string_view code) {
   constexpr std::array always{std::string_view("repeat"), std::string_view("try"),
                               std::string_view("considering"), std::string_view("ignoring"),
@@ -146,7 +146,7 @@ std::string atLine(std::size_t line) {
   return "line " + std::to_string(line) + " of the script";
 }
 
-/// What is wrong with the end of a block; empty when it is the end of the innermost one.
+/// What is wrong with the end of a block; empty when it ends the innermost open block.
 std::string endFault(const Statement& end, const std::vector<Block>& open) {
   const std::string quotedEnd = "\"" + end.code + "\"";
   if (open.empty()) return quotedEnd + " in " + atLine(end.line) + " closes nothing; remove it";

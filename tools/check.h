@@ -8,15 +8,15 @@
 
 namespace keyvora::tools {
 
-/// Everything that there is to say about a document: errors, which are the application's own reasons to
-/// reject it, and the warnings of all rules, sorted by place. There is an error exactly when the application
-/// would not load the document.
+/// All findings about a document, sorted by position: errors, which are the application's reasons to reject
+/// it, and the warnings of all rules. There is an error exactly when the application would not load the
+/// document.
 Findings check(const Document& document);
 
-/// Its errors alone.
+/// Only the errors.
 Findings errorsIn(const Document& document);
 
-/// The findings for people, one a line: `file:line:column: error: path: text`.
+/// The findings for people, one per line: `file:line:column: error: path: text`.
 std::string asText(const Findings& findings, std::string_view file);
 
 /// The findings for programs: one JSON object on one line.

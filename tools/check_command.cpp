@@ -18,14 +18,14 @@
 namespace keyvora::tools {
 namespace {
 
-/// Checks one version of a document and writes what there is to say.
+/// Checks one version of a document and writes the findings.
 class Checker {
  public:
   Checker(const Options& options, const Streams& streams)
       : streams_(streams), strict_(options.has("--strict")), json_(options.has("--json")) {}
 
-  /// Whether errors were found, or anything at all in strict mode. With `always` something is said when there
-  /// is nothing to say.
+  /// Whether there were errors, or any findings in strict mode. With `always` it also reports that there
+  /// were none.
   bool operator()(const Source& source, bool always) const {
     const Document document(source.bytes);
     const auto findings = check(document);
@@ -46,7 +46,7 @@ class Checker {
         findings, [this](const Finding& finding) { return strict_ || finding.severity == Severity::error; });
   }
 
-  /// Separates a check from the one before it.
+  /// Separates the output from that of the check before it.
   void separate() const {
     if (json_) return;
     const auto now = std::time(nullptr);
@@ -65,7 +65,8 @@ class Checker {
   }
 
  private:
-  /// Scripts and key tips need Excel for Mac. Not part of the findings: a document may serve two systems.
+  /// Scripts and key tips need Excel for Mac. Not one of the findings, because a document may be used on
+  /// both systems.
   void tellWhatCannotRun(const Document& document, const std::string& name) const {
     if (onPath("osascript")) return;
     std::size_t scripts = 0;
@@ -85,7 +86,7 @@ class Checker {
   bool json_;
 };
 
-/// Until the user interrupts it or nobody reads on.
+/// Runs until the user interrupts it or the output is closed.
 int watch(const std::vector<std::string>& files, const Checker& checker, const Streams& streams) {
   std::vector<Follower> followers(files.begin(), files.end());
   while (streams.out) {
@@ -102,7 +103,7 @@ int watch(const std::vector<std::string>& files, const Checker& checker, const S
   return exit_status::done;
 }
 
-/// What to check when nothing is named: the user's own document, or what the user would get.
+/// What to check without a file argument: the user's own document, or the one that the user would get.
 std::variant<Source, Unreadable> readOne(const std::optional<std::string>& file, bool watches,
                                          const Streams& streams) {
   if (file || !watches) return readDocument(file, streams);

@@ -9,33 +9,32 @@
 
 namespace keyvora::tools {
 
-/// What the program ends with.
+/// The program's exit statuses.
 namespace exit_status {
 /// Done; nothing is wrong.
 inline constexpr int done = 0;
-/// Done, and the answer is no: the document has errors, the letters fire nothing.
+/// Carried out, with a negative answer: the document has errors, the letters fire nothing.
 inline constexpr int no = 1;
-/// Could not be done: wrong usage, a file that cannot be read or is no mapping document.
+/// Not carried out: wrong usage, a file that cannot be read or is not a mapping document.
 inline constexpr int failed = 2;
 }  // namespace exit_status
 
-/// A terminal at the other end of the output.
+/// The terminal that the output goes to.
 struct Terminal {
   bool colours = false;
 };
 
-/// What a command has to do with: where it writes what it was asked for and what went wrong, and the programs
-/// that run.
+/// What a command works with: streams for its output and its messages, and access to running programs.
 struct Streams {
   std::ostream& out;
   std::ostream& error;
-  /// What the machine and the programs that run are asked through.
+  /// Access to the machine and to running programs.
   HostOnce host = nullptr;
-  /// None when the output goes to a file or to another program.
+  /// None when the output goes to a file or a pipe.
   std::optional<Terminal> terminal = std::nullopt;
 };
 
-/// Carries out a command line (without the program's name) and returns the exit status. Main thread.
+/// Runs a command line (without the program's name) and returns the exit status. Main thread.
 int run(std::span<const std::string> arguments, const Streams& streams);
 
 }  // namespace keyvora::tools

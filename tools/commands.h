@@ -8,14 +8,14 @@
 
 namespace keyvora::tools {
 
-/// A command of the program: what it takes and what carries it out.
+/// A command of the program: its arguments and its function.
 struct Command {
   std::string_view name;
-  /// What follows the name: for the help.
+  /// The arguments, as the help shows them.
   std::string_view arguments;
-  /// What it does, in one sentence.
+  /// A sentence for the help.
   std::string_view purpose;
-  /// What its options and exit statuses mean; lines.
+  /// The meaning of its options and exit statuses, in lines.
   std::string_view details;
   Syntax syntax;
   int (*carryOut)(const Options& options, const Streams& streams);
@@ -36,11 +36,11 @@ int habitsCommand(const Options& options, const Streams& streams);
 int schemaCommand(const Options& options, const Streams& streams);
 int doctorCommand(const Options& options, const Streams& streams);
 
-/// What the program tells about itself, and about one command.
+/// The help for the program, and for one command.
 std::string help();
 std::string help(const Command& command);
 
-/// A message of the program's own.
+/// An error message of the program.
 std::string complaint(std::string_view text);
 
 }  // namespace keyvora::tools

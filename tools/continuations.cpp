@@ -9,10 +9,10 @@
 namespace keyvora::tools {
 namespace {
 
-/// How wide the names of a line may get before the rest is only counted, in characters.
+/// The width of the names on one line, in characters; further names are only counted.
 constexpr std::size_t widest = 90;
 
-/// What is left to type, and the name.
+/// The letters left to type, and the name.
 std::string remaining(const Sequence& sequence, std::size_t typed) {
   const auto letters = sequence.letters();
   auto keys = joined(std::span(letters).subspan(typed));

@@ -8,22 +8,22 @@
 
 namespace keyvora::tools {
 
-/// What one more letter leads to.
+/// The result of typing one more letter.
 struct Continuation {
   std::string letter;
-  /// The sequences that start with the letters typed and this one, in document order; of those with the same
-  /// letters the one that fires. They live as long as the mapping.
+  /// The sequences that start with the typed letters and this one, in document order; of several with the
+  /// same letters only the one that fires. Valid as long as the mapping.
   std::vector<const Sequence*> sequences;
 };
 
-/// What letters that were typed may still become, by the next letter, in the order in which it first comes up
-/// in the document. Sequences that the letters complete are not among them.
+/// The possible continuations of typed letters, by the next letter, in the order of its first occurrence in
+/// the document. Sequences that the typed letters complete are not included.
 std::vector<Continuation> continuationsOf(std::span<const std::string> typed, const Mapping& mapping);
 
-/// How many sequences there are in all of them.
+/// The number of sequences in all of them.
 std::size_t sequencesIn(const std::vector<Continuation>& continuations);
 
-/// A line for each: the letters that are left and the sequence's name, or the names of several in a row.
+/// A line for each: the remaining letters and the sequence's name, or several names in a row.
 std::vector<std::string> asLines(const std::vector<Continuation>& continuations, std::size_t lettersTyped);
 
 }  // namespace keyvora::tools

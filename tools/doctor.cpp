@@ -18,11 +18,11 @@ void write(std::ostream& out, const platform::Fact& fact) {
   out << fact.name << std::string(padding, ' ') << fact.value << "\n";
 }
 
-/// The user's document, as far as it can be read.
+/// The user's document, as far as it could be read.
 struct Examined {
   std::filesystem::path path;
   std::string state;
-  /// Why it does not load, a line each; empty when it does, or the first start is still to make it.
+  /// Why it does not load, a line each; empty when it loads, or does not exist before the first start.
   std::string errors;
 };
 

@@ -6,8 +6,8 @@
 
 namespace keyvora::tools {
 
-/// Writes what is known of this machine, of the user's document and of what keeps sequences from working.
-/// True when nothing does. Main thread.
+/// Writes facts about this machine and the user's document, and what keeps sequences from working. True
+/// when nothing does. Main thread.
 bool examine(const platform::Platform& machine, std::ostream& out);
 
 }  // namespace keyvora::tools

@@ -23,7 +23,7 @@ json::Value Entry::actionValue(std::string_view key) const {
   return value(key::action).find(key).value();
 }
 
-/// Collects everything that the decoder says.
+/// Collects everything that the decoder reports.
 class Document::Sink final : public DecodeSink {
  public:
   explicit Sink(Document& document) : document_(document) {}
@@ -47,7 +47,8 @@ class Document::Sink final : public DecodeSink {
   }
 
   Document& document_;
-  /// The index of the next sequence: they come in order, and each either whole or as faults.
+  /// The index of the next sequence. The decoder reports sequences in order, each either complete or by its
+  /// faults.
   std::size_t next_ = 0;
 };
 

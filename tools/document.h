@@ -12,9 +12,9 @@
 
 namespace keyvora::tools {
 
-/// A sequence that was decoded whole, and where it stands.
+/// A sequence without faults, and its place.
 struct Entry {
-  /// Among the elements of `sequences`.
+  /// Its index in `sequences`.
   std::size_t index = 0;
   /// Its object in the document.
   json::Value source;
@@ -25,13 +25,13 @@ struct Entry {
   [[nodiscard]] CodingPath path(std::string_view key) const;
   [[nodiscard]] CodingPath actionPath(std::string_view key) const;
 
-  /// The member's value, which is there because the sequence was decoded.
+  /// The member's value. It exists because the sequence was decoded.
   [[nodiscard]] json::Value value(std::string_view key) const;
   [[nodiscard]] json::Value actionValue(std::string_view key) const;
 };
 
-/// A mapping document read with the application's own decoder, which goes on after a fault: all faults, and
-/// whatever is sound.
+/// A mapping document read with the application's own decoder, which continues after a fault: all faults,
+/// and all parts without one.
 class Document {
  public:
   explicit Document(std::string bytes);
@@ -41,16 +41,16 @@ class Document {
   /// Whether the application would load it.
   [[nodiscard]] bool isSound() const { return faults_.empty(); }
 
-  /// Why it would not, in the order of reading.
+  /// Why the application would not load it, in the order of reading.
   [[nodiscard]] const std::vector<DecodingError>& faults() const { return faults_; }
 
-  /// The whole document if it is sound, else what could be made of it.
+  /// The whole document if it has no faults, else the parts without one.
   [[nodiscard]] const Mapping& mapping() const { return mapping_; }
 
-  /// The sound sequences in document order.
+  /// The sequences without faults, in document order.
   [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
 
-  /// The document's outermost value; none when it is not JSON.
+  /// The document's root value; none when it is not JSON.
   [[nodiscard]] std::optional<json::Value> root() const;
 
  private:

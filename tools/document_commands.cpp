@@ -24,8 +24,8 @@ extern char** environ;
 namespace keyvora::tools {
 namespace {
 
-/// Shows a page in the user's browser. It stays in a folder of its own among the temporary files: the browser
-/// reads it some time after it was asked to.
+/// Opens a page in the user's browser. The file stays in its own temporary folder, because the browser
+/// reads it later.
 int open(const std::string& page, const Streams& streams) {
   const auto* opener = onPath("xdg-open") ? "xdg-open" : onPath("open") ? "open" : nullptr;
   if (opener == nullptr) {

@@ -14,7 +14,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// A key and how it is written with its value.
+/// A key, and an example of how to write it with its value.
 struct Example {
   std::string_view key;
   std::string_view text;
@@ -38,7 +38,7 @@ constexpr std::array examples{
 constexpr std::string_view wholeDocument = R"({"version": 1, "tabs": {}, "sequences": [...]})";
 constexpr std::string_view wholeSequence = R"({"keys": "HFC", "name": "Font color", "action": {...}})";
 
-/// How the value at the end of a path, or what holds it, is written.
+/// An example for the value at the end of a path, or for the value that contains it.
 std::string_view exampleFor(const CodingPath& path) {
   if (path.empty()) return wholeDocument;
   const bool isSequence = path.size() == 2 && path[0] == PathElement(std::string(key::sequences));
@@ -67,7 +67,8 @@ std::string advice(const DecodingError& error) {
   if (isUnknownKind(error)) return adviceOnKind(error.reason);
   const std::string example(exampleFor(error.path));
   if (error.kind == DecodingError::Kind::keyNotFound) return "add it, like " + example;
-  if (error.kind == DecodingError::Kind::dataCorrupted && error.path.empty()) return {};  // says it itself
+  // The text of a syntax error is complete.
+  if (error.kind == DecodingError::Kind::dataCorrupted && error.path.empty()) return {};
   return "write it like " + example;
 }
 

@@ -5,7 +5,7 @@
 
 namespace keyvora::tools {
 
-/// The decoder's reason to reject a document, as a finding that also says what to do.
+/// The decoder's reason to reject a document, as a finding that also says how to correct it.
 Finding errorFor(const DecodingError& error);
 
 }  // namespace keyvora::tools

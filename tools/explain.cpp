@@ -19,7 +19,7 @@ std::string label(const Sequence& sequence) {
   return sequence.keys + "  " + sequence.name;
 }
 
-/// Writes the lines of an explanation: a key, or the time, and what comes of it.
+/// Writes the lines of an explanation: a key, or a time, and its effect.
 class Telling {
  public:
   explicit Telling(const Mapping& mapping) : mapping_(mapping) {}
@@ -31,7 +31,7 @@ class Telling {
 
   void more(const std::string& what) { key("", what); }
 
-  /// A letter that the tap took. After the last one each that may follow is named.
+  /// A letter that the tap swallowed. After the last one, lists each letter that may follow.
   void letter(Letters typed, const Step& step, bool isLast) {
     const auto match = mapping_.lookup(typed);
     const auto& name = typed.back();

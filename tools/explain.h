@@ -7,15 +7,15 @@
 
 namespace keyvora::tools {
 
-/// What typing letters after a tap of Option does, line by line for a person.
+/// The effect of typing letters after a tap of Option, in lines for people.
 struct Explanation {
   std::string text;
-  /// Whether a sequence fires in the end.
+  /// Whether a sequence fires at the end.
   bool fires = false;
 };
 
-/// Types the letters into a rehearsal, one right after another, and then nothing more. Each letter is one
-/// that a key types.
+/// Types the letters into a rehearsal without pauses, and then waits. Each letter must be one that a key
+/// types.
 Explanation explain(const std::vector<std::string>& letters, const Mapping& mapping);
 
 }  // namespace keyvora::tools

@@ -14,7 +14,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// As the application looks for it: HOME, else what the system knows of the user.
+/// The home directory as the application finds it: HOME, else the user database.
 std::optional<std::filesystem::path> homeDirectory() {
   if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/') return home;
   const auto* user = getpwuid(geteuid());

@@ -7,27 +7,27 @@
 
 namespace keyvora::tools {
 
-/// A document's bytes and what messages call it.
+/// A document's bytes, and its name in messages.
 struct Source {
   std::string name;
   std::string bytes;
 };
 
-/// Why a file could not be read, for a person: "name: reason".
+/// Why a file could not be read, for the user: "name: reason".
 struct Unreadable {
   std::string message;
 };
 
-/// Where the user's own document is, whether it exists or not; none for a user without a home directory.
+/// The path of the user's own document, which need not exist; none for a user without a home directory.
 std::optional<std::filesystem::path> userDocument();
 
-/// Where keyvora's log is, whether it exists or not; none for a user without a home directory.
+/// The path of keyvora's log, which need not exist; none for a user without a home directory.
 std::optional<std::filesystem::path> userLog();
 
-/// The user's own document, if it exists.
+/// The path of the user's own document, if it exists.
 std::optional<std::string> ownDocumentThatExists();
 
-/// Reads a file whole; `-` is the standard input.
+/// Reads a whole file; `-` is standard input.
 std::variant<Source, Unreadable> readFile(const std::string& file);
 
 }  // namespace keyvora::tools

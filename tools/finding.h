@@ -12,21 +12,21 @@ namespace keyvora::tools {
 enum class Severity {
   /// The application would reject the document.
   error,
-  /// The document loads, and something in it would surprise.
+  /// The document loads, but part of it may have an unexpected effect.
   warning,
 };
 
 std::string_view nameOf(Severity severity);
 
-/// One thing to say about a document.
+/// A remark about a document.
 struct Finding {
   Severity severity = Severity::warning;
   json::Position position;
-  /// To the value or key concerned; empty for the document as a whole.
+  /// The path of the value or key; empty for the document as a whole.
   std::string path;
-  /// What is wrong and what to do.
+  /// What is wrong and how to correct it.
   std::string text;
-  /// The rule that found it: for programs that read findings.
+  /// The name of the rule, for programs that read findings.
   std::string_view rule;
 
   friend bool operator==(const Finding&, const Finding&) = default;
@@ -38,7 +38,7 @@ using Findings = std::vector<Finding>;
 void warn(Findings& findings, std::string_view rule, const json::Value& at, const CodingPath& path,
           std::string text);
 
-/// Sorts by place in the document; what stands at one place keeps its order.
+/// Sorts by position in the document; findings at the same position keep their order.
 void sortByPlace(Findings& findings);
 
 }  // namespace keyvora::tools

@@ -8,10 +8,10 @@
 namespace keyvora::tools {
 namespace {
 
-/// A file changed less than this ago is read again: another save may have fallen on the same time stamp.
+/// A file changed more recently than this is read again, since a later save may have the same time stamp.
 constexpr std::chrono::seconds stampResolution{2};
 
-/// After so many looks in vain the file counts as gone: a second.
+/// After this many failed looks, which take a second, the file counts as deleted.
 constexpr int looksInVain = 5;
 
 }  // namespace

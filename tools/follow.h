@@ -8,18 +8,18 @@
 
 namespace keyvora::tools {
 
-/// Notices when what a path names has other bytes than before, however it was saved: in place, by renaming
-/// another file over it, by deleting it first. Looks when asked to; nothing is kept open.
+/// Notices when the file at a path has other bytes than before, however it was saved: in place, by renaming
+/// another file to it, or by deleting it first. Looks only when called; keeps no file open.
 class Follower {
  public:
   explicit Follower(std::filesystem::path path) : path_(std::move(path)) {}
 
-  /// The file's bytes, if they are others than those given last time; the first time in any case. A file that
-  /// is not there, or empty because it is being written, is waited for.
+  /// The file's bytes, if they differ from those returned last; always at the first call. A file that is
+  /// missing, or empty because it is being written, counts as unchanged until it has content.
   std::optional<std::string> changed();
 
-  /// True once when the file has not been there for some looks in a row, after it was; a save that deletes it
-  /// first takes less time. It is waited for still, and given when it comes back, whatever its bytes.
+  /// True once when an existing file has been missing for several looks in a row; a save that deletes the
+  /// file first takes less time. When the file comes back, `changed` returns it even with the same bytes.
   bool vanished();
 
  private:
@@ -31,7 +31,7 @@ class Follower {
   int looksWithoutIt_ = 0;
 };
 
-/// How often to ask a `Follower`: soon enough to feel immediate, rare enough to cost nothing.
+/// The interval between two looks: short for a user, and cheap.
 inline constexpr std::chrono::milliseconds followInterval{200};
 
 }  // namespace keyvora::tools

@@ -15,13 +15,13 @@
 namespace keyvora::tools {
 namespace {
 
-/// No sequence is as long, and how many are told of each.
+/// Longer words are not sequences; and the number of entries shown of each kind.
 constexpr std::size_t longest = 16;
 constexpr std::size_t mostTold = 20;
 
 constexpr std::string_view noSequence = "no sequence ";
 
-/// The letters that a text consists of, blanks left out; none when there is anything else in it.
+/// The letters of a text without blanks; none when it contains anything else.
 std::optional<std::string> lettersOf(std::string_view text) {
   std::string letters;
   for (const char c : text) {
@@ -34,7 +34,7 @@ std::optional<std::string> lettersOf(std::string_view text) {
   return letters;
 }
 
-/// What a line says behind its time, which has two words.
+/// The part of a log line after its time stamp, which has two words.
 std::string_view messageOf(std::string_view line) {
   for (int word = 0; word < 2; ++word) {
     const auto end = line.find(' ');
@@ -54,7 +54,7 @@ bool tellsAnEnd(std::string_view message) {
 
 using Counts = std::vector<std::pair<std::string, std::size_t>>;
 
-/// The most frequent first, those of equal number by their letters.
+/// Sorted by number, the highest first, then by letters.
 Counts most(const std::map<std::string, std::size_t>& counts) {
   Counts all(counts.begin(), counts.end());
   std::ranges::stable_sort(all, [](const auto& a, const auto& b) { return a.second > b.second; });
@@ -67,7 +67,7 @@ std::string line(std::size_t count, const std::string& what) {
   return std::string(number.size() < 6 ? 6 - number.size() : 0, ' ') + number + "  " + what + "\n";
 }
 
-/// The current shipped entry with these letters, as JSON on its lines.
+/// The present shipped entry with these letters, as JSON lines.
 std::optional<std::string> shippedEntry(const std::string& letters, const Document& document) {
   const auto* origin = originOf(document);
   if (origin == nullptr) return std::nullopt;

@@ -9,20 +9,19 @@
 
 namespace keyvora::tools {
 
-/// How often letters were typed, as keyvora's log tells it.
+/// How often letters were typed, according to keyvora's log.
 struct Habits {
-  /// By the letters of sequences that were carried out, or failed.
+  /// By the letters of sequences that were carried out or failed.
   std::map<std::string, std::size_t> fired;
-  /// By letters that led nowhere.
+  /// By letters that matched no sequence.
   std::map<std::string, std::size_t> vain;
 };
 
-/// Reads a log. It takes nothing from it but runs of letters that keys can type; other lines, whoever wrote
-/// them, count for nothing.
+/// Reads a log. Takes nothing from it except letters that keys can type; other lines are ignored.
 Habits habitsIn(std::string_view log);
 
-/// What is fired most, by the names of the document, and for each vain try what was meant, or an entry to
-/// paste. Nothing of the log's text but the letters.
+/// The sequences fired most often, with their names in the document; and for each failed attempt the
+/// sequence that was probably meant, or an entry to paste. Of the log's text only letters are shown.
 std::string asText(const Habits& habits, const Document& document);
 
 }  // namespace keyvora::tools

@@ -13,7 +13,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// What is read of a log: its end. Years of use are less.
+/// How much of the end of a log is read: more than years of use.
 constexpr std::streamoff mostRead = 16 * 1024 * 1024;
 
 std::variant<std::string, Unreadable> endOf(const std::filesystem::path& file) {
@@ -29,7 +29,7 @@ std::variant<std::string, Unreadable> endOf(const std::filesystem::path& file) {
   stream.read(bytes.data(), read);
   bytes.resize(static_cast<std::size_t>(stream.gcount()));
   if (read == size) return bytes;
-  // The first line is only a part of one.
+  // The first line may be incomplete.
   const auto end = bytes.find('\n');
   return end == std::string::npos ? std::string() : bytes.substr(end + 1);
 }

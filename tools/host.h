@@ -6,14 +6,14 @@
 
 namespace keyvora::tools {
 
-/// How to make the host through which a command asks the programs that run; null when the program was built
-/// without one.
+/// Makes the host that gives a command access to running programs; null when the program was built without
+/// one.
 using HostMaker = std::unique_ptr<platform::Host> (*)();
 
-/// The one that this program was built with.
+/// The host maker of this build.
 HostMaker builtHost();
 
-/// The host, made when it is first asked for, and once. Copies share it. Main thread.
+/// The host, made on first access and only once. Copies share it. Main thread.
 class HostOnce {
  public:
   HostOnce(HostMaker make = nullptr) : made_(std::make_shared<Made>(Made{make, nullptr})) {}

@@ -11,10 +11,10 @@
 namespace keyvora::tools {
 namespace {
 
-/// More slips than these are none (see nearest()).
+/// Words that differ more than this are not considered misspellings (see nearest()).
 constexpr int mostSlips = 2;
 
-/// The parts of a text between any of these characters, without lines that begin with a number sign.
+/// The parts of a text between these separators, without lines that begin with a number sign.
 std::vector<std::string_view> parts(std::string_view text, std::string_view separators) {
   std::vector<std::string_view> found;
   while (!text.empty()) {
@@ -55,8 +55,8 @@ bool KnownWords::contains(std::string_view word) const {
 
 std::optional<std::string_view> KnownWords::meantBy(std::string_view word) const {
   if (contains(word)) return std::nullopt;
-  // A slip leaves out, adds or exchanges a letter. Comparing letters alone leaves few words to look at
-  // closely.
+  // A misspelling omits, adds or replaces few letters. Comparing letter counts first leaves few words for
+  // the slower comparison.
   const auto written = lettersOf(word);
   std::vector<std::string_view> candidates;
   for (std::size_t index = 0; index < sorted_.size(); ++index) {

@@ -6,23 +6,23 @@
 #include <string_view>
 #include <vector>
 
-/// What the programs that documents act on call their things, as far as it is known: data files of the
-/// project.
+/// The names that target programs use for their menus and commands, as far as they are known: data files of
+/// the project.
 namespace keyvora::tools {
 
-/// Words in the order of the file. Lookups take small letters and capitals as they are.
+/// Words in the order of the file. Lookups are case-sensitive.
 class KnownWords {
  public:
   explicit KnownWords(std::vector<std::string_view> words);
 
   [[nodiscard]] bool contains(std::string_view word) const;
 
-  /// The known word that someone who wrote this one most likely meant; none when it is known itself, or when
-  /// nothing is near. Costs the more the more words are of nearly the same length.
+  /// The known word that was most likely meant by this one; none when it is known itself, or when no known
+  /// word is similar. The cost grows with the number of words of similar length.
   [[nodiscard]] std::optional<std::string_view> meantBy(std::string_view word) const;
 
  private:
-  /// How often each letter stands in a word, whatever its case; all other characters are one more letter.
+  /// How often each letter occurs in a word, case ignored; all other characters count as one more letter.
   using Letters = std::array<std::uint8_t, 27>;
 
   static Letters lettersOf(std::string_view word);
@@ -34,7 +34,7 @@ class KnownWords {
 /// Titles of menus and their items in Excel for Mac, LibreOffice Calc and Gnumeric.
 const KnownWords& menuTitles();
 
-/// Words of AppleScript and of Excel's script dictionary, in small letters.
+/// Words of AppleScript and of Excel's script dictionary, in lower case.
 const KnownWords& scriptWords();
 
 }  // namespace keyvora::tools

@@ -10,7 +10,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// Key codes by the letter that the tap makes of them, plus one; 0 for characters without a key.
+/// Key codes plus one, by the letter that the tap assigns to them; 0 for characters without a key.
 std::array<std::uint16_t, 256> reversed() {
   std::array<std::uint16_t, 256> codes{};
   for (std::uint16_t code = 0; code < platform::key_code::count; ++code) {

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// No colours where the user wants none (NO_COLOR, https://no-color.org) or the terminal knows none.
+/// None when colours are disabled (NO_COLOR, https://no-color.org) or the terminal does not support them.
 std::optional<keyvora::tools::Terminal> terminal() {
   if (isatty(STDOUT_FILENO) == 0) return std::nullopt;
   const char* unwanted = std::getenv("NO_COLOR");

@@ -9,13 +9,13 @@
 namespace keyvora::tools {
 namespace {
 
-/// How many characters of a line are shown, and how many of them before the place.
+/// How many characters of a line are shown, and how many of those before the position.
 constexpr std::size_t shown = 96;
 constexpr std::size_t before = 60;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// The lines of a document as its places count them; none when it is not UTF-8.
+/// The lines of a document, split as its positions count them; none when it is not UTF-8.
 std::vector<std::string_view> linesOf(std::string_view text) {
   std::vector<std::string_view> lines;
   if (!text::isWellFormed(text)) return lines;
@@ -32,7 +32,7 @@ bool isControl(char32_t codePoint) {
   return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0);
 }
 
-/// Characters of a line from one of its columns on, fit for a terminal.
+/// The characters of a line from a column on, safe for a terminal.
 std::string excerpt(std::string_view line, std::size_t firstColumn) {
   std::string text;
   std::size_t column = 1;

@@ -9,7 +9,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// A menu, or the bar, with the items that paths lead through.
+/// A menu, or the menu bar, with the items on the paths.
 struct MenuTree {
   std::string title;
   std::string path;

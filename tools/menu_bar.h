@@ -5,8 +5,8 @@
 
 namespace keyvora::tools {
 
-/// A simulated menu bar with every item that the document's menu actions lead to. Each element's identifier
-/// is the path of titles that leads to it, each title behind a slash.
+/// A simulated menu bar with every item that the document's menu actions name. Each element's identifier is
+/// its path of titles, with a slash before each title.
 simulated::TreeElementRef menuBarFor(const Mapping& mapping, simulated::Accessibility& accessibility);
 
 }  // namespace keyvora::tools

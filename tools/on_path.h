@@ -4,7 +4,7 @@
 
 namespace keyvora::tools {
 
-/// Whether a program with this name can be started from PATH.
+/// Whether PATH has an executable program with this name.
 bool onPath(std::string_view program);
 
 }  // namespace keyvora::tools

@@ -11,18 +11,18 @@
 
 namespace keyvora::tools {
 
-/// What a command takes on its command line.
+/// The options and operands that a command accepts.
 struct Syntax {
-  /// Switches without a value, with their dashes.
+  /// Options without a value, with their dashes.
   std::vector<std::string_view> switches;
   /// Options with a value: `--tab H` or `--tab=H`.
   std::vector<std::string_view> settings;
-  /// How many operands there must and may be.
+  /// The least and the greatest number of operands.
   std::size_t fewest = 0;
   std::size_t most = 0;
 };
 
-/// A command line, taken apart.
+/// A parsed command line.
 struct Options {
   std::set<std::string, std::less<>> switches;
   std::map<std::string, std::string, std::less<>> settings;
@@ -33,8 +33,8 @@ struct Options {
   [[nodiscard]] std::optional<std::string> operand(std::size_t index) const;
 };
 
-/// Takes the arguments behind a command's name apart; options and operands may mix, `--` ends the options. On
-/// failure what is wrong with them, for a person.
+/// Parses the arguments after a command's name. Options and operands may be mixed; `--` ends the options.
+/// On failure, returns an error message for the user.
 std::variant<Options, std::string> parse(std::span<const std::string> arguments, const Syntax& syntax);
 
 }  // namespace keyvora::tools

@@ -14,13 +14,13 @@
 namespace keyvora::tools {
 namespace {
 
-/// No program has menus as deep as this; a broken one may say that an item is below itself.
+/// No program has deeper menus; a faulty one may report an item as its own descendant.
 constexpr std::size_t deepest = 16;
 
-/// How many titles are named before the rest is only counted.
+/// How many titles are listed; further ones are only counted.
 constexpr std::size_t mostNamed = 12;
 
-/// An element that remembers what it answered: the same menus lie on many paths.
+/// An element that caches its answers: many paths share the same menus.
 class Remembering final : public platform::Element {
  public:
   explicit Remembering(platform::ElementRef element) : element_(std::move(element)) {}
@@ -34,7 +34,7 @@ class Remembering final : public platform::Element {
     return answers_.emplace(name, std::move(answer)).first->second;
   }
 
-  /// Nothing is pressed.
+  /// Never presses anything.
   std::int32_t perform(std::string_view) override { return 0; }
 
  private:
@@ -49,7 +49,7 @@ std::optional<std::string> textOf(platform::Element& element, std::string_view a
   return std::move(*text);
 }
 
-/// The titles that a search among these elements compares with.
+/// The titles that a search among these elements compares.
 std::vector<std::string> titlesAmong(const std::vector<platform::ElementRef>& elements) {
   std::vector<std::string> titles;
   for (const auto& element : elements) {
@@ -76,7 +76,7 @@ std::string instead(const std::string& title, const std::vector<std::string>& ti
   return "there are " + names;
 }
 
-/// A shortcut as the door tells it: names of modifiers and a key, joined by plus signs.
+/// A shortcut in the door's form: names of modifiers and a key, joined by plus signs.
 std::optional<std::pair<std::uint16_t, std::uint64_t>> shortcutFrom(std::string_view text) {
   std::uint64_t flags = 0;
   for (auto plus = text.find('+'); plus != std::string_view::npos && plus + 1 < text.size();

@@ -13,14 +13,15 @@
 
 namespace keyvora::tools {
 
-/// The menus of a running program, which are read and not pressed. Each element is asked once. Main thread;
-/// reading waits for the program.
+/// The menus of a running program, which are read and never pressed. Each element is queried once. Main
+/// thread; reading waits for the program.
 class ProgramMenus {
  public:
   /// The menus below a program's menu bar.
   explicit ProgramMenus(platform::ElementRef menuBar);
 
-  /// Why the runner would not find the item with this path, and what is there instead; none when it would.
+  /// Why the runner would not find the item with this path, and the titles that exist instead; none when it
+  /// would find it.
   std::optional<std::string> missing(const std::vector<std::string>& path);
 
   /// The titles of the menu bar.
@@ -33,7 +34,7 @@ class ProgramMenus {
   std::optional<std::vector<std::string>> itemWith(const action::Keystroke& keystroke);
 
  private:
-  /// A key code and the flags of its modifiers.
+  /// A key code and modifier flags.
   using Shortcut = std::pair<std::uint16_t, std::uint64_t>;
 
   const std::map<Shortcut, std::vector<std::string>>& shortcuts();

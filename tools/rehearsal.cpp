@@ -14,10 +14,10 @@
 namespace keyvora::tools {
 namespace {
 
-/// The target's process, as good as any.
+/// The target's process; any number will do.
 constexpr platform::ProcessIdentifier targetProcess = 1;
 
-/// The runner, with a note of being used.
+/// A runner that records that it was called.
 class NotingRunner final : public Runner {
  public:
   bool used = false;

@@ -12,20 +12,20 @@
 
 namespace keyvora::tools {
 
-/// What came of one key.
+/// The effect of one key.
 struct Step {
-  /// Whether the target was spared the key.
+  /// Whether the tap swallowed the key.
   bool swallowed = false;
-  /// Whether the tap goes on collecting letters.
+  /// Whether the tap is still collecting letters.
   bool armed = false;
-  /// The log lines that it led to.
+  /// The log lines written because of it.
   std::vector<std::string> logged;
   /// Whether a sequence fired.
   bool fired = false;
 };
 
-/// The application's tap and runner on a simulated system, with the target in front and all menus in place
-/// that the document names: what keys would do, without doing it. Only one at a time; main thread.
+/// The application's tap and runner on a simulated system, with the target in front and all menus that the
+/// document names: shows what keys would do, without doing it. Only one may exist at a time; main thread.
 class Rehearsal {
  public:
   explicit Rehearsal(const Mapping& mapping);
@@ -36,10 +36,10 @@ class Rehearsal {
   /// Option pressed and released by itself.
   Step tapOption();
 
-  /// The key of a letter; the letter is one that a key types.
+  /// The key of a letter, which must be one that a key types.
   Step type(std::string_view letter);
 
-  /// No further key: what happens by itself, and after how long. None when nothing is waited for.
+  /// Waits without another key: what happens and after how long. None when no timer is running.
   std::optional<std::pair<std::chrono::milliseconds, Step>> wait();
 
  private:

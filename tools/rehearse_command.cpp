@@ -20,7 +20,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// What was found, by kind of action.
+/// The findings by kind of action.
 struct Counts {
   std::size_t menuPaths = 0;
   std::size_t pathsMissing = 0;
@@ -35,7 +35,7 @@ std::string joinedPath(const std::vector<std::string>& path) {
   return summary(action::Menu{path});
 }
 
-/// Holds sequences against a program's menus and a compiler, as far as either is there.
+/// Tests sequences against a program's menus and a script compiler, as far as these are available.
 class Trial {
  public:
   Trial(ProgramMenus* menus, const ScriptCompiler* compiler, const Streams& streams, bool tellsAll)
@@ -105,7 +105,7 @@ class Trial {
   Findings findings_;
 };
 
-/// The menu bar of the program that runs, or why there is none.
+/// The menu bar of the running program, or why there is none.
 std::variant<platform::ElementRef, std::string> menuBarThatRuns(const platform::Platform& platform) {
   if (!platform.accessibility.isTrusted()) {
     return "no permission to read the menus of other programs: on a Mac allow it for your terminal in System "

@@ -26,11 +26,11 @@ namespace {
 
 constexpr const char* program = "osacompile";
 
-/// The first one waits until the target has started and told its dictionary.
+/// The first compilation waits until the target has started and loaded its dictionary.
 constexpr std::chrono::seconds limit{60};
 constexpr std::chrono::milliseconds pollInterval{5};
 
-/// The exit status of a process; none when it did not end in time and was ended.
+/// The exit status of a process; none when it did not end in time and was killed.
 std::optional<int> await(pid_t process) {
   const auto start = std::chrono::steady_clock::now();
   int status = 0;

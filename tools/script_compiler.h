@@ -6,7 +6,8 @@
 
 namespace keyvora::tools {
 
-/// Compiles scripts with `osacompile`, which comes with macOS, and runs none. Main thread; waits for it.
+/// Compiles scripts with `osacompile`, which comes with macOS, without running them. Main thread; waits for
+/// it.
 class ScriptCompiler {
  public:
   ScriptCompiler();
@@ -14,10 +15,10 @@ class ScriptCompiler {
   ScriptCompiler(const ScriptCompiler&) = delete;
   ScriptCompiler& operator=(const ScriptCompiler&) = delete;
 
-  /// Whether there is such a program on PATH.
+  /// Whether `osacompile` is on PATH.
   [[nodiscard]] static bool isThere();
 
-  /// Why a script does not compile inside the block that the runner puts it in; none when it does.
+  /// Why a script does not compile inside the runner's tell block; none when it does.
   [[nodiscard]] std::optional<std::string> fault(const std::string& script) const;
 
  private:

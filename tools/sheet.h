@@ -21,22 +21,22 @@ struct SheetRow {
 struct SheetTab {
   /// The first letter of its sequences.
   std::string letter;
-  /// What the document calls the tab; empty when it does not say.
+  /// The document's name for the tab; empty when it has none.
   std::string name;
   std::vector<SheetRow> rows;
 };
 
-/// The sequences of a document that can fire, in document order, by the tabs that their first letters stand
-/// for, in the order in which the tabs first come up.
+/// The document's sequences that can fire, in document order, grouped by the tabs of their first letters;
+/// tabs are in the order of their first occurrence.
 std::vector<SheetTab> sheetOf(const Mapping& mapping);
 
-/// Leaves out every sequence that does not start with these letters, and the tabs that are empty then.
+/// Removes every sequence that does not start with these letters, and the tabs without sequences.
 void keepStartingWith(std::vector<SheetTab>& sheet, const std::vector<std::string>& prefix);
 
 /// The sheet for a terminal: a line for each sequence, in columns.
 std::string asTable(const std::vector<SheetTab>& sheet);
 
-/// The sheet as one HTML file that needs nothing else, for the screen and for paper.
+/// The sheet as one self-contained HTML file, for the screen and for print.
 std::string asHtml(const std::vector<SheetTab>& sheet);
 
 /// The sheet as Markdown tables.

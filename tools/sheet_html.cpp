@@ -40,7 +40,7 @@ std::string row(const SheetRow& row) {
          "</span><b>" + escaped(row.name) + mark + "</b></li>\n";
 }
 
-/// A tab's first row stays with its headline at the end of a column.
+/// A column break never separates a tab's heading from its first row.
 std::string section(const SheetTab& tab) {
   std::string html =
       "<section>\n<h2><kbd>" + escaped(tab.letter) + "</kbd> " + escaped(tab.name) + "</h2>\n<ul>\n";

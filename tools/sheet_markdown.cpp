@@ -4,7 +4,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// Text that stays text, inside a table too.
+/// The text escaped for Markdown, also inside a table.
 std::string escaped(const std::string& text) {
   constexpr std::string_view special = "\\`*_{}[]<>#|~";
   std::string result;

@@ -16,7 +16,7 @@ std::string sized(std::string_view text) {
   return std::to_string(text.size()) + ":" + std::string(text);
 }
 
-/// The value written in one way only.
+/// The value in a canonical form.
 std::string canonicalForm(const json::Value& value) {
   switch (value.type()) {
     case json::Type::string:
@@ -59,7 +59,7 @@ const ShippedDocument* shippedDocument(std::string_view name) {
 }
 
 std::string fingerprint(const json::Value& value) {
-  // FNV-1a: nobody is kept from making two entries alike, and nobody gains by it.
+  // FNV-1a: collisions can be made on purpose, but nobody would gain from one.
   std::uint64_t hash = 0xCBF29CE484222325;
   for (const char c : canonicalForm(value)) {
     hash ^= static_cast<unsigned char>(c);

@@ -10,10 +10,10 @@
 
 #include "json/tree.h"
 
-/// What has come with the program, now and before.
+/// The documents shipped with the program, now and before.
 namespace keyvora::tools {
 
-/// A document that comes with the program.
+/// A document shipped with the program.
 struct ShippedDocument {
   /// calc, gnumeric or excel.
   std::string_view name;
@@ -22,17 +22,17 @@ struct ShippedDocument {
 
 std::span<const ShippedDocument> shippedDocuments();
 
-/// The one with this name; null when there is none.
+/// The document with this name; null when there is none.
 const ShippedDocument* shippedDocument(std::string_view name);
 
-/// A number for a value of a document, in hexadecimal: the same for values that differ only in layout, in
-/// escapes and in the order of their members. scripts/shipped computes it too.
+/// A hash of a value, in hexadecimal: equal for values that differ only in layout, escapes or the order of
+/// members. scripts/shipped computes the same.
 std::string fingerprint(const json::Value& value);
 
-/// Every entry that ever came with one document, by its fingerprint: in which edition it first came.
+/// Every entry ever shipped in one document: by fingerprint, the edition in which it first appeared.
 using ShippedEntries = std::map<std::string, int, std::less<>>;
 
-/// The entries of resources/shipped.txt that belong to the document with this name.
+/// The entries of resources/shipped.txt for the document with this name.
 ShippedEntries everShipped(std::string_view documentName);
 
 }  // namespace keyvora::tools

@@ -10,10 +10,11 @@
 namespace keyvora::tools {
 namespace {
 
-/// Words longer than this are no slip of anything.
+/// Longer words are not compared.
 constexpr std::size_t longestWord = 40;
 
-/// Inserted, left out, exchanged and swapped characters between two words (optimal string alignment).
+/// The number of inserted, deleted, replaced and swapped characters between two words (optimal string
+/// alignment).
 std::size_t slips(std::string_view a, std::string_view b) {
   std::vector<std::vector<std::size_t>> rows(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) rows[i][0] = i;

@@ -6,11 +6,11 @@
 
 namespace keyvora::tools {
 
-/// The candidate that someone who wrote `word` most likely meant: the same but for case and blanks around it,
-/// or one or two slips away. None when nothing is near. The first of equally near ones.
+/// The candidate that was most likely meant by `word`: equal except for case and surrounding blanks, or one
+/// or two edits away. None when no candidate is similar. Of equally similar ones, the first.
 std::optional<std::string_view> nearest(std::string_view word, std::span<const std::string_view> candidates);
 
-/// Without the blanks, tabs and line breaks at both ends.
+/// The text without blanks, tabs and line breaks at both ends.
 std::string_view trimmed(std::string_view text);
 
 }  // namespace keyvora::tools

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// The offset behind the object or array that starts at an offset of JSON that was read already.
+/// The offset after the object or array that starts at an offset; the text must be valid JSON.
 std::size_t endOfContainer(std::string_view text, std::size_t begin) {
   std::size_t depth = 0;
   bool inString = false;
@@ -41,7 +41,7 @@ std::string_view textOf(const json::Value& container, std::string_view text) {
   return text.substr(begin, endOfContainer(text, begin) - begin);
 }
 
-/// How lines end in a text, by its first one.
+/// The line ending of a text, taken from its first line.
 std::string lineEnd(std::string_view text) {
   const auto end = text.find_first_of("\r\n");
   if (end == std::string_view::npos || text[end] == '\n') return "\n";
@@ -60,7 +60,7 @@ std::string withLineEnds(std::string_view text, const std::string& end) {
   return result;
 }
 
-/// The blanks that the line of an offset starts with.
+/// The blanks at the start of the line that contains an offset.
 std::string indent(std::string_view text, std::size_t offset) {
   const auto before = text.substr(0, offset).find_last_of("\r\n");
   const auto start = before == std::string_view::npos ? 0 : before + 1;
@@ -68,7 +68,7 @@ std::string indent(std::string_view text, std::size_t offset) {
   return std::string(text.substr(start, std::min(end, offset) - start));
 }
 
-/// Changes to a text, made from its end to its start so that offsets stay good.
+/// Changes to a text, made from its end to its start so that offsets stay valid.
 class Edits {
  public:
   void replace(std::size_t begin, std::size_t size, std::string by) { edits_[begin] = {size, std::move(by)}; }
@@ -87,14 +87,14 @@ class Edits {
 
 using ByLetters = std::map<std::vector<std::string>, const Entry*>;
 
-/// Of the sequences with the same letters the last, which is the one that fires.
+/// Of several sequences with the same letters, the last one, which fires.
 ByLetters firing(const Document& document) {
   ByLetters entries;
   for (const auto& entry : document.entries()) entries[entry.letters] = &entry;
   return entries;
 }
 
-/// The edition that a document came with or was brought to: the latest that an entry of it first came in.
+/// The edition of a document: the latest edition in which one of its entries first appeared.
 int editionOf(const Document& document, const ShippedEntries& known) {
   int edition = 0;
   for (const auto& entry : document.entries()) {
@@ -104,7 +104,7 @@ int editionOf(const Document& document, const ShippedEntries& known) {
   return edition;
 }
 
-/// Puts entries behind the last sequence, each on lines of its own.
+/// Inserts entries after the last sequence, each on lines of its own.
 void append(const std::vector<std::string>& added, const Document& document, std::string_view text,
             Edits& edits) {
   if (added.empty()) return;

@@ -10,41 +10,42 @@
 
 namespace keyvora::tools {
 
-/// What a shipped document has for a user's.
+/// A difference between a shipped document and a user's.
 struct Change {
   enum class Kind {
-    /// Came after the user's document did, and the user has nothing with its letters.
+    /// New since the user's document; the user has no sequence with these letters.
     added,
-    /// The user has it as it came once; it is different now.
+    /// The user has an earlier shipped version of it.
     mended,
-    /// The user has another one with its letters, which is never touched.
+    /// The user has a different sequence with these letters, which is never changed.
     kept,
   };
   Kind kind;
   std::string letters;
-  /// The shipped one's.
+  /// The shipped sequence's name.
   std::string name;
 };
 
 struct Update {
   std::vector<Change> changes;
-  /// The user's document with the changes, as text: whatever they do not concern is as it was.
+  /// The text of the user's document with the changes; everything else is unchanged.
   std::string bytes;
 
-  /// Whether it differs from the user's.
+  /// Whether it differs from the user's document.
   [[nodiscard]] bool bringsAnything() const;
 };
 
-/// An entry as a document has it, from its first brace to its last. `text` is the document in UTF-8 without a
+/// The text of an entry, from its first brace to its last. `text` is the document in UTF-8 without a
 /// byte-order mark.
 std::string_view writtenIn(const Entry& entry, std::string_view text);
 
-/// The shipped document of whose entries, now and before, the user's has the most; none when it has none.
+/// The shipped document that shares the most entries, present or former, with the user's; none when it
+/// shares none.
 const ShippedDocument* originOf(const Document& document);
 
-/// Brings what is new and mended in a shipped document into a user's. Both load. None when the user's is not
-/// in UTF-8. An entry that was there when the user's document came and is no more was taken out by the user,
-/// and stays out.
+/// Adds a shipped document's new and changed entries to a user's document. Both must load. None when the
+/// user's is not UTF-8. An entry that existed at the user's edition and is missing now was deleted by the
+/// user, and is not added again.
 std::optional<Update> update(const Document& document, std::string_view bytes,
                              const ShippedDocument& shipped);
 

@@ -13,13 +13,13 @@
 #include "tools/update.h"
 #include "tools/wording.h"
 
-/// The commands that compare the user's document with what comes with the program, and write it.
+/// The commands that compare the user's document with the shipped one, and change it.
 namespace keyvora::tools {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// A name beside the file that nothing has yet.
+/// An unused name beside the file.
 fs::path backupOf(const fs::path& file) {
   for (int number = 1;; ++number) {
     auto name = file;
@@ -29,8 +29,8 @@ fs::path backupOf(const fs::path& file) {
   }
 }
 
-/// Puts bytes in a file's place at once, with its permissions; what was there stays beside it. What is wrong,
-/// or nothing. A link stays one: the file that it leads to is replaced.
+/// Replaces a file's content in one step, keeping its permissions and a backup beside it. Returns an error,
+/// or none. For a link, replaces the file that it leads to.
 std::optional<std::string> replaceFile(const fs::path& named, const std::string& bytes,
                                        const Streams& streams) {
   std::error_code failed;
@@ -67,7 +67,7 @@ int fail(const std::string& why, const Streams& streams) {
   return exit_status::failed;
 }
 
-/// The user's document and what a shipped one has for it.
+/// The user's document, and the differences of the shipped one.
 struct Comparison {
   std::string file;
   std::string bytes;

@@ -11,7 +11,7 @@
 namespace keyvora::tools::rule {
 namespace {
 
-/// Of the sequences with the same letters the last, which is the one that counts.
+/// Of several sequences with the same letters, the last one, which fires.
 using ByLetters = std::map<std::vector<std::string>, const Entry*>;
 
 ByLetters lastByLetters(const Document& document) {
@@ -20,7 +20,8 @@ ByLetters lastByLetters(const Document& document) {
   return last;
 }
 
-/// The sequences that begin with the letters of one and go on: a run right behind it in the order of letters.
+/// The sequences that begin with the same letters and are longer: a range directly after the sequence in
+/// the order of letters.
 struct Longer {
   const Entry* first = nullptr;
   const Entry* firstTypable = nullptr;
@@ -40,11 +41,11 @@ Longer longerThan(ByLetters::const_iterator entry, const ByLetters& all) {
   return longer;
 }
 
-/// A field of the check's own, which says that a wait is meant. keyvora passes over it.
+/// A field that only the check reads: it says that a wait is intended. keyvora ignores it.
 constexpr std::string_view waits = "waits";
 
 bool isMeant(const Entry& entry, const Longer& longer, std::chrono::milliseconds wait) {
-  if (longer.firstTypable == nullptr || wait.count() <= 0) return false;  // nobody can mean that
+  if (longer.firstTypable == nullptr || wait.count() <= 0) return false;  // impossible to use as intended
   const auto value = entry.source.find(waits);
   return value && value->type() == json::Type::boolean && value->text() == "true";
 }

@@ -12,7 +12,7 @@
 namespace keyvora::tools::rule {
 namespace {
 
-/// Words shorter than this are too near to too many.
+/// Shorter words resemble too many others.
 constexpr std::size_t shortestWord = 4;
 
 bool isLetter(char c) {
@@ -33,7 +33,7 @@ std::vector<std::string> wordsOf(const std::string& code) {
   return words;
 }
 
-/// Names that a script gives: what follows set, a loop's with, a copy's to, and on.
+/// Names that a script defines: those after set, after a loop's with, after a copy's to, and so on.
 std::set<std::string> namesGivenIn(const Statements& script) {
   std::set<std::string> names;
   for (const auto& statement : script.all) {
@@ -41,7 +41,7 @@ std::set<std::string> namesGivenIn(const Statements& script) {
     if (words.size() < 2) continue;
     if (words[0] == "set" || words[0] == "on" || words[0] == "global" || words[0] == "local") {
       for (std::size_t index = 1; index < words.size() && words[index] != "to"; ++index) {
-        // A property is no name of the script's own: "set bold of font object of selection to true".
+        // A property is not a name defined by the script: "set bold of font object of selection to true".
         if (index + 1 < words.size() && (words[index + 1] == "of" || words[index + 1] == "object")) break;
         names.insert(words[index]);
       }
@@ -61,7 +61,7 @@ bool isKnown(const std::string& word) {
   return known.contains(word) || known.contains(plainly(word)) || known.contains(word + "s");
 }
 
-/// What opens a dialog, by how its statement begins.
+/// Whether a statement opens a dialog, by its first words.
 bool opensDialog(const std::string& code, bool hasDialogs) {
   for (const auto* start : {"display dialog", "display alert", "choose ", "function wizard "}) {
     if (code.starts_with(start)) return true;
@@ -101,7 +101,7 @@ void unknownTitles(const Document& document, std::string_view name, Findings& fi
       path.emplace_back(index++);
       const auto [found, isNew] = seen.try_emplace(std::string(title.text()));
       if (isNew) found->second = tools::menuTitles().meantBy(found->first);
-      // Of blanks at the ends the title's own rule speaks.
+      // Blanks at the ends are reported by another rule.
       if (!found->second || *found->second == trimmed(title.text())) continue;
       warn(findings, name, title, path,
            "no menu is known to have the title " + inQuotes(title.text()) + "; did you mean " +
@@ -122,7 +122,7 @@ void misspeltTerms(const Document& document, std::string_view name, Findings& fi
         if (word.size() < shortestWord || own.contains(word) || isKnown(word)) continue;
         const auto [found, isNew] = seen.try_emplace(word);
         if (isNew) found->second = scriptWords().meantBy(word);
-        // Nobody gets the first letter wrong; words that rhyme are other words.
+        // People rarely mistype the first letter, and words that differ in it are usually other words.
         if (!found->second || found->second->front() != word.front()) continue;
         warn(findings, name, entry.actionValue(key::script), entry.actionPath(key::script),
              "line " + std::to_string(statement.line) + " of the script has " + inQuotes(word) +

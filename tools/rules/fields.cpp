@@ -14,7 +14,8 @@ namespace {
 
 using Names = std::span<const std::string_view>;
 
-/// Calls `visit(object, path, names)` for each object whose members the format names, in document order.
+/// Calls `visit(object, path, names)` for each object of the document format, with its known field names,
+/// in document order.
 template <class Visit>
 void forEachObject(const Document& document, Visit visit) {
   const auto root = document.root();
@@ -46,7 +47,7 @@ void misspeltFields(const Document& document, std::string_view name, Findings& f
       const auto field = member.key.text();
       if (std::ranges::any_of(names, [&](auto known) { return text::equal(known, field); })) continue;
       const auto meant = nearest(field, names);
-      if (!meant) continue;  // a note of the user's own, or another program's
+      if (!meant) continue;  // a field of the user or of another program
       warn(findings, name, member.key, with(path, field),
            "no such field, so it is passed over; did you mean " + inQuotes(*meant) + "?");
     }

@@ -16,7 +16,7 @@ namespace {
 
 using Alias = std::pair<std::string_view, std::string_view>;
 
-/// What keys and modifiers are called elsewhere.
+/// Names that other systems use for keys and modifiers.
 constexpr std::array keyAliases{
     Alias{"enter", "return"}, Alias{"esc", "escape"}, Alias{"spacebar", "space"}, Alias{" ", "space"},
     Alias{"\t", "tab"},       Alias{"plus", "="},     Alias{"minus", "-"},        Alias{"comma", ","},
@@ -26,7 +26,7 @@ constexpr std::array modifierAliases{
     Alias{"⌘", "command"},     Alias{"⌥", "option"},      Alias{"⌃", "control"},  Alias{"⇧", "shift"},
     Alias{"apple", "command"}, Alias{"super", "command"}, Alias{"opt", "option"}, Alias{"ctl", "control"},
 };
-/// Keys that exist and that no action can press.
+/// Keys that exist but that no action can press.
 constexpr std::array absentKeys{
     std::string_view("delete"),   std::string_view("backspace"), std::string_view("up"),
     std::string_view("down"),     std::string_view("left"),      std::string_view("right"),
@@ -42,7 +42,7 @@ std::vector<std::string_view> namesOf(const Table& table) {
   return names;
 }
 
-/// Names that a slip of the pen may have spoilt; of function keys only the number could be wrong.
+/// Names that may be misspelt. Names of function keys are left out, since only their number could be wrong.
 std::vector<std::string_view> spelledNames() {
   auto names = namesOf(keyNames);
   std::erase_if(names, [](auto name) { return name.size() > 1 && text::isAsciiDigit(name[1]); });

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view ellipsis = "\u2026";
 
-/// What is doubtful about a title, and what to do; empty when nothing is.
+/// What is suspicious about a title and how to correct it; empty when nothing is.
 std::string doubt(std::string_view title) {
   if (title.empty()) return "is empty, and no menu has such a title; write the title as the menu shows it";
   const auto characters = text::characters(title);

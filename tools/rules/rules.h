@@ -6,11 +6,11 @@
 #include "tools/document.h"
 #include "tools/finding.h"
 
-/// What a document may hold that loads and yet would surprise. A rule is one function that looks at a whole
-/// document and adds what it finds; to add one, write it and enter it in the table of rules.cpp.
+/// Checks for content that loads but may have an unexpected effect. A rule is a function that examines a
+/// whole document and adds its findings. To add a rule, write it and enter it in the table in rules.cpp.
 namespace keyvora::tools {
 
-/// A rule's name, for programs that read findings, and what it does.
+/// A rule's name, for programs that read findings, and its function.
 struct Rule {
   std::string_view name;
   void (*apply)(const Document& document, std::string_view name, Findings& findings);
@@ -25,7 +25,7 @@ namespace rule {
 void emptyKeys(const Document& document, std::string_view name, Findings& findings);
 void untypableLetters(const Document& document, std::string_view name, Findings& findings);
 
-// collisions.cpp: sequences that get in each other's way.
+// collisions.cpp: sequences that conflict with each other.
 void repeatedSequences(const Document& document, std::string_view name, Findings& findings);
 void waitingSequences(const Document& document, std::string_view name, Findings& findings);
 
@@ -43,7 +43,7 @@ void menuTitles(const Document& document, std::string_view name, Findings& findi
 void scriptBlocks(const Document& document, std::string_view name, Findings& findings);
 void scriptTells(const Document& document, std::string_view name, Findings& findings);
 
-// excel.cpp: what the programs that are acted on call their things, and do.
+// excel.cpp: names and behaviour of the target programs.
 void unknownTitles(const Document& document, std::string_view name, Findings& findings);
 void misspeltTerms(const Document& document, std::string_view name, Findings& findings);
 void waitingScripts(const Document& document, std::string_view name, Findings& findings);

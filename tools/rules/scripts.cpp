@@ -8,7 +8,7 @@
 namespace keyvora::tools::rule {
 namespace {
 
-/// Whether a statement turns to the application that the script already runs in.
+/// Whether a statement addresses the application that the script already runs in.
 bool tellsTarget(const Statement& statement) {
   const bool tells =
       statement.code.starts_with("tell application ") || statement.code.starts_with("tell app ");

@@ -4,7 +4,7 @@
 namespace keyvora::tools::rule {
 namespace {
 
-/// A wait longer than this, in milliseconds, looks like a slip.
+/// A wait longer than this, in milliseconds, is probably a mistake.
 constexpr std::int64_t longestWait = 10'000;
 
 }  // namespace

@@ -20,7 +20,7 @@ void otherVersions(const Document& document, std::string_view name, Findings& fi
   if (!root || root->type() != json::Type::object) return;
   const auto version = root->find(key::version);
   if (!version || version->type() != json::Type::number || version->text() == only) return;
-  if (version->text().find_first_of(".eE") != std::string_view::npos) return;  // an error of its own
+  if (version->text().find_first_of(".eE") != std::string_view::npos) return;  // reported as an error
   warn(findings, name, *version, {std::string(key::version)},
        "there is no version " + std::string(version->text()) + " of the format; write 1");
 }
