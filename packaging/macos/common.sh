@@ -21,4 +21,12 @@ entitlements=$here/keyvora.entitlements
 has_identity() { [[ $(security find-identity -v -p codesigning) == *"\"$1\""* ]]; }
 
 # app_version APP KEY: a value of the bundle's information dictionary.
-app_version() { /usr/libexec/PlistBuddy -c "Print :$2" "$1/Contents/Info.plist"; }
+app_version() { plutil -extract "$2" raw -o - "$1/Contents/Info.plist"; }
+
+# need_sdk: ends the script unless the SDK declares what the program calls; the newest is -[NSApplication activate].
+need_sdk() {
+  local needed=14 found
+  found=$(xcrun --sdk macosx --show-sdk-version)
+  ((${found%%.*} >= needed)) ||
+    die "the SDK is that of macOS $found; keyvora takes $needed or later: install a newer Xcode, or choose it with xcode-select"
+}

@@ -15,6 +15,7 @@ import subprocess
 import tempfile
 import zipfile
 from xml.etree import ElementTree
+from xml.parsers.expat import ExpatError
 
 NAMESPACE = "http://www.andymatuschak.org/xml-namespaces/sparkle"
 # What stands before the key itself in DER, the same for every Ed25519 key (RFC 8410).
@@ -23,6 +24,8 @@ PUBLIC_HEAD = bytes.fromhex("302a300506032b6570032100")
 # Sparkle takes off what begins with the last of these; what stands before is what was signed.
 SIGNATURE_START = b"<!-- sparkle-signatures:\n"
 SIGNATURE_BLOCK = re.compile(rb"<!-- sparkle-signatures:\nedSignature: ([A-Za-z0-9+/=]+)\nlength: (\d+)\n-->\n\Z")
+# What plistlib raises for what is no property list.
+NO_PROPERTY_LIST = (plistlib.InvalidFileException, ExpatError, ValueError)
 INFORMATION = "keyvora.app/Contents/Info.plist"
 ElementTree.register_namespace("sparkle", NAMESPACE)
 
@@ -118,7 +121,7 @@ def read_archive(file: pathlib.Path) -> Archive:
     try:
         with zipfile.ZipFile(file) as archive:
             information = plistlib.loads(archive.read(INFORMATION))
-    except (OSError, zipfile.BadZipFile, KeyError, plistlib.InvalidFileException) as error:
+    except (OSError, zipfile.BadZipFile, KeyError, *NO_PROPERTY_LIST) as error:
         raise FeedError(f"{file} is no archive with {INFORMATION}: {error}") from error
 
     def value(name: str) -> str:

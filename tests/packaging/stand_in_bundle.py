@@ -1,8 +1,9 @@
-"""keyvora.app as the build leaves it, with scripts for programs and the real information dictionary; and its archive."""
+"""keyvora.app as the build leaves it, with no more of its programs than is looked at; and its archive."""
 
 import base64
 import os
 import pathlib
+import struct
 import subprocess
 import zipfile
 
@@ -10,6 +11,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 VERSION, BUILD = "7.8.9", "57"
 FEED = "https://example.org/appcast.xml"
 VERSIONS = "Contents/Frameworks/Sparkle.framework/Versions"
+# The head of a program for arm64 and x86_64, as far as it is looked at; what a debugging build has at its end.
+UNIVERSAL = struct.pack(">II5I5I", 0xCAFEBABE, 2, 0x01000007, 3, 0, 0, 14, 0x0100000C, 0, 0, 0, 14)
+SYMBOLS = b"with symbols"
 PROGRAMS = ("Contents/MacOS/keyvora", "Contents/MacOS/keyvora-mappings", f"{VERSIONS}/B/Autoupdate", f"{VERSIONS}/B/Sparkle",
             f"{VERSIONS}/B/Updater.app/Contents/MacOS/Updater")
 FOLDERS = (f"{VERSIONS}/B/XPCServices/Installer.xpc", f"{VERSIONS}/B/XPCServices/Downloader.xpc")
@@ -27,7 +31,7 @@ def make_bundle(folder: pathlib.Path, key: bytes | None, **settings: str) -> pat
     app = folder / "keyvora.app"
     for name in PROGRAMS:
         (app / name).parent.mkdir(parents=True, exist_ok=True)
-        (app / name).write_text(f"#!/bin/sh\necho {name}\n", encoding="ascii")
+        (app / name).write_bytes(UNIVERSAL + name.encode() + SYMBOLS)
         (app / name).chmod(0o755)
     for name in FOLDERS:
         (app / name).mkdir(parents=True)
@@ -35,6 +39,7 @@ def make_bundle(folder: pathlib.Path, key: bytes | None, **settings: str) -> pat
     os.symlink("Versions/Current/Sparkle", app / VERSIONS / "../Sparkle")
     resources = app / "Contents/Resources/keyvora_keyvora.bundle"
     resources.mkdir(parents=True)
+    (app / "Contents/Resources/keyvora.icns").write_bytes((ROOT / "packaging/macos/keyvora.icns").read_bytes())
     (resources / "mappings.json").write_bytes((ROOT / "resources/mappings.json").read_bytes())
     if key is not None:
         settings = {"KEYVORA_UPDATE_FEED": FEED, "KEYVORA_UPDATE_KEY": base64.b64encode(key).decode("ascii"), **settings}
