@@ -119,8 +119,8 @@ TEST_F(UserCheckTest, ShowsAnUpdateWithNotesAndWhereToGetIt) {
 TEST_F(UserCheckTest, AFeedMayTakeHalfAMinuteAndAMebibyte) {
   serve(feedAddress, newer);
   check();
-  EXPECT_EQ(limits.time, std::chrono::seconds(30));
-  EXPECT_EQ(limits.bytes, 1U << 20);
+  EXPECT_EQ(lastLimits.time, std::chrono::seconds(30));
+  EXPECT_EQ(lastLimits.bytes, 1U << 20);
 }
 
 TEST_F(UserCheckTest, ClosingTheWindowEndsTheSession) {

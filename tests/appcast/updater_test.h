@@ -58,7 +58,7 @@ class UpdaterTest : public testing::Test {
   std::string skipped;
 
   /// What the last fetch might take.
-  FetchLimits limits;
+  FetchLimits lastLimits;
 
   /// What the user can do to the window that shows.
   std::function<void()> cancel;
@@ -82,7 +82,7 @@ class UpdaterTest : public testing::Test {
     std::unique_ptr<Fetch> fetch(const std::string& address, const FetchLimits& limits,
                                  std::function<void(Fetched)> done) override {
       test_.happened("fetch " + address);
-      test_.limits = limits;
+      test_.lastLimits = limits;
       struct Pending final : Fetch {
         std::shared_ptr<std::function<void(Fetched)>> done;
       };
