@@ -145,10 +145,10 @@ TEST_P(ExpensiveFeedTest, IsReadAtOnce) {
     best = std::min(best, processorMilliseconds() - start);
   }
   RecordProperty("milliseconds", std::to_string(best));
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  EXPECT_LT(best, 500);
-#else
+#if defined(__OPTIMIZE__)
   EXPECT_LT(best, 50);
+#else
+  EXPECT_LT(best, 500);  // sanitizers and the counters of a coverage build take ten times as long
 #endif
 }
 

@@ -50,6 +50,10 @@ Allocations since() {
 
 }  // namespace keyvora::counting
 
+// Clang declares these two only where it would call them itself.
+void operator delete(void* pointer, std::size_t size) noexcept;
+void operator delete[](void* pointer, std::size_t size) noexcept;
+
 void* operator new(std::size_t size) {
   return keyvora::counting::allocate(size);
 }

@@ -25,6 +25,8 @@ void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept 
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
+// Clang declares this one only where it would call it itself.
+void operator delete(void* memory, std::size_t) noexcept;
 void operator delete(void* memory, std::size_t) noexcept {
   std::free(memory);
 }
