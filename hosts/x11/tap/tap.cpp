@@ -60,6 +60,9 @@ Tap::~Tap() {
   letGo(Verdict::pass);
   disclaimTap(*connection_);
   XSync(connection_->get(), False);
+  // The server may hold a key that was not read of yet. With this connection it would drop it.
+  readEvents();
+  XSync(connection_->get(), False);
 }
 
 /// Makes this the session's only tap, if the target's keys can be grabbed.

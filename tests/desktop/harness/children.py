@@ -45,6 +45,10 @@ class Children:
         """The program that was last started under this name."""
         return self._named[name]
 
+    def running(self) -> list[str]:
+        """The programs that were started and have not ended."""
+        return [str(child.args[0]) for child in self._running if child.poll() is None]
+
     def log(self, name: str) -> Path:
         """Where the output of the program started under `name` goes."""
         return self._logs / f"{name}.log"

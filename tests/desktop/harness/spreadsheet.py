@@ -47,23 +47,26 @@ class Spreadsheet(ABC):
         # A window that is gone may leave its number to the next one.
         before = x11.active_window() if x11.active_class() else ""
         desktop.children.start(self._command(desktop) + list(files))
-        self._take_window_in_front(before)
+        self._take_window_in_front(before, [])
 
     def new_window(self, typist: Typist) -> "Spreadsheet":
         """A second workbook of the same process, made as a user does."""
+        known = accessible.children(self._root)
         typist.tap("Control+n")
         second = copy.copy(self)
-        second._take_window_in_front(self.window)
+        second._take_window_in_front(self.window, known)
         return second
 
-    def _take_window_in_front(self, before: str) -> None:
+    def _take_window_in_front(self, before: str, known: list[accessible.Element]) -> None:
+        """Makes the new window in front this one's: not `before`, and none of the `known` frames."""
         until(lambda: x11.active_window() != before and self.window_class in x11.active_class(),
               f"{self.name} in front", 40, seen=x11.active_class)
         self.window = x11.active_window()
         self.process = int(x11.window_property(self.window, "_NET_WM_PID"))
         accessible.connect()
         self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus", 20)
-        self._frame = until(self._active_frame, f"the frame of {self.name}", 20)
+        # The process may notice its new window in front later than the screen: until then a known frame is active.
+        self._frame = until(lambda: self._active_frame(known), f"the frame of {self.name}", 60)
         until(self._has_menus, f"the menus of {self.name}", 20)
         self._find_places()
 
@@ -73,8 +76,9 @@ class Spreadsheet(ABC):
         assert texts
         self._name_box, self._input_line = texts
 
-    def _active_frame(self) -> accessible.Element | None:
-        return next((frame for frame in accessible.children(self._root) if accessible.is_active(frame)), None)
+    def _active_frame(self, known: list[accessible.Element]) -> accessible.Element | None:
+        return next((frame for frame in accessible.children(self._root)
+                     if frame not in known and accessible.is_active(frame)), None)
 
     def is_in_front(self) -> bool:
         """Whether its main window is the active one."""

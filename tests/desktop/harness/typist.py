@@ -2,7 +2,7 @@
 
 from pathlib import Path
 
-from .children import Children
+from .children import Children, stop
 from .private_desktop import KEYBOARD
 
 # The keyboard that programs type on, by the XTEST extension.
@@ -19,6 +19,10 @@ class Typist:
     def __init__(self, children: Children, program: Path, device: str = KEYBOARD) -> None:
         self._process = children.start([str(program), device], name="typist", interactive=True)
         self._expect_ok("start")
+
+    def end(self) -> None:
+        """Ends the program; what it holds down stays down."""
+        stop(self._process)
 
     def pace(self, milliseconds: int) -> None:
         """From now on waits so long after every key."""

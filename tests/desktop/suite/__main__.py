@@ -81,6 +81,15 @@ class Result(unittest.TextTestResult):
 
     artifacts: Path
 
+    def stopTest(self, test: unittest.TestCase) -> None:
+        from .desktop_test import DesktopTest
+        super().stopTest(test)
+        desktop = DesktopTest.environment.desktop
+        left = [program for program in desktop.children.running() if program.endswith("-typist")]
+        if left:
+            error = AssertionError(f"hands were left at the keyboard: {left}")
+            self.addFailure(test, (type(error), error, None))
+
     def addFailure(self, test: unittest.TestCase, err: Fault) -> None:
         super().addFailure(test, err)
         self._keep(test, self.failures[-1][1])

@@ -60,11 +60,12 @@ class DesktopTest(unittest.TestCase):
         shutil.rmtree(self.desktop.home / "Library", ignore_errors=True)
         self.keyvora = Keyvora(self.desktop, self.environment.keyvora)
         self.addCleanup(self.end)
+        if self.environment.sheet:
+            self.typist = self.new_typist()
         self.addCleanup(self.dismiss)
         self.keyvora.write(self.document)
         if self.environment.sheet:
             self.sheet = self.environment.sheet
-            self.typist = self.new_typist()
             self.typist.pace(self.sheet.pace)
             self.new_cell()
         if self.starts_keyvora:
@@ -79,8 +80,10 @@ class DesktopTest(unittest.TestCase):
         self.assertEqual(0, self.keyvora.stop(), "keyvora's exit status")
 
     def new_typist(self, **options: str) -> Typist:
-        """Another pair of hands."""
-        return Typist(self.desktop.children, self.environment.typist, **options)
+        """Another pair of hands, for this test."""
+        typist = Typist(self.desktop.children, self.environment.typist, **options)
+        self.addCleanup(typist.end)
+        return typist
 
     def new_cell(self) -> None:
         """Selects an empty cell of a column of its own, where no completion gets in the way."""

@@ -70,6 +70,7 @@ class DocumentTest(unittest.TestCase):
             self.end_all()
             environment.sheet = None
         self.typist = Typist(self.desktop.children, environment.typist)
+        self.addCleanup(self.typist.end)
         self.typist.pace(self.kind.pace)
         self.keyvora = self.new_keyvora(environment.keyvora)
         self.addCleanup(self.keyvora.stop)

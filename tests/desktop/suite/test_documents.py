@@ -68,7 +68,6 @@ class DocumentsTest(DesktopTest):
         for _ in range(3):
             with suppress(Timeout):
                 return sheet.select(self.typist, cell)
-            x11.activate(sheet.window)  # as a user clicks a window that does not take the keys
         sheet.select(self.typist, cell)
 
     def fill(self, sheet: Spreadsheet) -> None:
@@ -80,6 +79,11 @@ class DocumentsTest(DesktopTest):
         equal(sheet.selected, "A3", "the selected cell")
         self.go(sheet, "A1")
         equal(sheet.input, "k", "the first cell")
+
+    def leave(self, sheet: Spreadsheet) -> None:
+        """Leaves the cell of the workbook in front: a key that waits for its verdict goes to what is in front then."""
+        self.typist.tap("Escape")
+        equal(sheet.input, "", "the text of the cell that was left")
 
     def expect_first_cell(self, sheet: Spreadsheet, content: str) -> None:
         """Goes there: what the input line shows is otherwise no news."""
@@ -119,7 +123,7 @@ class TwoWindows(DocumentsTest):
             self.fire()
             equal(sheet.input, "x", "the text of the one in front")
             equal(other.input, "", "the text of the other one")
-            self.typist.tap("Escape")
+            self.leave(sheet)
 
     def test_keys_stay_with_the_document_that_they_were_meant_for(self) -> None:
         second = self.new_window()
@@ -151,7 +155,7 @@ class TwoWindows(DocumentsTest):
         self.fire()
         self.keyvora.log.wait("T  Do (keytips BDGPQUVX)")
         self.expect_background_input("bdgpquvx", second, "x")
-        self.typist.tap("Escape")
+        self.leave(second)
         self.bring_to_front(self.sheet)
 
     def test_a_document_that_was_closed_meanwhile_gets_nothing_and_no_other_does(self) -> None:
@@ -200,7 +204,7 @@ class TwoProcesses(DocumentsTest):
             self.fire()
             equal(sheet.input, "x", "the text of the one in front")
             equal(other.input, "", "the text of the other one")
-            self.typist.tap("Escape")
+            self.leave(sheet)
 
     def test_menus_are_those_of_the_one_in_front(self) -> None:
         self.fill(self.sheet)

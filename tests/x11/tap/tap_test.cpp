@@ -107,6 +107,14 @@ TEST_F(TapTest, AKeyThatWasCaughtJustBeforeTheTapWentOffIsSentOn) {
   user.release(key::h);
 }
 
+TEST_F(TapTest, AKeyThatWasCaughtJustBeforeTheTapEndsIsSentOn) {
+  open(display.name());
+  user.tap({key::leftOption, key::a});
+  user.sync();  // the server holds it; the tap has not read of it
+  tap.reset();
+  EXPECT_TRUE(arrive({key::leftOption, key::a}));
+}
+
 TEST_F(TapTest, WhenTheOwnerHangsItUngrabsBeforeItLetsGo) {
   open(display.name());
   tapOption();
