@@ -1,4 +1,4 @@
-// Decoding a mapping document, beside what two JSON libraries take only to parse the same bytes.
+// Decoding a mapping document, compared with two JSON libraries that only parse the same bytes.
 
 #include <benchmark/benchmark.h>
 #include <rapidjson/document.h>

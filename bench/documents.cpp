@@ -8,15 +8,15 @@
 namespace keyvora::bench {
 namespace {
 
-/// A third of the sequences start with H, the others with any letter, in no order: what a letter costs shall
-/// depend on how many sequences there are, and not on where those that start with it are.
+/// A third of the sequences start with H, the others with any letter, in random order: the cost of a letter
+/// must depend on the number of sequences, not on the place of the matching ones.
 char firstLetter(std::uint32_t number) {
   constexpr std::string_view letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
   std::minstd_rand random(number + 1);
   return random() % 3 == 0 ? 'H' : letters[random() % letters.size()];
 }
 
-/// The first letter, and the number in letters: each sequence has keys of its own.
+/// The first letter, and the number in letters, so that all keys differ.
 std::string keysOf(std::size_t number) {
   constexpr std::size_t letters = 26;
   std::string keys(1, firstLetter(static_cast<std::uint32_t>(number)));

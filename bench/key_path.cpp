@@ -1,5 +1,5 @@
-// What one event costs in the program: idle, and as a letter of an armed sequence. The system around it is
-// simulated, so this is our part alone.
+// The cost of one event in the program: while idle, and as a letter of an armed sequence. The system is
+// simulated, so this measures keyvora's part only.
 
 #include <benchmark/benchmark.h>
 
@@ -21,7 +21,7 @@ using namespace platform::event_type;
 
 using platform::key_code::escape, platform::key_code::h, platform::key_code::leftOption;
 
-/// A tap on a simulated system that remembers nothing.
+/// A tap on a simulated system that records nothing.
 class Rig {
  public:
   explicit Rig(std::size_t sequences, const char* front) : mapping_(document(sequences)) {
@@ -36,7 +36,7 @@ class Rig {
     handle({flagsChanged, leftOption, 0, 0});
   }
 
-  /// Forgets what piled up in the simulation.
+  /// Removes what has accumulated in the simulation.
   void tidy() { host_.files.remove("/Users/me/Library/Logs/keyvora.log"); }
 
   [[nodiscard]] const Mapping& mapping() const { return mapping_; }
@@ -89,7 +89,7 @@ void armedLetter(benchmark::State& state) {
 }
 BENCHMARK(armedLetter)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000)->UseManualTime()->Complexity();
 
-/// The matching of a letter by itself.
+/// Matching a letter, by itself.
 void lookup(benchmark::State& state) {
   const auto mapping = document(static_cast<std::size_t>(state.range(0)));
   const std::vector<std::string> typed{"H"};
@@ -98,7 +98,7 @@ void lookup(benchmark::State& state) {
 }
 BENCHMARK(lookup)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000)->Complexity();
 
-/// What it takes to look at the first letter of each sequence and do nothing with it.
+/// Reading the first letter of each sequence and nothing else.
 void walk(benchmark::State& state) {
   const auto mapping = document(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) {

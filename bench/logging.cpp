@@ -1,6 +1,6 @@
-// What one log line costs its caller while two threads log as fast as they can: with and without the console
-// copy, beside spdlog's asynchronous logger. Files and the console (a regular file, as a session's error log
-// is) lie in a scratch folder.
+// The cost of one log line for its caller while two threads log as fast as they can, with and without the
+// console copy, compared with spdlog's asynchronous logger. The files and the console (a regular file, like
+// a session's error log) are in a scratch folder.
 
 #include <fcntl.h>
 #include <spdlog/async.h>
@@ -27,7 +27,7 @@ constexpr int threads = 2;
 constexpr int lines = 50'000;
 const std::string message = "H F C  Fill colour (keytips HFC)";
 
-/// Calls `log` from all threads, and prints the median and the 99th percentile of what a call took.
+/// Calls `log` from all threads, and prints the median and the 99th percentile of the time per call.
 void measure(const char* name, const std::function<void()>& log) {
   std::vector<std::vector<double>> taken(threads);
   std::vector<std::thread> running;
@@ -69,7 +69,7 @@ void measureOurs(const char* name, platform::Console& console) {
 }
 
 void measureSpdlog(const char* name, bool console, const std::filesystem::path& folder) {
-  constexpr std::size_t queue = 1U << 17U;  // room for all: no caller ever waits
+  constexpr std::size_t queue = 1U << 17U;  // room for all, so that no caller waits
   spdlog::init_thread_pool(queue, 1);
   std::vector<spdlog::sink_ptr> sinks{
       std::make_shared<spdlog::sinks::basic_file_sink_mt>((folder / name).string())};

@@ -10,11 +10,11 @@
 
 #include "text/utf8.h"
 
-/// What every fuzzer is written with. A fuzzer turns bytes into an input, runs the code, and calls `require`
-/// for what must hold; sanitizers watch the rest.
+/// Shared by the fuzzers. A fuzzer turns bytes into an input, runs the code, and calls `require` for its
+/// property; the sanitizers detect other faults.
 namespace keyvora::fuzz {
 
-/// Ends the run, with the input kept, when something that must hold does not.
+/// Ends the run, and keeps the input, when the property does not hold.
 inline void require(bool holds, std::string_view what) {
   if (holds) return;
   std::cerr << "violated: " << what << '\n';
@@ -23,7 +23,7 @@ inline void require(bool holds, std::string_view what) {
 
 using text::isWellFormed;
 
-/// Well-formed text out of the input: mostly what keyboards type, and now and then any character there is.
+/// Well-formed text from the input: mostly characters of keyboards, sometimes any character.
 inline std::string someText(FuzzedDataProvider& input, std::size_t longest) {
   static constexpr std::string_view common = "abcfhHFX19 .,-/\t\n\"\\";
   static constexpr std::string_view special[] = {"é",      "e\u0301", "ß",   "ﬁ", "İ",

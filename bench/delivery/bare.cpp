@@ -1,6 +1,6 @@
 // usage: bench_bare
-// Grabs every key and sends each one on at once, and does nothing else: the least that a program costs which
-// is shown keys before their windows are. Runs until a signal ends it.
+// Grabs every key and sends each one on at once: the lower bound for a program that gets keys before their
+// windows do. Runs until a signal ends it.
 
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput2.h>

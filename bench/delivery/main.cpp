@@ -1,8 +1,8 @@
 // usage: bench_delivery DEVICE KEY TIMES [armed]
-// Presses KEY so many times on a keyboard of the display, each when the one before has arrived, and prints
-// how long each took from injection to delivery in a window, in microseconds, a line each. With `armed`,
-// Option is tapped first and the sequence must still be open at the end: KEY has to be one that leaves it so
-// (Shift).
+// Presses KEY that many times on a keyboard of the display, each time when the last press has arrived, and
+// prints the time from injection to delivery in a window, in microseconds, one per line. With `armed`,
+// first taps Option, and requires that the sequence is still open at the end: KEY must be a key that does
+// not end it (Shift).
 
 #include <cstdio>
 #include <cstdlib>
@@ -38,7 +38,7 @@ class Bench {
     release(keys_.code(key));
   }
 
-  /// From injection to delivery, in microseconds.
+  /// The time from injection to delivery, in microseconds.
   double time(const char* key) {
     const auto code = keys_.code(key);
     const auto start = TargetWindow::Clock::now();
@@ -73,7 +73,7 @@ class Bench {
 
 void run(const char* device, const char* key, std::size_t times, bool armed) {
   Bench bench(device);
-  // Whoever follows the windows shall know of this one before it starts.
+  // Programs that follow the windows must know this one before the measurement starts.
   std::this_thread::sleep_for(500ms);
   constexpr int warmUp = 100;
   for (int i = 0; i < warmUp; ++i) bench.time(key);
@@ -83,7 +83,7 @@ void run(const char* device, const char* key, std::size_t times, bool armed) {
   }
   std::vector<double> taken;
   for (std::size_t i = 0; i < times; ++i) taken.push_back(bench.time(key));
-  // Escape belongs to a sequence that is open, else to the window.
+  // Escape is swallowed if a sequence is open, and reaches the window otherwise.
   if (bench.arrives("Escape") == armed)
     throw std::runtime_error(armed ? "the sequence ended early" : "Escape was lost");
   for (const double each : taken) std::printf("%.1f\n", each);

@@ -7,10 +7,10 @@
 
 namespace keyvora::bench {
 
-/// A window that keys are typed into, on a connection of its own. It passes for the target application.
+/// A window that keys are typed into, on its own connection. keyvora takes it for the target application.
 class TargetWindow {
  public:
-  /// Shows the window and waits until it has the keyboard.
+  /// Shows the window and waits until it has the keyboard focus.
   explicit TargetWindow(Display* display);
   ~TargetWindow();
   TargetWindow(const TargetWindow&) = delete;
@@ -18,7 +18,7 @@ class TargetWindow {
 
   using Clock = std::chrono::steady_clock;
 
-  /// When the press of this key came; none when it did not within `limit`. Other keys are passed over.
+  /// When the press of this key arrived; none when it did not within `limit`. Other keys are ignored.
   std::optional<Clock::time_point> waitFor(KeyCode key, std::chrono::milliseconds limit);
 
  private:

@@ -1,4 +1,4 @@
-// Any bytes as a feed: it is read whole or refused with a reason, and what it offers is fit to be shown.
+// Any bytes as a feed: it is read completely or refused with a reason, and its texts can be shown safely.
 
 #include "appcast/feed.h"
 

@@ -1,5 +1,6 @@
-// The command line of keyvora-mappings, a line for each argument, and behind an empty line the document that
-// stands on its standard input: it ends with one of its exit statuses, and says something whenever it fails.
+// The command line of keyvora-mappings, one line per argument, and after an empty line the document on its
+// standard input. The program must end with one of its exit statuses, and print something whenever it
+// fails.
 
 #include <algorithm>
 #include <sstream>
@@ -11,7 +12,7 @@
 namespace keyvora::fuzz {
 namespace {
 
-/// Files are left alone, and nothing waits for a change: the only document is the standard input.
+/// Excludes arguments that touch files or wait for changes: the only document is standard input.
 bool isHarmless(const std::string& argument) {
   return argument.find('/') == argument.npos && argument.find('\0') == argument.npos && argument != "--watch";
 }

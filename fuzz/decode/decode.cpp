@@ -1,5 +1,5 @@
-// Any bytes as a document: nothing crashes, errors are one line of well-formed text, and where another JSON
-// parser speaks the same dialect both read the same.
+// Any bytes as a document: nothing crashes, an error is one line of well-formed text, and where another
+// JSON parser has the same dialect, both give the same result.
 
 #include "mapping/decode.h"
 
@@ -14,7 +14,7 @@
 namespace keyvora::fuzz {
 namespace {
 
-/// A number as the second parser tells it.
+/// A number in the form of the second parser.
 std::string numberWord(std::string_view text) {
   if (text.find_first_of(".eE") != text.npos) return "fraction";
   if (text.starts_with('-')) {
@@ -27,7 +27,8 @@ std::string numberWord(std::string_view text) {
   return parsed.ec == std::errc() ? "number " + std::to_string(value) : "fraction";
 }
 
-/// Our tree told in the second parser's words, and what it holds that the second decoder does not know.
+/// Converts our tree to the second parser's words, and notes content that the second decoder does not
+/// support.
 struct Reader {
   Words words;
   bool plain = true;
@@ -69,13 +70,12 @@ struct Reader {
   }
 };
 
-/// Whether the second parser speaks of the same document: it knows no other encoding, and takes a zero byte
-/// for the end.
+/// Whether the second parser supports the document: it knows UTF-8 only, and takes a zero byte for the end.
 bool isComparable(std::string_view bytes) {
   return isWellFormed(bytes) && bytes.find('\0') == bytes.npos;
 }
 
-/// The document without the commas that our dialect lets stand before a closing bracket.
+/// The document without the trailing commas that our dialect allows.
 std::string withoutTrailingCommas(std::string_view text) {
   std::string result;
   bool inString = false;

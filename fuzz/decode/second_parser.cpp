@@ -9,7 +9,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Notes the parser's events.
+/// Records the parser's events.
 class Listener {
  public:
   SecondReading reading;
@@ -39,7 +39,7 @@ class Listener {
   }
 };
 
-/// Thrown where the document is no mapping.
+/// Thrown when the document is not a mapping.
 struct NoMapping {};
 
 const json& required(const json& object, const char* key) {

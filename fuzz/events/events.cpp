@@ -1,5 +1,5 @@
-// Streams of events, reloads, focus changes, menus and jumps of the clock: the tap does what the plain model
-// of it does, step by step.
+// Streams of events, reloads, focus changes, menus and jumps of the clock: at each step the tap must do the
+// same as its reference model.
 
 #include "fuzz/input.h"
 #include "tests/tap/random_stream.h"

@@ -13,7 +13,7 @@ bool matches(const Node& node, const std::string& title) {
   return node.title && text::canonical(*node.title) == text::canonical(title);
 }
 
-/// The children in the order in which they may match: those of an untitled child come in its place.
+/// The children in matching order: an untitled child is replaced by its own children.
 std::vector<NodeRef> candidates(const Node& parent) {
   std::vector<NodeRef> result;
   for (const auto& child : parent.children) {

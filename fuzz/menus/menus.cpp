@@ -1,5 +1,5 @@
-// Menu trees of any shape, with elements that fail to answer: the walk presses what the plain model of it
-// says, writes the line it says, and touches nothing else.
+// Menu trees of any shape, with elements that fail: the walk must press and log the same as its model, and
+// touch nothing else.
 
 #include "fuzz/input.h"
 #include "fuzz/menus/menu_model.h"

@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace keyvora;
   FuzzedDataProvider input(data, size);
   fuzz::check(fuzz::someMapping(input));
-  // The bytes as a document, too: seeds and dictionaries of documents are of use here.
+  // Also takes the bytes as a document, so that seeds and dictionaries of documents are useful.
   const auto decoded = decode({reinterpret_cast<const char*>(data), size});
   if (const auto* mapping = std::get_if<Mapping>(&decoded)) fuzz::check(*mapping);
   return 0;

@@ -1,5 +1,5 @@
-// Key tips and keystrokes of any text, with events that cannot be made: what is posted, slept and logged is
-// what the key-code table says.
+// Key tips and keystrokes of any text, with events that cannot be made: events, pauses and log lines must
+// follow from the key-code table.
 
 #include <algorithm>
 
@@ -25,7 +25,7 @@ using namespace platform::event_type;
 constexpr platform::ProcessIdentifier process = 77;
 const std::string label = "H F  label";
 
-/// The characters to type, upper-case and without white space; none of them can be two at once.
+/// The characters to type, upper-case and without white space, chosen so that no two of them combine.
 std::string withoutWhiteSpace(const std::string& keys) {
   std::string result;
   for (const auto& character : text::characters(text::upperCased(keys))) {

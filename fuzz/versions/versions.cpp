@@ -1,5 +1,5 @@
-// Three versions of any text: each equals itself, order turns with the two sides, and versions as programs
-// have them (numbers, periods and a forerunner's letters) are in one order.
+// Three versions of any text: each equals itself, swapping two reverses their order, and ordinary versions
+// (numbers, periods, letters of a pre-release) are totally ordered.
 
 #include <algorithm>
 
@@ -14,7 +14,7 @@ int order(const std::string& a, const std::string& b) {
   return (result > 0) - (result < 0);
 }
 
-/// A dash in front against another separator counts as older either way, as Sparkle has it.
+/// As in Sparkle, a leading dash against another separator counts as older on either side.
 bool startsWithDash(const std::string& version) {
   return version.starts_with('-');
 }
@@ -24,7 +24,8 @@ void checkPair(const std::string& a, const std::string& b) {
   require(order(a, b) == -order(b, a), "the order turns with the sides");
 }
 
-/// Digits in groups with single periods between, and letters with a number behind at the most: "1.10.2b3".
+/// Groups of digits with single periods between them, and at most letters with a number at the end:
+/// "1.10.2b3".
 bool isPlain(const std::string& version) {
   const auto digit = [](char c) { return c >= '0' && c <= '9'; };
   std::size_t at = 0;
@@ -50,7 +51,7 @@ void check(const std::string& a, const std::string& b, const std::string& c) {
   }
 }
 
-/// Text of the characters that versions are made of.
+/// Text made of the characters that occur in versions.
 std::string someVersion(FuzzedDataProvider& input) {
   static constexpr std::string_view characters = "0123456789....ab";
   std::string version;

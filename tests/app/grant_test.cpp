@@ -1,4 +1,4 @@
-// The poll for the Accessibility grant.
+// Polling for the Accessibility permission.
 
 #include "shell_test.h"
 

@@ -120,8 +120,7 @@ TEST_F(LaunchTest, ArmingShowsTheLettersAfterABlank) {
 
 TEST_F(LaunchTest, WhatIsTypedAtTheHardwareLevelPassesOurOwnTap) {
   launch();
-  host.applications.front =
-      "com.microsoft.Excel";  // in front, and not among the running: it is about to quit
+  host.applications.front = "com.microsoft.Excel";  // in front but not running: it is about to quit
   host.keyboard.tapOption();
   host.keyboard.type(key::h);
   host.keyboard.type(key::b);

@@ -1,4 +1,4 @@
-// What choosing a row does, by name and by key letter.
+// The effect of choosing a row, by title and by key letter.
 
 #include "shell_test.h"
 
@@ -63,7 +63,7 @@ TEST_F(MenuCommandsTest, AFailedReloadOfAChangedFileShowsInTheNextMenuAndNotInTh
   EXPECT_EQ(MappingStore::shared().mapping().sequences.size(), 2U);
 
   host.mainLoop.menuTracking = false;
-  host.statusBar.choose("Launch at Login");  // which rebuilds it
+  host.statusBar.choose("Launch at Login");  // rebuilds the menu
   EXPECT_EQ(rows().at(1), "• mappings.json: " + error);
 
   host.files.write(mappingsPath, oneSequence);

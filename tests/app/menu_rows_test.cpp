@@ -1,4 +1,4 @@
-// The status menu's rows at each moment of its life.
+// The status menu's rows in each state of the program.
 
 #include "shell_test.h"
 

@@ -95,7 +95,7 @@ class ProbeTest : public ShellTest, public testing::WithParamInterface<ProbeCase
 
 TEST_P(ProbeTest, TheAnswerEndsTheProcessWhileTheLoopRuns) {
   host.updates.answer = GetParam().answer;
-  // The first answer ends a real process at once.
+  // In a real process the first answer ends it at once.
   host.application.whileRunning = [this] {
     EXPECT_THAT(host.trace.of<Printed>(), IsEmpty());
     host.advance(0);

@@ -27,7 +27,7 @@ class ShellTest : public testing::Test {
 
   ShellTest() { host.files.write(mappingsPath, twoSequences); }
 
-  /// The user has not given the Accessibility permission, and the system refuses taps.
+  /// The user has not granted the Accessibility permission, and the system refuses taps.
   void withholdTrust() {
     host.accessibility.trusted = false;
     host.failures.always(simulated::Call::createTap);
@@ -38,8 +38,8 @@ class ShellTest : public testing::Test {
     keyvora->applicationDidFinishLaunching();
   }
 
-  /// The menu that opens from the status item, a line for each row: "[✓] title (letter)", with a bullet
-  /// before what cannot be chosen, and a dash for a separator.
+  /// The status item's menu, one line per row: "[✓] title (letter)", with a bullet before rows that cannot
+  /// be chosen, and a dash for a separator.
   [[nodiscard]] std::vector<std::string> rows() const {
     std::vector<std::string> lines;
     for (const auto& row : host.statusBar.menu().rows) {

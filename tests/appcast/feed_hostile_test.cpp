@@ -1,4 +1,4 @@
-// Feeds that are broken or mean harm: each with the words that it is refused with.
+// Broken and hostile feeds, each with its error message.
 
 #include <gtest/gtest.h>
 

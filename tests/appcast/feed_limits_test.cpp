@@ -1,4 +1,4 @@
-// Feeds that are made to take long, or to show much.
+// Feeds that are made to take long, or to show much text.
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ std::string repeated(std::size_t count, const std::string& text) {
   return result;
 }
 
-/// Between two texts as often as the largest feed has room for it.
+/// `filling` between two texts, as often as it fits into the largest allowed feed.
 std::string filled(const std::string& before, const std::string& filling, const std::string& after) {
   return before + repeated((maxFeedBytes - before.size() - after.size()) / filling.size(), filling) + after;
 }
@@ -81,7 +81,7 @@ TEST(FeedLimitsTest, TheAddressOfAFeedIsLimited) {
   EXPECT_EQ(readFeed(bytes, longest + "a", {}).error, "its address is too long");
 }
 
-/// The versions in a feed whose item has one at its enclosure, behind so many other attributes.
+/// The versions in a feed whose item has one at its enclosure, after this many other attributes.
 std::vector<std::string> versionsBehind(std::size_t count) {
   std::vector<std::string> versions;
   const auto item = "<item><enclosure url='k_1.deb'" + attributes(count) + " sparkle:version='2'/></item>";
@@ -90,7 +90,7 @@ std::vector<std::string> versionsBehind(std::size_t count) {
 }
 
 TEST(FeedLimitsTest, OnlyTheFirstAttributesOfAnElementAreLookedAt) {
-  // The address is one among them; behind them the version is that of the file's name.
+  // The address is one of the attributes. Beyond the limit, the version comes from the file name.
   EXPECT_EQ(versionsBehind(maxAttributes - 2), std::vector<std::string>{"2"});
   EXPECT_EQ(versionsBehind(maxAttributes - 1), std::vector<std::string>{"1"});
 }
@@ -118,7 +118,7 @@ TEST(FeedLimitsTest, OnlyShortPrefixesStandForANamespace) {
   EXPECT_FALSE(reads(maxPrefixLength + 1));
 }
 
-/// A feed that is as long as one may be, and as expensive as this can make it.
+/// A feed of the maximum length, as expensive to read as possible.
 struct Expensive {
   const char* name;
   std::string bytes;
@@ -137,7 +137,7 @@ double processorMilliseconds() {
 TEST_P(ExpensiveFeedTest, IsReadAtOnce) {
   ASSERT_GT(GetParam().bytes.size(), maxFeedBytes * 9 / 10);
   ASSERT_LE(GetParam().bytes.size(), maxFeedBytes);
-  // Of the processor's time, and the best of several: the machine may be busy with other things.
+  // Processor time, and the best of several runs, because the machine may be busy.
   double best = 1e9;
   for (int i = 0; i < 5; ++i) {
     const double start = processorMilliseconds();
@@ -157,7 +157,7 @@ const std::string manyAttributes = repeated(maxAttributes, " xmlns:b=''");
 const std::string item = "<item><enclosure url='k_1.d'/>";
 const std::string end = "</item></channel></rss>";
 
-/// An item with as many elements as one may have.
+/// An item with the maximum number of elements.
 std::string fullItem(const std::string& element) {
   return "<item" + manyAttributes + "><enclosure url='k_1.d'/>" + repeated(maxChildren - 1, element) +
          "</item>";

@@ -18,7 +18,7 @@ Feed read(const std::string& bytes, const std::vector<std::string>& languages = 
   return readFeed(bytes, address, languages);
 }
 
-/// The one item of a feed that holds one.
+/// The only item of a feed.
 FeedItem readOne(const std::string& items, const std::vector<std::string>& languages = {}) {
   const Feed feed = read(feedOf(items), languages);
   EXPECT_EQ(feed.error, std::nullopt);

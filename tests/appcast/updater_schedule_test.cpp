@@ -1,4 +1,4 @@
-// Checks that run by themselves.
+// Scheduled checks.
 
 #include "updater_test.h"
 
@@ -17,7 +17,7 @@ class ScheduleTest : public UpdaterTest {
 
   void serveNewer() { serve(feedAddress, feedOf(itemOf("57"))); }
 
-  /// How many checks ran since the last look.
+  /// How many checks ran since the last call.
   std::ptrdiff_t checks() { return std::ranges::count(take(), std::string("fetch ") + feedAddress); }
 };
 

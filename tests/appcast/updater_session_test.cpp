@@ -1,4 +1,4 @@
-// The course of a check: for a probe, and for a user who asked.
+// The steps of a check: for a probe, and for a user who asked for it.
 
 #include "updater_test.h"
 

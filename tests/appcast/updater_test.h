@@ -16,14 +16,13 @@
 
 namespace keyvora::appcast {
 
-/// An updater with a web in memory, a window and a memory that write down what they are told, on a virtual
-/// clock.
+/// An updater on a virtual clock, with a web in memory and a window and a history that record their calls.
 class UpdaterTest : public testing::Test {
  protected:
   static constexpr auto feedAddress = "https://example.org/feed.xml";
   static constexpr double day = 24 * 60 * 60;
 
-  /// Everything that happened since the last look, in order.
+  /// Everything that happened since the last call, in order.
   std::vector<std::string> take() { return std::exchange(events_, {}); }
 
   Updater& make() {
@@ -57,10 +56,10 @@ class UpdaterTest : public testing::Test {
   std::optional<double> lastCheck;  // virtual seconds
   std::string skipped;
 
-  /// What the last fetch might take.
+  /// The limits of the last fetch.
   FetchLimits lastLimits;
 
-  /// What the user can do to the window that shows.
+  /// The user's actions in the visible window.
   std::function<void()> cancel;
   std::function<void(Choice)> choose;
   std::function<void()> acknowledge;

@@ -1,4 +1,4 @@
-// The whole application on a disk that fails: full, read-only, gone; and on a clock that is set back.
+// The whole application on a failing disk (full, read-only, missing), and with a clock that is set back.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -40,7 +40,7 @@ class Running {
     Log::drain(std::chrono::seconds(20));
   }
 
-  /// A sequence is typed; whether it fired and ordinary keys around it arrived.
+  /// Types a sequence. True if it fired and the ordinary keys around it arrived.
   bool works() {
     using platform::key_code::b, platform::key_code::h;
     auto& keyboard = disk.host.keyboard;
@@ -64,7 +64,7 @@ class Running {
   std::shared_ptr<Keyvora> keyvora_;
 };
 
-/// Lets files grow to so many bytes and no further, as on a full disk, until told otherwise.
+/// Limits the size of files, as on a full disk, until it is called again.
 void limitFileSize(rlim_t bytes) {
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{};
@@ -73,7 +73,7 @@ void limitFileSize(rlim_t bytes) {
   ::setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-/// Says in the child what did not hold, for the reader of the parent's message.
+/// Prints in the child which condition failed, for the reader of the parent's message.
 bool held(bool condition, const char* what) {
   if (!condition) std::cerr << "does not hold: " << what << '\n';
   return condition;
@@ -81,7 +81,7 @@ bool held(bool condition, const char* what) {
 
 #define HOLDS(condition) held((condition), #condition)
 
-/// Evaluates a condition in a child process, which may ruin its limits and rights.
+/// Evaluates a condition in a child process, which may change its limits and rights.
 #define EXPECT_IN_CHILD(condition) \
   EXPECT_EXIT(std::_Exit((condition) ? EXIT_SUCCESS : EXIT_FAILURE), ExitedWithCode(EXIT_SUCCESS), "")
 
@@ -187,7 +187,7 @@ INSTANTIATE_TEST_SUITE_P(
         LogPlace{"Pipe", [](const fs::path& path) { ASSERT_EQ(::mkfifo(path.c_str(), 0666), 0); }, true}),
     [](const auto& row) { return std::string(row.param.name); });
 
-/// A wall clock that somebody sets.
+/// A wall clock that a test sets.
 class SetClock final : public platform::Clock {
  public:
   std::string time = "2026-03-29 02:30:00";

@@ -1,5 +1,5 @@
-// Every call of the door fails, by itself: always, and once at each of its times. What is then logged stands
-// in a table; whatever fails, no key is lost outside a sequence, and it all works again afterwards.
+// Each call of the door fails: always, and once at each of its calls. A table has the expected log. In all
+// cases no key outside a sequence is lost, and everything works again afterwards.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,8 +15,8 @@ namespace {
 using simulated::allCalls;
 using simulated::Call;
 
-/// Without the user's directories there is nowhere to be, and a first start without the program's own
-/// resources is a broken installation: the process ends.
+/// Fatal: the user's directories are missing, or, at the first start, the program's own resources, which
+/// means a broken installation.
 constexpr bool isFatal(Call call) {
   return call == Call::applicationSupportDirectory || call == Call::libraryDirectory ||
          call == Call::resourceDirectory || call == Call::openBundle;
@@ -37,7 +37,7 @@ std::string nameOf(const ::testing::TestParamInfo<Call>& call) {
   return std::string(simulated::traits(call.param).name);
 }
 
-/// How the log differs from a faultless one while a call always fails.
+/// How the log differs from one without failures while a call always fails.
 struct Difference {
   std::vector<std::string> without;
   std::vector<std::string> with;
@@ -55,18 +55,18 @@ std::vector<std::string> joined(std::vector<std::string> lines, const std::vecto
   return lines;
 }
 
-/// Keys that a sequence takes after the user thinks that it has ended: one at the most, which ends it.
+/// The keys swallowed after the sequence should have ended: at most one, which ends it.
 int keysTaken(std::initializer_list<Call> failing) {
   const auto fails = [&failing](Call call) { return std::ranges::find(failing, call) != failing.end(); };
-  // Timers never fire: the sequence that waits is still open.
+  // Timers never fire, so the waiting sequence is still open.
   if (fails(Call::schedule)) return 1;
-  // Events cannot be marked as our own, and no process takes them: the tap sees the Option key of the key
-  // tips.
+  // Events cannot carry the program's marker, and there is no process to post them to: the tap takes the
+  // Option key of the key tips for the user's.
   if (fails(Call::createSource) && fails(Call::running)) return 1;
   return 0;
 }
 
-/// `from` without the first of each line of `lines`.
+/// `from`, without the first occurrence of each of `lines`.
 std::vector<std::string> minus(std::vector<std::string> from, const std::vector<std::string>& lines) {
   for (const auto& line : lines) {
     const auto found = std::ranges::find(from, line);
@@ -95,10 +95,10 @@ TEST(DoorTest, TheSessionsMakeEveryCall) {
   session.host.accessibility.trusted = false;
   session.host.failures.nth(Call::createTap, 1);
   session.play();
-  session.host.applications.quit(77);  // keys are then posted at the hardware level
+  session.host.applications.quit(77);  // so that keys are posted at the hardware level
   session.play();
   for (const auto& each : allCalls) {
-    if (each.call == Call::facts) continue;  // for the tools
+    if (each.call == Call::facts) continue;  // called by the tools only
     EXPECT_GT(session.host.failures.count(each.call), 0U) << each.name;
   }
 }
@@ -144,7 +144,7 @@ TEST_P(DoorFailureTest, AfterItHasPassedEverythingWorksAgainWithoutARestart) {
 
 INSTANTIATE_TEST_SUITE_P(Every, DoorFailureTest, ::testing::ValuesIn(survivable()), nameOf);
 
-/// In pairs: the first call against every later one.
+/// In pairs: one call with every later one.
 class DoorPairsTest : public ::testing::TestWithParam<Call> {};
 
 TEST_P(DoorPairsTest, LoseNoKeyAndPass) {
@@ -192,7 +192,7 @@ std::map<Call, Difference> differences() {
   const std::vector<std::string> nothingFired{noneInstalled,   "no sequence H", "no sequence V",
                                               "no sequence M", "no sequence S", "no sequence A",
                                               "no sequence H", "no sequence H"};
-  // Without a document at first the file is not watched either: the menu's command reads it.
+  // Without a document at the start the file is not watched; the menu's command reads it.
   const Difference noDocument{joined(fired, {reloaded}), nothingFired};
   return {
       {Call::isTrustedPrompting, {{"accessibility granted"}, {"accessibility not granted yet"}}},
@@ -205,7 +205,7 @@ std::map<Call, Difference> differences() {
       {Call::copy, noDocument},
       {Call::read, {joined(fired, {reloaded, reloaded}), joined(nothingFired, {reading, reading})}},
       {Call::watch, {{reloaded}, {}}},
-      {Call::writeConsole, {faultlessLog(), {}}},  // the file has it all
+      {Call::writeConsole, {faultlessLog(), {}}},  // the file has all lines
       {Call::createTap,
        {joined(afterLaunch, {tapInstalled}), {"tap not installed yet: waiting for the Accessibility grant"}}},
       {Call::enableTap, {afterLaunch, {}}},
@@ -220,7 +220,7 @@ std::map<Call, Difference> differences() {
       {Call::after, {{reloaded}, {}}},
       {Call::walk, {{"H B  Borders (keytips hb)"}, {}}},
       {Call::runScript, {{"S  Beep (applescript)"}, {"S  Beep FAILED: unknown error"}}},
-      {Call::setMenu, {{reloaded}, {}}},  // there is no menu to choose the command from
+      {Call::setMenu, {{reloaded}, {}}},  // there is no menu with the command
   };
 }
 

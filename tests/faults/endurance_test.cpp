@@ -1,4 +1,4 @@
-// Long runs on the virtual clock: memory stays where it was, and so does everything that is scheduled.
+// Long runs on the virtual clock: neither memory nor the number of scheduled blocks grows.
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ constexpr auto excel = "com.microsoft.Excel";
 const std::filesystem::path mappings = "/Users/me/Library/Application Support/keyvora/mappings.json";
 const std::filesystem::path logFile = "/Users/me/Library/Logs/keyvora.log";
 
-/// What a run may need beyond what one like it needed before: less than a byte for each of its steps.
+/// How much more memory a run may need than the same run before it: less than a byte per step.
 constexpr std::size_t tolerance = 4096;
 
 std::string document(int timeout) {
@@ -40,7 +40,7 @@ class EnduranceTest : public ::testing::Test {
     host.trace.stop();
   }
 
-  /// The most bytes in use at one time during the work, beyond those at its start.
+  /// The peak of the bytes in use during the work, above those at its start.
   template <class Work>
   std::size_t peakOf(Work work) {
     counting::reset();
@@ -48,7 +48,7 @@ class EnduranceTest : public ::testing::Test {
     return counting::since().peakBytes;
   }
 
-  /// Twelve events: ordinary typing, a sequence that fires, one that waits and runs out of time.
+  /// Twelve events: ordinary typing, a sequence that fires, one that waits and times out.
   void twelveEvents() {
     using platform::key_code::b, platform::key_code::h, platform::key_code::leftOption;
     constexpr auto optionFlag = platform::event_flag::option;
@@ -72,7 +72,7 @@ TEST_F(EnduranceTest, AMillionEventsLeaveMemoryAsItWas) {
   constexpr std::size_t rounds = 1000;
   const auto thousandRounds = [this] {
     for (std::size_t i = 0; i < rounds; ++i) twelveEvents();
-    host.files.remove(logFile);  // which grows, and is in memory here
+    host.files.remove(logFile);  // it grows, and is in memory here
   };
   thousandRounds();
   const auto first = peakOf(thousandRounds);

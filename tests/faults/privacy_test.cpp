@@ -1,5 +1,5 @@
-// What is typed outside an armed sequence is neither written down nor kept: two users who type different
-// texts leave exactly the same traces.
+// Keys outside an armed sequence are neither logged nor kept: two users who type different texts leave
+// identical traces.
 
 #include <gtest/gtest.h>
 
@@ -20,15 +20,15 @@ constexpr auto excel = "com.microsoft.Excel";
 const std::filesystem::path mappings = "/Users/me/Library/Application Support/keyvora/mappings.json";
 const std::filesystem::path logFile = "/Users/me/Library/Logs/keyvora.log";
 
-/// Key codes of a text that nobody else shall see, and where it is typed.
+/// Where a private text is typed.
 struct Typing {
   const char* name;
   const char* front;
-  /// Whether it comes after a tap of Option that Escape took back.
+  /// Whether it is typed after a tap of Option that Escape cancelled.
   bool afterEscape = false;
 };
 
-/// Everything that the program did and wrote while a text was typed, and what it does afterwards.
+/// Everything that the program did and wrote while a text was typed and afterwards.
 std::string tracesOf(const Typing& typing, const std::vector<std::uint16_t>& text) {
   simulated::Host host;
   const platform::Scope scope(host.platform());
@@ -50,7 +50,7 @@ std::string tracesOf(const Typing& typing, const std::vector<std::uint16_t>& tex
     EXPECT_EQ(host.keyboard.type(key), platform::Verdict::pass);
     host.advance(0.1);
   }
-  // A sequence afterwards: what was typed before has no part in it.
+  // A sequence afterwards must not depend on what was typed before.
   host.applications.front = excel;
   host.keyboard.tapOption();
   host.keyboard.type(key::h);

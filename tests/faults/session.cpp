@@ -51,7 +51,7 @@ void Session::play() {
     use();
     installed = KeySequenceTap::shared().installed();
     choose("Quit keyvora");
-    host.application.terminate();  // as a logout does, should there be no menu
+    host.application.terminate();  // as at a logout, if there is no menu
   });
 }
 
@@ -65,9 +65,9 @@ void Session::use() {
   host.applications.front = excel;
   typeOrdinarily();
   work();
-  // The system takes the tap away, and gets it back.
+  // The system disables the tap; the core enables it again.
   host.keyboard.send({platform::event_type::tapDisabledByTimeout, 0, 0, 0});
-  // A change of mind, and no sequence at all.
+  // A cancelled sequence, and letters that are no sequence.
   typeSequence({h, escape});
   typeOrdinarily();
   typeSequence({h, h});
@@ -107,7 +107,7 @@ void Session::typeSequence(std::initializer_list<std::uint16_t> keys) {
 void Session::choose(std::string_view title) {
   for (const auto& row : host.statusBar.menu().rows) {
     if (row.title != title || !row.isEnabled()) continue;
-    const auto action = row.action;  // which may replace the menu
+    const auto action = row.action;  // a copy: it may replace the menu
     return action();
   }
 }
@@ -118,7 +118,7 @@ bool Session::recovers(bool restart) {
     if (!restart) {
       use();
       host.failures.clear();
-      // The system tells a tap that is off so, sooner or later.
+      // The system notifies a disabled tap at some time.
       host.keyboard.send({platform::event_type::tapDisabledByTimeout, 0, 0, 0});
       host.advance(2.5);
       host.files.write(mappings, defaultDocument);

@@ -8,20 +8,20 @@
 
 namespace keyvora::testing {
 
-/// One user's evening with the program, on a simulated system that may fail at any call: the first start, one
-/// sequence of each kind, ordinary typing between them, a saved document, every command of the menu, the end.
+/// A user's whole use of the program, on a simulated system in which any call may fail: first start, one
+/// sequence of each kind, ordinary typing in between, a saved document, every menu command, the end.
 class Session {
  public:
   Session();
 
-  /// Starts the program, plays the evening and quits.
+  /// Starts the program, plays everything and quits.
   void play();
 
-  /// Starts the program for nothing but an answer about updates.
+  /// Starts the program with --probe-updates.
   void probe();
 
-  /// Whether it all works again once nothing fails any more: in the running program (`restart` false) or
-  /// after another start.
+  /// Whether everything works again without failures: in the running program (`restart` false) or after
+  /// another start.
   bool recovers(bool restart);
 
   simulated::Host host;
@@ -29,12 +29,12 @@ class Session {
   /// Keys typed while no sequence was armed, and how many of them did not arrive.
   int ordinaryKeys = 0;
   int lostKeys = 0;
-  /// Keys typed right after a tap of Option that arrived all the same.
+  /// Keys typed directly after a tap of Option that arrived nevertheless.
   int missedKeys = 0;
-  /// Whether the tap stood when the evening was over.
+  /// Whether the tap was installed at the end.
   bool installed = false;
 
-  /// The file of the log, without the times.
+  /// The lines of the log file, without the times.
   [[nodiscard]] std::vector<std::string> logFile() const;
 
  private:
@@ -42,13 +42,13 @@ class Session {
   void work();
   void typeOrdinarily();
   void typeSequence(std::initializer_list<std::uint16_t> keys);
-  /// Chooses a row of the menu if there is a menu with it.
+  /// Chooses this row of the menu, if there is one.
   void choose(std::string_view title);
   void run(std::vector<std::string_view> arguments, std::function<void()> whileRunning);
   [[nodiscard]] bool works();
 };
 
-/// What `Session::play` logs when nothing fails.
+/// What `Session::play` logs without failures.
 std::vector<std::string> faultlessLog();
 
 }  // namespace keyvora::testing

@@ -57,7 +57,7 @@ TEST(JsonInteger, IsExactInItsWholeRange) {
       {"922337203685477478.4e1", 9223372036854774784},
       {"9223372036854775807.0", outOfRange},
       {"-9223372036854775808.0", smallest},
-      // What a double does not tell from an integer is one.
+      // Integers, because the nearest double is one.
       {"1.0000000000000001", 1},
       {"1e-400", 0},
       {std::string(400, '1'), outOfRange},
@@ -71,7 +71,7 @@ TEST(JsonInteger, IsExactInItsWholeRange) {
       {"15" + std::string(400, '0') + "e-401", fraction},
       {"0." + std::string(400, '0') + "1e401", 1},
       {"-0." + std::string(400, '0') + "15e401", fraction},
-      // Numbers about as small as a double can be: below them is zero.
+      // Around the smallest double: numbers below it become zero.
       {"2e-324", 0},
       {"3e-324", fraction},
       {"0." + std::string(322, '0') + "1", fraction},
@@ -82,7 +82,7 @@ TEST(JsonInteger, IsExactInItsWholeRange) {
       {std::string(1000, '1') + "e-1300", fraction},
       {std::string(1000, '1') + "e-1330", 0},
       {"1e-99999999999999999999", 0},
-      // Digits far behind decide on which side of a half a number is.
+      // Distant digits decide on which side of a half a number is.
       {"4503599627370496.5" + std::string(900, '0'), 4503599627370496},
       {"4503599627370496.5" + std::string(900, '0') + "1", 4503599627370497},
       {"2251799813685249.25" + std::string(900, '0'), 2251799813685249},

@@ -90,7 +90,7 @@ TEST(JsonSyntax, EveryFaultHasItsReasonAndPlace) {
       {"\xFF\xFE[\0]\0\0"sv, "the text is not well-formed Unicode", {1, 3}},
       {"\0\0\0[\0\x11\0\0"sv, "the text is not well-formed Unicode", {1, 2}},
       {"\0\0\0[\0\0\xD8\0"sv, "the text is not well-formed Unicode", {1, 2}},
-      // FF FE is the mark of UTF-16, zeros behind it or not.
+      // FF FE is the byte-order mark of UTF-16, even if zeros follow.
       {"\xFF\xFE\0\0[\0\0\0]\0\0\0"sv, "expected a value, found U+0000", {1, 1}},
   };
   for (const Row& row : rows) {

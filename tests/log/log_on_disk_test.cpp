@@ -27,11 +27,11 @@ struct LogOnDiskTest : testing::Test {
 
   static void log(const std::string& message) {
     Log::line(message);
-    // Each record in a state of the disk of its own.
+    // The disk is in a different state for each record.
     Log::drain(std::chrono::seconds(20));
   }
 
-  /// The messages in the file, without their stamps; fails on a line of another shape.
+  /// The messages in the file, without time stamps; fails on a line of another form.
   [[nodiscard]] std::vector<std::string> messages() const {
     std::istringstream lines(test::content(path).value_or(""));
     const std::regex shape(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d (.*))");

@@ -119,7 +119,7 @@ TEST_F(LogTest, TheFolderIsMadeForEveryRecord) {
   EXPECT_EQ(host.failures.count(Call::createDirectories), 2u);
 }
 
-/// One call that fails for one record; the records after it tell whether the log recovered.
+/// One call fails for one record; the later records show whether the log recovered.
 struct FailureRow {
   Call call;
   std::string file;

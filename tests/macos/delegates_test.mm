@@ -1,5 +1,5 @@
-// The frameworks ask a delegate which optional methods it has: one that is misspelt is never called, and no
-// compiler says so. Here every method of our delegates is looked up in the protocols that they adopt.
+// A framework asks a delegate which optional methods it has. A misspelt one is never called, without a
+// warning from the compiler. This looks up every method of keyvora's delegates in their protocols.
 
 #import <AppKit/AppKit.h>
 #import <Sparkle/Sparkle.h>
@@ -17,7 +17,8 @@
 namespace keyvora::macos {
 namespace {
 
-/// Selectors of the class's own instance methods with their type encodings, without what we call ourselves.
+/// Selectors of the class's own instance methods with their type encodings, except those that keyvora
+/// itself calls.
 std::map<std::string, std::string> methodsOf(const char* name) {
   std::map<std::string, std::string> methods;
   unsigned count = 0;
@@ -31,7 +32,7 @@ std::map<std::string, std::string> methodsOf(const char* name) {
   return methods;
 }
 
-/// The encoding of an optional instance method of one of the protocols; empty when none has it.
+/// The encoding of an optional instance method of one of the protocols; empty if none has it.
 std::string optionalMethod(const std::vector<Protocol*>& protocols, const std::string& selector) {
   for (Protocol* protocol : protocols) {
     const auto method = protocol_getMethodDescription(protocol, sel_registerName(selector.c_str()), NO, YES);
@@ -52,7 +53,7 @@ std::set<std::string> selectors(const std::map<std::string, std::string>& method
   return names;
 }
 
-/// Compiles only while the protocols declare these methods: a cross-build proves that much.
+/// Compiles only if the protocols declare these methods: a cross-build checks that much.
 [[maybe_unused]] void sendEach(id<NSApplicationDelegate> application,
                                id<SPUUpdaterDelegate, SPUStandardUserDriverDelegate> bridge,
                                SPUUpdater* updater, SUAppcastItem* item, SPUUserUpdateState* state,

@@ -9,7 +9,7 @@ namespace {
 
 namespace event_type = platform::event_type;
 
-/// A key event as the system makes one, with the flags set afterwards.
+/// A key event as the system makes it, with these flags.
 CFRef<CGEventRef> made(CGKeyCode key, bool down, CGEventFlags flags, CGEventSourceRef source = nullptr) {
   auto event = CFRef<CGEventRef>::adopt(CGEventCreateKeyboardEvent(source, key, down));
   CGEventSetFlags(event.get(), flags);

@@ -1,4 +1,4 @@
-// The log on this host's own files, queue, clock and console; only the Library directory is a scratch one.
+// The log on this host's own files, queue, clock and console; only the Library directory is replaced.
 
 #include "log/log.h"
 

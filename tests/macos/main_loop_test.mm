@@ -62,7 +62,8 @@ TEST(MainLoop, OnlyCommonModeTimersFireWhileAMenuIsTracked) {
   MainLoop loop;
   bool standard = false;
   bool common = false;
-  // A mode without a source or timer ends at once; the common timer also keeps the tracking mode alive.
+  // A run-loop mode without sources or timers returns at once; the timer in the common modes keeps it
+  // running.
   const auto first = loop.schedule(Seconds(0.01), false, TimerMode::defaultMode, [&] { standard = true; });
   const auto second = loop.schedule(Seconds(0.02), false, TimerMode::commonModes, [&] { common = true; });
   const auto tracking = (__bridge CFRunLoopMode)NSEventTrackingRunLoopMode;

@@ -39,7 +39,7 @@ TEST(Queues, TwoPlansRunAlongsideEachOther) {
   Queues queues;
   std::atomic<int> first = 0;
   std::atomic<int> second = 0;
-  // Each waits for the other's first step: one after the other they would never end.
+  // Each waits for the other's first step, so they end only if they run in parallel.
   queues.walk({[&] {
                  first = 1;
                  first.notify_all();

@@ -6,7 +6,7 @@
 
 namespace keyvora::macos {
 
-/// Runs the main run loop in a mode until the condition holds; false when `limit` seconds pass first.
+/// Runs the main run loop in a mode until the condition is true; false after `limit` seconds.
 inline bool runLoopUntil(const std::function<bool()>& condition, CFTimeInterval limit = 5.0,
                          CFRunLoopMode mode = kCFRunLoopDefaultMode) {
   const CFAbsoluteTime end = CFAbsoluteTimeGetCurrent() + limit;

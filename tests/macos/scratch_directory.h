@@ -8,7 +8,7 @@
 
 namespace keyvora::macos {
 
-/// A new folder, removed with all it holds at the end.
+/// A new folder; the destructor removes it with its content.
 class ScratchDirectory {
  public:
   ScratchDirectory()

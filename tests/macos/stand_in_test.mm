@@ -1,4 +1,4 @@
-// The stand-in for Excel as far as it goes without a window server: its menus, and what it writes down.
+// The parts of the stand-in that need no window server: its menus and its record.
 
 #import "tests/macos/stand_in/menus.h"
 
@@ -25,7 +25,7 @@ NSMenuItem* itemAt(NSMenu* menu, NSArray<NSString*>* path) {
   return found;
 }
 
-/// What the lines say, without their times.
+/// The lines of the record, without the times.
 std::vector<std::string> linesOf(const std::filesystem::path& file) {
   std::vector<std::string> lines;
   std::ifstream stream(file);

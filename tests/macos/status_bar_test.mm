@@ -5,7 +5,7 @@
 namespace keyvora::macos {
 namespace {
 
-/// An item in the menu bar, and the system's own behind it.
+/// An item in the menu bar, and the system's status bar.
 class StatusBarTest : public testing::Test {
  protected:
   StatusBarTest() {
@@ -45,7 +45,7 @@ TEST_F(StatusBarTest, TheMenuIsReplacedAsAWhole) {
   EXPECT_EQ(first.numberOfItems, 2);
 }
 
-// The recorders tell an item that ends while the menu bar shows it.
+// The recorders report an item that is destroyed while the menu bar shows it.
 TEST_F(StatusBarTest, AnItemThatEndsIsOutOfTheBarAndAnotherTakesItsPlace) {
   @autoreleasepool {
     item_.reset();

@@ -1,4 +1,4 @@
-// What Sparkle tells its delegates, handed on to the core's; nothing is fetched.
+// Sparkle's delegate calls, forwarded to the core; nothing is fetched.
 
 #import "hosts/macos/updates.h"
 
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/// An item as the delegate calls read it: Sparkle's own is made from a feed.
+/// An item with the properties that the delegate calls read. Sparkle's own is created from a feed.
 @interface KVTestUpdate : NSObject
 @property(readonly) NSString* displayVersionString;
 @property(readonly) NSString* versionString;
@@ -32,7 +32,7 @@
 namespace keyvora::macos {
 namespace {
 
-/// Notes what it hears; on demand it throws.
+/// Records its calls; throws if requested.
 class Heard final : public platform::UpdaterDelegate {
  public:
   void didFindValidUpdate(const platform::UpdateItem& item) override {

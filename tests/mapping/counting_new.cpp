@@ -10,7 +10,7 @@ namespace {
 Allocations allocations;
 std::size_t inUse = 0;
 
-/// Room before each block for its size, as large as the strictest alignment.
+/// Space before each block for its size, with the strictest alignment.
 constexpr std::size_t header = alignof(std::max_align_t);
 
 void* allocateOrNull(std::size_t size) noexcept {

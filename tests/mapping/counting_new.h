@@ -2,12 +2,12 @@
 
 #include <cstddef>
 
-/// Counts what operator new hands out in this program, since the counters were last reset.
+/// Counts this program's allocations by operator new since the last reset.
 namespace keyvora::counting {
 
 struct Allocations {
   std::size_t count = 0;
-  /// The most bytes that were handed out at one time beyond what was at the reset.
+  /// The peak of allocated bytes, above those at the reset.
   std::size_t peakBytes = 0;
 };
 

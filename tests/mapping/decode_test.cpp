@@ -11,7 +11,7 @@ namespace {
 
 using Kind = DecodingError::Kind;
 
-/// A document of one sequence with this action.
+/// A document with one sequence that has this action.
 std::string withAction(std::string_view action) {
   return R"({"version":1,"tabs":{},"sequences":[{"keys":"A","name":"n","action":)" + std::string(action) +
          "}]}";
@@ -222,7 +222,7 @@ TEST(Decode, FailsAtTheFirstFaultInTheOrderOfReading) {
   }
 }
 
-/// Hears of everything and lets the decoder run on.
+/// Records everything and lets the decoder continue.
 class Everything : public DecodeSink {
  public:
   bool fault(DecodingError error) override {

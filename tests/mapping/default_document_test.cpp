@@ -22,7 +22,7 @@
 #include "tap/key_sequence_tap.h"
 #include "tools/menu_bar.h"
 
-/// What the document that a new user starts with promises.
+/// Properties of the document that a new user gets.
 namespace keyvora {
 namespace {
 
@@ -44,7 +44,7 @@ const Mapping& document() {
   return mapping;
 }
 
-/// The sequences of one kind of action, with their actions.
+/// The sequences with one kind of action, and the actions.
 template <class Kind>
 std::vector<std::pair<const Sequence*, const Kind*>> ofKind() {
   std::vector<std::pair<const Sequence*, const Kind*>> found;
@@ -150,8 +150,8 @@ TEST(DefaultDocumentTest, MenuTitlesAreWrittenAsExcelWritesThem) {
 }
 
 TEST(DefaultDocumentTest, TogglesToggle) {
-  // What Windows toggles: by a key that toggles in Excel, or a script that reads the state and writes
-  // another.
+  // Commands that are toggles on Windows: a key that toggles in Excel, or a script that reads the state and
+  // sets the other one.
   const std::pair<const char*, action::Keystroke> toggling[] = {
       {"H1", {"b", {"command"}}},          {"H2", {"i", {"command"}}},           {"H3U", {"u", {"command"}}},
       {"AT", {"f", {"command", "shift"}}}, {"HSF", {"f", {"command", "shift"}}},
@@ -201,14 +201,16 @@ TEST(DefaultDocumentTest, ScriptsGuardWhatRaisesAndWaitForNoDialog) {
 }
 
 TEST(DefaultDocumentTest, AWrongGuessDoesNoHarm) {
-  // Letters of key tips land in the cell while Excel has them switched off, as it has at first.
+  // With key tips disabled, which is Excel's default, their letters would be typed into the cell.
   EXPECT_THAT(ofKind<action::KeyTips>(), IsEmpty());
   for (const auto& [sequence, action] : ofKind<action::AppleScript>()) {
-    // A lone column would be sorted out of its table, and a sheet protected unasked; Excel undoes neither.
+    // A script would sort a column without the rest of its table, or protect a sheet without asking; Excel
+    // cannot undo either.
     EXPECT_THAT(action->script, Not(HasSubstr("sort "))) << sequence->keys;
     EXPECT_THAT(action->script, Not(HasSubstr("protect"))) << sequence->keys;
   }
-  // Windows users press Enter after these, which pastes everything where cells are still marked for copying.
+  // Windows users press Enter after these, which pastes everything again if cells are still marked for
+  // copying.
   for (const auto* keys : {"ESV", "EST", "ESF", "ESE", "ESW"}) {
     const auto& script = std::get<action::AppleScript>(sequenceFor(keys).action).script;
     EXPECT_THAT(script, testing::MatchesRegex("paste special [^\n]*\ntry\n[^\n]*set cut copy mode to "
@@ -226,7 +228,7 @@ TEST(DefaultDocumentTest, ExcelCanUndoWhatHasAKeyOrAMenuItem) {
   }
 }
 
-/// Excel in front with the menus that the document names, and the real tap and runner.
+/// Excel in front with the menus named in the document, and the real tap and runner.
 struct DefaultDocumentInUse : testing::Test {
   static constexpr platform::ProcessIdentifier excel = 77;
 
@@ -238,7 +240,7 @@ struct DefaultDocumentInUse : testing::Test {
     EXPECT_TRUE(tap.install());
   }
 
-  /// What a sequence has to do to the system, and to write into the log.
+  /// The expected effects of a sequence on the system, and its log line.
   static std::vector<simulated::TraceEntry> deeds(const Sequence& sequence) {
     using namespace simulated::trace;
     std::vector<simulated::TraceEntry> expected;
@@ -277,7 +279,7 @@ struct DefaultDocumentInUse : testing::Test {
     return label + " (keytips " + std::get<action::KeyTips>(sequence.action).keys + ")";
   }
 
-  /// What was done to the system since the trace was cleared, without the log, the tap and the pauses.
+  /// The effects on the system since the trace was cleared, without the log, the tap and the pauses.
   std::vector<simulated::TraceEntry> done() {
     auto entries = host.trace.entries();
     std::erase_if(entries, [](const simulated::TraceEntry& entry) {

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
-/// What no document may need, on a slow machine with sanitizers on. Without them, each takes well under a
-/// second.
+/// The time limit for any document, on a slow machine with sanitizers. Without them, each takes well under
+/// a second.
 constexpr auto longest = std::chrono::seconds(20);
 
 std::string repeated(std::string_view text, std::size_t bytes) {
@@ -22,7 +22,7 @@ std::string repeated(std::string_view text, std::size_t bytes) {
   return result;
 }
 
-/// The description of the failure that a document must end in, in bounded time and memory.
+/// The description of the failure that a document must cause, in bounded time and memory.
 std::string failure(const std::string& document, std::size_t mostBytes) {
   counting::reset();
   const auto start = test::processorTime();

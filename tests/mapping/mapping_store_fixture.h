@@ -11,14 +11,14 @@
 
 namespace keyvora {
 
-/// A simulated host on which a store is made when a test first asks for it.
+/// A simulated host, and a store that is created on first use.
 struct MappingStoreTest : testing::Test {
   simulated::Host host;
   platform::Scope scope{host.platform()};
 
   const std::filesystem::path directory = "/Users/me/Library/Application Support/keyvora";
   const std::filesystem::path path = directory / "mappings.json";
-  /// Where the simulated host keeps the default document.
+  /// The simulated host's bundle with the default document.
   const std::filesystem::path bundle = "/Applications/keyvora.app/Contents/Resources/keyvora_keyvora.bundle";
   const std::filesystem::path defaultDocument = bundle / "mappings.json";
 
@@ -35,7 +35,7 @@ struct MappingStoreTest : testing::Test {
 
   static MappingStore& store() { return MappingStore::shared(); }
 
-  /// The keys of the current document, one after another.
+  /// The keys of the current document, joined.
   static std::string keys() {
     std::string all;
     for (const auto& sequence : store().mapping().sequences) all += sequence.keys;

@@ -26,7 +26,7 @@ struct MappingStoreOnDiskTest : testing::Test {
                     fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
   }
 
-  /// A document that is told by its time-out.
+  /// A document identified by its timeout.
   static std::string document(int timeout) {
     return R"({"version": 1, "timeoutMilliseconds": )" + std::to_string(timeout) +
            R"(, "tabs": {}, "sequences": []})";
@@ -113,7 +113,8 @@ TEST_F(MappingStoreOnDiskTest, AFileInPlaceOfTheFolderGivesTheFallback) {
   EXPECT_EQ(error(), "The file “mappings.json” could not be opened: Not a directory.");
 }
 
-/// For what root may always do: true in a child process without its rights, where the store is made anew.
+/// For tests in which root has too many rights: true in a child process without them, which creates the
+/// store again.
 #define EXPECT_AS_NOBODY(condition)                            \
   EXPECT_EXIT(                                                 \
       {                                                        \

@@ -19,7 +19,7 @@ struct MappingStoreReloadTest : MappingStoreTest {
     };
   }
 
-  /// A new content that the watch did not hear of.
+  /// Changes the content without a notification.
   void edit(std::string bytes) {
     host.files.remove(path);
     host.files.write(path, std::move(bytes));

@@ -170,8 +170,8 @@ TEST_F(MappingStoreTest, AStoreThatIsGoneNeitherReloadsNorWatches) {
   {
     MappingStore mine;
     host.files.write(path, document("B"));
-    host.advance(0);                        // the notification has come, its reload is on the way
-    host.files.write(path, document("C"));  // another notification is on its way
+    host.advance(0);                        // the notification has arrived and its reload is scheduled
+    host.files.write(path, document("C"));  // another notification is pending
   }
   host.advance(1);
   EXPECT_THAT(logged(), IsEmpty());

@@ -10,7 +10,7 @@ namespace {
 using simulated::Call;
 namespace fs = std::filesystem;
 
-/// Where the bundle is, and what the bundles around it look like.
+/// The place of the bundle, and the bundles around it.
 struct Row {
   const char* name;
   std::vector<fs::path> bundles;

@@ -10,7 +10,7 @@
 namespace keyvora::platform::key_code {
 namespace {
 
-/// The system's own numbers (HIToolbox, Events.h), as it writes them.
+/// The system's own numbers, as written in HIToolbox's Events.h.
 constexpr auto table = std::to_array<std::pair<std::uint16_t, std::uint16_t>>({
     {a, 0x00},
     {s, 0x01},

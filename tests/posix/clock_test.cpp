@@ -13,7 +13,7 @@
 namespace keyvora::posix {
 namespace {
 
-/// Sets the time zone for as long as it lives.
+/// Sets the time zone as long as it exists.
 class Zone {
  public:
   explicit Zone(const char* name) {

@@ -28,7 +28,7 @@ struct Channel {
     return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
   }
 
-  /// All that was written and not yet read.
+  /// Everything written and not read yet.
   std::string take() {
     ::fcntl(reader.number(), F_SETFL, O_NONBLOCK);
     std::string text;
@@ -56,7 +56,7 @@ TEST_P(PosixConsoleTest, WritesALineForEachRecord) {
 }
 
 TEST_P(PosixConsoleTest, DropsWhatDoesNotFitAndNeverWaits) {
-  // No reader: this test would hang where a write waited.
+  // Nothing reads: this test would hang if a write blocked.
   const std::string record(1000, 'x');
   for (int i = 0; i < 10'000; ++i) console.write(record);
   const auto kept = channel.take();

@@ -31,7 +31,7 @@ struct PosixFileOperationsTest : testing::Test {
   mode_t mask = 0;
 };
 
-/// For what root may always do: true in a child process without its rights.
+/// For tests in which root has too many rights: true in a child process without them.
 #define EXPECT_AS_NOBODY(condition)                            \
   EXPECT_EXIT(                                                 \
       {                                                        \
@@ -210,7 +210,7 @@ TEST_F(PosixFileOperationsTest, NothingIsReplacedInADirectoryThatIsNotForTheUser
   EXPECT_EQ(test::content(scratch / "file"), "text");
 }
 
-/// As on a full disk: the first bytes are written, the others are not.
+/// As on a full disk: the first bytes are written, the rest is not.
 void limitFileSize(rlim_t bytes) {
   const rlimit limit{bytes, bytes};
   ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -292,7 +292,7 @@ TEST_F(PosixFileOperationsTest, NothingHasTheNameOfTheCopyBeforeTheCopyIsWhole) 
   EXPECT_EXIT(
       {
         limitFileSize(5);
-        std::signal(SIGXFSZ, SIG_DFL);  // ends the process while it writes
+        std::signal(SIGXFSZ, SIG_DFL);  // ends the process during a write
         files.copy(scratch / "from", scratch / "to");
       },
       ::testing::KilledBySignal(SIGXFSZ), "");

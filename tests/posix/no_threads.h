@@ -2,8 +2,8 @@
 
 namespace keyvora {
 
-/// While one lives, the system starts no thread in this process. Its source stands in for the C library's
-/// function, so it is linked into tests that are alone in their program.
+/// While it exists, the system starts no thread in this process. It replaces a function of the C library,
+/// so link it only into a program whose tests all need it.
 class NoThreads {
  public:
   NoThreads();
@@ -11,7 +11,7 @@ class NoThreads {
   NoThreads(const NoThreads&) = delete;
   NoThreads& operator=(const NoThreads&) = delete;
 
-  /// How many were asked for meanwhile.
+  /// How many threads were refused.
   [[nodiscard]] int refused() const;
 };
 

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Longer than any of this takes: reached only by a test that fails.
+/// Longer than anything here takes: only a failing test reaches it.
 constexpr auto limit = 20s;
 
 TEST(PosixSerialQueueTest, RunsWorkInOrderOffTheCallersThread) {
@@ -64,7 +64,7 @@ TEST(PosixSerialQueueTest, DrainingAnIdleQueueReturnsAtOnce) {
 TEST(PosixSerialQueueTest, DrainingWaitsOnlyForWhatWasSubmittedBefore) {
   Queues queues;
   const auto queue = queues.createSerial("org.keyvora.test");
-  // Each piece submits the next for as long as the test lasts.
+  // Each piece of work submits the next as long as the test runs.
   std::atomic<bool> stop = false;
   std::function<void()> again = [&] {
     if (!stop) queue->async(again);
@@ -90,7 +90,7 @@ TEST(PosixSerialQueueTest, DestroyingItDropsWhatHasNotBegun) {
   queue->async([&ran] { ++ran; });
   begun.wait();
   auto destroyed = std::async(std::launch::async, [&queue] { queue.reset(); });
-  // The queue cannot go before its work has ended.
+  // The destructor waits for the running work.
   EXPECT_EQ(destroyed.wait_for(10ms), std::future_status::timeout);
   release.count_down();
   ASSERT_EQ(destroyed.wait_for(limit), std::future_status::ready);
@@ -123,7 +123,7 @@ TEST(PosixPlanTest, StepsRunInOrderWithTheirSleepsBetween) {
 
 TEST(PosixPlanTest, PlansGivenAtOnceRunAlongsideEachOther) {
   constexpr int plans = 5;
-  std::latch all(plans);  // each waits for the others: one after another they would wait for ever
+  std::latch all(plans);  // each waits for the others, so they end only if they run in parallel
   std::latch done(plans);
   Queues queues;
   for (int i = 0; i < plans; ++i) {
@@ -150,7 +150,8 @@ TEST(PosixPlanTest, ALaterPlanUsesTheThreadOfOneThatEnded) {
     }});
     threads.insert(ran.get_future().get());
   }
-  // A thread that has just ended a plan may not be back yet when the next one comes; then one more is made.
+  // A thread that has just finished a plan may not be idle again when the next one comes; then another is
+  // started.
   EXPECT_LT(threads.size(), 50u);
   EXPECT_FALSE(threads.contains(std::this_thread::get_id()));
 }

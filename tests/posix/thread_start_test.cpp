@@ -1,4 +1,4 @@
-// What happens when the system has no thread to give.
+// Behaviour when the system gives no threads.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Longer than any of this takes: reached only by a test that fails.
+/// Longer than anything here takes: only a failing test reaches it.
 constexpr auto limit = 20s;
 
 TEST(ThreadStartTest, WorkOfASerialQueueWaitsForAThread) {

@@ -23,7 +23,7 @@ class ClickMenuTest : public RunnerTest {
     return host.accessibility.element(std::nullopt, std::move(children));
   }
 
-  /// The element with another name in the trace than its title.
+  /// Gives the element another identifier in the trace than its title.
   static TreeElementRef named(const std::string& identifier, TreeElementRef element) {
     element->identifier = identifier;
     return element;

@@ -52,7 +52,7 @@ TEST(KeyNamesTest, NamesAreMatchedInAnyCaseAndNotOtherwise) {
            Case{"pageup", {}},    Case{"f0", {}},     Case{"f13", {}},
            Case{"F13", {}},       Case{"f01", {}},    Case{"keypad1", {}},
            Case{"+", {}},         Case{"!", {}},      Case{"\u00E9", {}},
-           Case{"\u0130", {}},  // lower-cased, it is an i with a dot above: two code points
+           Case{"\u0130", {}},  // lower-cased, it is two code points: i and a dot above
            Case{"\u017F", {}},  // the long s is lower-case already
            Case{"\uFF41", {}},  // the full-width a is only compatible with an a
            Case{"\xFF", {}},

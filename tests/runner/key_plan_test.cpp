@@ -6,7 +6,7 @@
 
 namespace keyvora {
 
-/// How GoogleTest shows one; found by its name.
+/// Prints one for GoogleTest, which finds it by its name.
 void PrintTo(const PlannedKey& key, std::ostream* out);
 
 void PrintTo(const PlannedKey& key, std::ostream* out) {
@@ -34,8 +34,8 @@ TEST(KeyPlanTest, HasEachCharacterWithItsKey) {
            Case{"e\u0301", {{"E\u0301", none}}},
            Case{"\u1E96", {{"H\u0331", none}}},  // upper-cased, an H and a line below it
            Case{"a\r\nb", {{"A", 0}, {"B", 11}}},
-           Case{"a \u0301", {{"A", 0}}},                        // white space takes its accent along
-           Case{"a\n\u0301b", {{"A\u0301", none}, {"B", 11}}},  // a line break does not
+           Case{"a \u0301", {{"A", 0}}},                        // the accent combines with the white space
+           Case{"a\n\u0301b", {{"A\u0301", none}, {"B", 11}}},  // but not with a line break
        }) {
     EXPECT_EQ(keyPlan(keys), plan) << keys;
   }

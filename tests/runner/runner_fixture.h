@@ -26,7 +26,7 @@ class RunnerTest : public ::testing::Test {
   Runner runner;
 };
 
-// What the trace of the host holds, in a table's words.
+// Short names for entries of the trace, for tables.
 
 inline constexpr std::int64_t marker = 1585091011;
 

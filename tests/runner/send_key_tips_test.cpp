@@ -97,7 +97,7 @@ TEST_F(SendKeyTipsTest, WithoutAnyEventThePauseAndTheLineRemain) {
 
 class SendKeyTipsOnTheClockTest : public RunnerTest {
  protected:
-  /// Key codes of the key-downs so far.
+  /// The key codes of the key-downs so far.
   std::vector<int> typed() {
     std::vector<int> codes;
     for (const auto& entry : host.trace.of<simulated::trace::Posted>()) {

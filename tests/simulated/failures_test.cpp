@@ -11,7 +11,7 @@ namespace {
 
 using platform::Seconds;
 
-/// Hears nothing.
+/// Ignores all calls.
 struct SilentDelegate : platform::UpdaterDelegate {
   int answers = 0;
   void didFindValidUpdate(const platform::UpdateItem&) override { ++answers; }
@@ -25,7 +25,7 @@ struct SilentDelegate : platform::UpdaterDelegate {
   void willFinishUpdateSession() override {}
 };
 
-/// A host in which every call works, and handles to call through.
+/// A host in which every call succeeds, and objects to call through.
 struct Fixture {
   Host host;
   const platform::Platform& door = host.platform();
@@ -49,7 +49,7 @@ struct Fixture {
     host.diagnosis.known = {{"window manager", "none"}};
   }
 
-  /// Whether `deed` left an entry of this type in the trace.
+  /// Whether `deed` added an entry of this type to the trace.
   template <class Entry, class Deed>
   bool leaves(Deed deed) {
     const auto before = host.trace.of<Entry>().size();
@@ -58,7 +58,7 @@ struct Fixture {
   }
 };
 
-/// Makes the call and says whether it worked.
+/// Makes the call and returns whether it succeeded.
 using Attempt = std::function<bool(Fixture&)>;
 
 const std::map<Call, Attempt>& attempts() {

@@ -15,7 +15,7 @@ struct SimulatedFileSystemTest : testing::Test {
     return door.watch(path, [this] { ++notified; });
   }
 
-  /// How many notifications came since the last time.
+  /// How many notifications came since the last call.
   int notifications() {
     host.advance(0);
     return std::exchange(notified, 0);

@@ -5,7 +5,7 @@
 
 #include <sstream>
 
-/// The parts of the simulated host that are too small for a file of their own.
+/// Parts of the simulated host that are too small for their own test file.
 namespace keyvora::simulated {
 namespace {
 

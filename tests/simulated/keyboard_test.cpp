@@ -18,7 +18,7 @@ struct SimulatedKeyboardTest : testing::Test {
   std::vector<KeyEvent> seen;
   std::vector<std::string> order;
 
-  /// A tap on key events that records what it sees, by its name.
+  /// A tap on key events that records them under its name.
   std::unique_ptr<platform::EventTap> tap(std::string name, Verdict verdict = Verdict::pass,
                                           std::uint64_t mask = 0x1C00) {
     return host.keyboard.createTap(mask, [this, name = std::move(name), verdict](const KeyEvent& event) {

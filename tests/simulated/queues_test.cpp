@@ -89,7 +89,7 @@ TEST_F(SimulatedQueuesTest, HeldWorkWaitsForItsRelease) {
 
 TEST_F(SimulatedQueuesTest, AQueueIsSerialForManyThreads) {
   const auto queue = host.queues.createSerial("queue");
-  int count = 0;  // unprotected: the queue is what protects it
+  int count = 0;  // without a lock: the queue protects it
   const auto submit = [&] {
     for (int n = 0; n < 250; ++n) queue->async([&count] { ++count; });
   };

@@ -7,7 +7,7 @@
 
 namespace keyvora::test {
 
-/// Real files in a scratch home, real threads and the real clock; the rest is simulated.
+/// Real files in a scratch home, real threads and the real clock; everything else is simulated.
 class DiskPlatform {
  public:
   simulated::Host host;

@@ -1,10 +1,10 @@
-// Linked into a program that ends by _exit, in the build that counts coverage: writes the counts first.
+// Linked into a program that ends by _exit, in the coverage build: writes the coverage data first.
 
 extern "C" {
 
-// Of GCC's runtime.
+// From GCC's runtime.
 void __gcov_dump();
-// The linker's names, with --wrap=_exit, for the C library's _exit and for what is called in its place.
+// The linker's names with --wrap=_exit: the C library's _exit, and the function that replaces it.
 [[noreturn]] void __real__exit(int status);
 [[noreturn]] void __wrap__exit(int status);
 

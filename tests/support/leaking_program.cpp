@@ -1,4 +1,4 @@
-// Loses as many blocks as its argument says, then ends by _exit, as keyvora does.
+// Leaks as many blocks as its argument says, then ends by _exit, as keyvora does.
 
 #include <unistd.h>
 
@@ -9,13 +9,13 @@ namespace {
 
 constexpr std::size_t size = 64;
 
-// Keeps the block's address nowhere that the leak sanitizer would look at.
+// Keeps no copy of the block's address that the leak sanitizer would find.
 [[gnu::noinline]] void lose() {
   auto* block = static_cast<volatile char*>(std::malloc(size));
   if (block != nullptr) block[0] = 'x';
 }
 
-// Writes over what lose() left on the stack.
+// Overwrites what lose() left on the stack.
 [[gnu::noinline]] void clearStack() {
   volatile char overwritten[4096];
   for (auto& byte : overwritten) byte = 0;

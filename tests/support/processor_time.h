@@ -5,8 +5,7 @@
 
 namespace keyvora::test {
 
-/// The processor time that this process has used: what bounds are put on, for a busy machine adds nothing to
-/// it.
+/// The processor time used by this process. Use it for time limits, since other processes do not add to it.
 inline std::chrono::duration<double> processorTime() {
   return std::chrono::duration<double>(static_cast<double>(std::clock()) / CLOCKS_PER_SEC);
 }

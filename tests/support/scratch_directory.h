@@ -13,16 +13,17 @@
 
 namespace keyvora::test {
 
-/// The account without rights that every Unix has.
+/// The unprivileged account of every Unix.
 inline constexpr uid_t nobody = 65534;
 
-/// Gives up the rights of root, which no file permission stops. For a child process: there is no way back.
+/// Gives up root's rights, which override file permissions. Only for a child process, since it cannot be
+/// undone.
 inline void becomeNobody() {
   if (::geteuid() != 0) return;
   if (::setgid(nobody) != 0 || ::setuid(nobody) != 0) std::abort();
 }
 
-/// A directory that is removed with all that is in it. Open to `nobody`.
+/// A directory, accessible to `nobody`; the destructor removes it with its content.
 class ScratchDirectory {
  public:
   ScratchDirectory() {
@@ -41,7 +42,7 @@ class ScratchDirectory {
   [[nodiscard]] const std::filesystem::path& path() const { return path_; }
   [[nodiscard]] std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
 
-  /// The names in it, one level deep.
+  /// The names of its entries.
   [[nodiscard]] std::set<std::string> names() const {
     std::set<std::string> found;
     for (const auto& entry : std::filesystem::directory_iterator(path_)) {
@@ -54,19 +55,19 @@ class ScratchDirectory {
   std::filesystem::path path_;
 };
 
-/// Makes the bytes the file's content, in place.
+/// Sets the file's content, in place.
 inline void write(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
-/// The file's bytes; none when it cannot be read.
+/// The file's content; none when it cannot be read.
 inline std::optional<std::string> content(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
   return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
-/// The permissions of what the path names itself, as in `0644`.
+/// The permissions of the path itself, links not followed, as in `0644`.
 inline mode_t modeOf(const std::filesystem::path& path) {
   struct stat info {};
   return ::lstat(path.c_str(), &info) == 0 ? info.st_mode & 07777 : 0;

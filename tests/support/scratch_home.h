@@ -5,7 +5,7 @@
 
 namespace keyvora::test {
 
-/// The real file system, with the user's directories in a scratch home. Nothing is watched.
+/// The real file system, with the user's directories in a scratch home. Watches do nothing.
 class ScratchHome final : public posix::FileOperations {
  public:
   [[nodiscard]] const std::filesystem::path& path() const { return directory_.path(); }

@@ -11,8 +11,8 @@ namespace {
 thread_local std::size_t allocations = 0;
 }  // namespace
 
-// Every allocation of the program comes by here: the other forms of `new` are made of these two. A sanitizer
-// has a form of its own that does not throw, so that one is here too.
+// Counts every allocation of the program: the other forms of `new` call these two. Sanitizers replace the
+// non-throwing form separately, so it is replaced here too.
 void* operator new(std::size_t size) {
   ++allocations;
   if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;

@@ -11,12 +11,12 @@
 #include "platform/keyboard.h"
 #include "tests/tap/trace.h"
 
-/// Words for tests of the tap that read as tables.
+/// Helpers that make tests of the tap read like tables.
 namespace keyvora::testing {
 
 namespace key = platform::key_code;
 
-/// What can be seen.
+/// Visible effects.
 inline Happening reportsArmed(std::string text) {
   return {"report", "true", std::move(text)};
 }
@@ -33,7 +33,7 @@ inline Happening types(std::string keys, std::string label) {
   return {"run", "keytips", std::move(keys), std::move(label)};
 }
 
-/// What a step did: an event that reached the target, one that did not, or no event at all.
+/// The result of a step: an event that reached the target, one that did not, or no event.
 inline StepResult passes(std::vector<Happening> trace = {}) {
   return {platform::Verdict::pass, std::move(trace)};
 }
@@ -56,12 +56,12 @@ inline std::string testName(std::string words) {
   return words;
 }
 
-/// A sequence whose name and key tips are made from its keys.
+/// A sequence whose name and key tips are derived from its keys.
 inline Sequence tips(const std::string& keys) {
   return {keys, "n" + keys, action::KeyTips{"t" + keys}};
 }
 
-/// What is seen when such a sequence fires.
+/// The effects when such a sequence fires.
 inline std::vector<Happening> firing(const std::string& keys) {
   return {reportsIdle(), types("t" + keys, keys + "  n" + keys)};
 }

@@ -68,7 +68,7 @@ TEST_F(InstallTest, SeesKeysAndModifierChangesOnly) {
   tap.onStateChange = [&](bool, const std::string&) { ++reports; };
   for (std::uint32_t type = 0; type < 64; ++type) {
     reports = 0;
-    host.keyboard.send({type, 0, 0, 0});  // outside the target: each event that is seen is reported
+    host.keyboard.send({type, 0, 0, 0});  // outside the target each event is reported
     EXPECT_EQ(reports, type >= 10 && type <= 12 ? 1 : 0) << type;
   }
 }

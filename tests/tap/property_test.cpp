@@ -8,7 +8,7 @@
 #include "tests/tap/reference_model.h"
 #include "tests/tap/tap_rig.h"
 
-/// Random runs against the reference model. A failure names the seed, which makes the run again.
+/// Random runs compared with the reference model. A failure prints the seed, which repeats the run.
 namespace keyvora::testing {
 namespace {
 
@@ -18,7 +18,7 @@ constexpr std::uint64_t streams = 2000;
 constexpr std::size_t stepsEach = 60;
 constexpr std::int64_t longSilence = 60'000'000;
 
-/// Whether the tap is armed after what could be seen, when it was `armed` before.
+/// Whether the tap is armed after these effects, given its state `armed` before.
 bool armedAfter(bool armed, const StepResult& result) {
   for (const auto& happening : result.trace) {
     if (happening.front() == "report") armed = happening[1] == "true";
@@ -55,7 +55,7 @@ TEST(TapPropertyTest, DoesWhatTheModelDoesAndNoHarm) {
           std::ranges::count_if(result.trace, [](const auto& happening) { return happening[0] == "run"; }));
     }
 
-    // A sequence that was begun does not outlast silence; armed without a letter, the tap waits for one.
+    // A sequence with letters ends after a time without events; an armed tap without letters keeps waiting.
     const bool begun = model.anyLetterTyped();
     rig.trackMenu(false);
     model.trackMenu(false);
@@ -64,7 +64,7 @@ TEST(TapPropertyTest, DoesWhatTheModelDoesAndNoHarm) {
     ASSERT_EQ(armedAfter(armed, silence), armed && !begun);
     if (HasFailure()) return;
   }
-  // The streams go where the decisions are.
+  // The streams must reach states with decisions.
   EXPECT_GT(swallowed, streams);
   EXPECT_GT(fired, streams / 4);
 }

@@ -132,7 +132,7 @@ class StreamMaker {
 }  // namespace
 
 Choose randomChoices(std::uint64_t seed) {
-  // Not a distribution of the library's: those differ from one library to the next.
+  // Not a standard distribution, whose results differ between libraries.
   return [generator = std::mt19937_64(seed)](std::size_t below) mutable { return generator() % below; };
 }
 

@@ -29,24 +29,24 @@ struct TrackMenu {
 };
 using Step = std::variant<Event, Advance, Reload, TrackMenu>;
 
-/// A run: the document that it starts with, and what happens.
+/// A run: the initial document, and the steps.
 struct Stream {
   Mapping mapping;
   std::vector<Step> steps;
 };
 
-/// Chooses a number below its argument, which is at least 1. Whoever chooses makes the stream: a generator of
-/// random numbers, or the bytes of a fuzzer.
+/// Chooses a number below its argument, which is at least 1. The source of the choices is a random number
+/// generator or a fuzzer's input.
 using Choose = std::function<std::size_t(std::size_t)>;
 
-/// A generator's choices: the same for the same seed, everywhere.
+/// Choices of a generator: on every system the same for the same seed.
 Choose randomChoices(std::uint64_t seed);
 
-/// A run of at least `steps` steps that goes where the decisions are: few letters, short sequences, times
-/// about as long as the timeouts.
+/// A run of at least `steps` steps that reaches many decisions: few letters, short sequences, times close
+/// to the timeouts.
 Stream makeStream(const Choose& choose, std::size_t steps);
 
-/// An event of a key that the streams use, without user data.
+/// An event with a key that the streams use, without user data.
 platform::KeyEvent makeEvent(const Choose& choose);
 
 /// Plays a step on a `TapRig` or a `ReferenceModel`.

@@ -12,7 +12,7 @@ namespace {
 using platform::KeyEvent;
 using platform::Verdict;
 
-/// What an event is, whatever the state.
+/// The kind of an event, independent of the state.
 enum class Kind {
   tapDisabled,
   ours,
@@ -28,7 +28,7 @@ enum class Kind {
   otherKeyDown,
 };
 
-/// Milliseconds. A wait of less than no time ends at once; one of more than a century never does.
+/// In milliseconds. A negative wait ends at once; a wait of more than a century never ends.
 constexpr std::int64_t shortest = 0;
 constexpr std::int64_t longest = 4'000'000'000'000;
 

@@ -11,21 +11,21 @@
 
 namespace keyvora::testing {
 
-/// What the tap is held against: the same behaviour written down a second time, as a table of events and
-/// states, sharing no code with the tap. Plain and slow. Keys of sequences must be ASCII.
+/// A second implementation of the tap's behaviour, as a table of events and states, which shares no code
+/// with the tap. Simple and slow. Keys of sequences must be ASCII.
 class ReferenceModel {
  public:
   explicit ReferenceModel(Mapping mapping) : mapping_(std::move(mapping)) {}
 
   StepResult event(const platform::KeyEvent& event, bool targetIsFrontmost);
 
-  /// Lets time go by. A deadline that is reached counts as passed.
+  /// Advances the clock. A deadline at the end of the span is included.
   StepResult advance(std::int64_t microseconds);
 
   /// Replaces the current document.
   StepResult reload(Mapping mapping);
 
-  /// Opens or closes a menu of our own: while it is open no timeout runs out.
+  /// Opens or closes a menu of keyvora: no timeout expires while it is open.
   StepResult trackMenu(bool open);
 
   [[nodiscard]] bool armed() const { return armed_; }

@@ -14,45 +14,45 @@
 
 namespace keyvora::testing {
 
-/// A tap installed on a simulated host, with a document of its own and a runner that only notes what it is
-/// asked for. Everything that can be seen from outside is collected in order.
+/// A tap installed on a simulated host, with its own document and a runner that only records calls.
+/// Collects all visible effects in order.
 class TapRig {
  public:
   explicit TapRig(Mapping mapping);
 
-  /// One event of the user's.
+  /// One event of the user.
   StepResult event(const platform::KeyEvent& event, bool targetIsFrontmost);
 
-  /// Lets time go by.
+  /// Advances the clock.
   StepResult advance(std::int64_t microseconds);
 
   /// Replaces the current document.
   StepResult reload(Mapping mapping);
 
-  /// Opens or closes a menu of our own.
+  /// Opens or closes a menu of keyvora.
   StepResult trackMenu(bool open);
 
-  // In target, without user data:
+  // In the target, without user data:
 
   /// A key goes down.
   StepResult keyDown(std::uint16_t keyCode, std::uint64_t flags = 0);
   /// A key comes up.
   StepResult keyUp(std::uint16_t keyCode, std::uint64_t flags = 0);
-  /// A modifier key changes; `flags` is what holds afterwards.
+  /// A modifier key changes; `flags` are the flags after that.
   StepResult flagsChanged(std::uint16_t keyCode, std::uint64_t flags);
-  /// Left Option down and up with nothing in between: the result of the second.
+  /// Left Option down and up with nothing in between; returns the result of the release.
   StepResult tapOption();
 
   [[nodiscard]] simulated::Host& host() { return host_; }
   [[nodiscard]] KeySequenceTap& tap() { return *tap_; }
 
-  /// The tap is gone before its time.
+  /// Destroys the tap early.
   void destroyTap() { tap_.reset(); }
 
  private:
   class NotingRunner;
 
-  /// Moves what the host has recorded since the last time behind what was collected so far.
+  /// Appends what the host has recorded since the last call.
   void collect();
   void note(Happening happening);
   StepResult result(std::optional<platform::Verdict> verdict);

@@ -15,7 +15,7 @@ Mapping waiting(std::optional<std::int64_t> milliseconds, const std::vector<std:
   return mapping;
 }
 
-/// When a document's timeout still waits, and when it ends, in microseconds.
+/// A time within a document's timeout and the end of the timeout, in microseconds.
 struct Case {
   const char* what;
   std::optional<std::int64_t> milliseconds;
@@ -27,7 +27,7 @@ struct Case {
 
 class TimeoutTest : public ::testing::TestWithParam<Case> {
  protected:
-  /// Lets time go by up to the end: what happens then, and not before.
+  /// Advances the clock to the end and returns what happens there; nothing may happen before.
   static StepResult atTheEnd(TapRig& rig) {
     const auto& row = GetParam();
     if (row.stillWaitsAt) {

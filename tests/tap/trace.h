@@ -9,13 +9,12 @@
 
 namespace keyvora::testing {
 
-/// One thing that could be seen from outside, as words: {"report", "true", "HF"}, {"log", line}, {"enable"}
-/// or
-/// {"run", kind, payload..., label}, in which a list stands between "[" and "]".
+/// One visible effect, as words: {"report", "true", "HF"}, {"log", line}, {"enable"} or {"run", kind,
+/// payload..., label}. A list is between "[" and "]".
 using Happening = std::vector<std::string>;
 
-/// What one step of a run did: how the event was decided (none when the step was no event) and all that could
-/// be seen, in order.
+/// The result of one step of a run: the verdict on the event (none when the step was not an event) and all
+/// visible effects, in order.
 struct StepResult {
   std::optional<platform::Verdict> verdict;
   std::vector<Happening> trace;
@@ -23,7 +22,7 @@ struct StepResult {
   friend bool operator==(const StepResult&, const StepResult&) = default;
 };
 
-/// For the messages of failing tests.
+/// Used in messages of failing tests.
 void PrintTo(const StepResult& result, std::ostream* out);
 
 }  // namespace keyvora::testing

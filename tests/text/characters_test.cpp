@@ -62,7 +62,7 @@ TEST(Characters, KeepIndicConjunctsWhole) {
       {"काष", {"का", "ष"}},
       {"क् ष", {"क्", " ", "ष"}},
       {"ক্ষ", {"ক্ষ"}},
-      // Tamil and Kannada join no consonants, nor does a virama after something else.
+      // Tamil and Kannada do not join consonants; nor does a virama that follows anything else.
       {"க்ஷ", {"க்", "ஷ"}},
       {"ಕ್ಷ", {"ಕ್", "ಷ"}},
       {"a्ष", {"a्", "ष"}},

@@ -9,7 +9,7 @@
 namespace keyvora::text {
 namespace {
 
-/// The code points of a text, as they are read one by one.
+/// The code points of a text, read one by one.
 std::u32string read(std::string_view text) {
   std::u32string result;
   while (!text.empty()) {

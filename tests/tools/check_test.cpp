@@ -18,7 +18,7 @@ namespace {
 
 using testing::IsEmpty;
 
-/// A document with something wrong in it and, beside it, everything that is said about it.
+/// A document with faults, and the complete output of the check for it.
 class BrokenDocument : public testing::TestWithParam<std::string> {};
 
 std::vector<std::string> brokenDocuments() {
@@ -60,7 +60,7 @@ TEST(CheckTest, HasNothingToSayAboutWhatIsShipped) {
   }
 }
 
-/// The vectors of the project, or of the folder that KEYVORA_VECTORS names.
+/// The project's vectors, or those in the folder named by KEYVORA_VECTORS.
 TEST(CheckTest, HasErrorsExactlyWhereTheApplicationRejects) {
   const char* folder = std::getenv("KEYVORA_VECTORS");
   const std::filesystem::path vectors =
@@ -91,9 +91,7 @@ TEST(CheckTest, SortsByPlaceWhateverTheRuleThatFoundIt) {
   }));
 }
 
-/// Ten times the findings take ten times as long, and not a hundred times. The bound leaves room for
-/// sanitizers.
-/// The processor time that checking a document with two findings for each of so many sequences takes.
+/// The processor time for checking a document with this many sequences and two findings in each.
 std::chrono::duration<double> timeToFind(std::size_t count) {
   std::string bytes = "{\"version\": 1, \"tabs\": {}, \"sequences\": [\n";
   for (std::size_t i = 0; i < count; ++i) {
@@ -106,6 +104,8 @@ std::chrono::duration<double> timeToFind(std::size_t count) {
   return test::processorTime() - start;
 }
 
+/// Ten times as many findings may take ten times as long, not a hundred times. The limit allows for
+/// sanitizers.
 TEST(CheckTest, TakesTimeInProportionToTheFindings) {
   auto few = timeToFind(500);
   for (int i = 0; i < 2; ++i) few = std::min(few, timeToFind(500));

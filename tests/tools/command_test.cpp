@@ -33,7 +33,7 @@ std::unique_ptr<platform::Host> makeSystem() {
   return host;
 }
 
-/// The program, run in a home directory of its own.
+/// The program, run with its own home directory.
 struct CommandTest : testing::Test {
   CommandTest() { setenv("HOME", home.path().c_str(), 1); }
 
@@ -197,7 +197,7 @@ TEST_F(CommandTest, ALongLineIsCutToThePlace) {
   std::getline(lines, caret);
   EXPECT_LT(line.size(), 120U);
   EXPECT_THAT(line, HasSubstr("| …xxx"));
-  // The cut's mark takes three bytes and one column.
+  // The ellipsis at the cut takes three bytes and one column.
   EXPECT_EQ(line.at(caret.find('^') + 2), '7') << line << "\n" << caret;
 }
 
@@ -330,7 +330,7 @@ TEST_F(CommandTest, TellsItsVersion) {
   EXPECT_EQ(out.str(), "keyvora-mappings " + std::string(embedded::version) + "\n");
 }
 
-/// The manual and the shells' completions know every command and option.
+/// The manual page and the shell completions must contain every command and option.
 TEST(CommandDocumentationTest, NamesEverything) {
   for (const std::string file : {"keyvora-mappings.1", "completions/keyvora-mappings.bash",
                                  "completions/_keyvora-mappings", "completions/keyvora-mappings.fish"}) {

@@ -16,7 +16,7 @@ constexpr auto mappings = "/Users/me/Library/Application Support/keyvora/mapping
 
 class DoctorTest : public testing::Test {
  protected:
-  /// Whether nothing keeps sequences from working; what was written is in `output`.
+  /// Whether nothing keeps sequences from working; the text is in `output`.
   bool works() {
     std::ostringstream out;
     const bool result = examine(host.platform(), out);

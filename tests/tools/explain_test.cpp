@@ -8,7 +8,7 @@
 namespace keyvora::tools {
 namespace {
 
-/// The document's mapping, and explanations of letters as golden/explain_LETTERS.txt holds them.
+/// The document's mapping, and the expected explanations in golden/explain_LETTERS.txt.
 struct ExplainTest : testing::Test {
   Document document{golden("document.json")};
 

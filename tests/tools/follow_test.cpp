@@ -19,7 +19,7 @@ TEST_F(FollowTest, GivesTheContentOnceAndThenEveryChange) {
   Follower follower(file);
   EXPECT_EQ(follower.changed(), "one");
   EXPECT_EQ(follower.changed(), std::nullopt);
-  write(file, "two");  // in place, as long as before, within the same moment
+  write(file, "two");  // in place, with the same length and time stamp
   EXPECT_EQ(follower.changed(), "two");
   EXPECT_EQ(follower.changed(), std::nullopt);
 }
@@ -43,7 +43,7 @@ TEST_F(FollowTest, SaysOnceThatAFileIsGoneForGood) {
   follower.changed();
   std::filesystem::remove(file);
   EXPECT_EQ(follower.changed(), std::nullopt);
-  EXPECT_FALSE(follower.vanished());  // a save may delete it first
+  EXPECT_FALSE(follower.vanished());  // a save may delete the file first
   int said = 0;
   for (int look = 0; look < 20; ++look) {
     EXPECT_EQ(follower.changed(), std::nullopt);
@@ -80,7 +80,7 @@ TEST_F(FollowTest, AnOldFileIsNotReadAgainAndAgain) {
   Follower follower(file);
   follower.changed();
   write(file, "two");
-  std::filesystem::last_write_time(file, longAgo);  // nothing shows from outside
+  std::filesystem::last_write_time(file, longAgo);  // no visible change of the file
   EXPECT_EQ(follower.changed(), std::nullopt);
 }
 

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-/// Files that tests read: the project's own, and outputs that are compared whole.
+/// Files read by tests: the project's own, and expected outputs.
 namespace keyvora::tools {
 
 inline std::string contentOf(const std::filesystem::path& file) {

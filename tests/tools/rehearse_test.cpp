@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 constexpr platform::ProcessIdentifier process = 7;
 
-/// What a test does to the system before the program asks it.
+/// Prepares the simulated system before the program uses it.
 std::function<void(simulated::Host&)> setUpSystem;
 
 std::unique_ptr<platform::Host> makeSystem() {
@@ -35,7 +35,7 @@ simulated::TreeElementRef item(simulated::Host& host, const std::string& title, 
   return made;
 }
 
-/// Excel with three menus, one of which hangs in a container without a title, as on a Mac.
+/// Excel with three menus. One is in a container without a title, as on a Mac.
 void startExcel(simulated::Host& host) {
   auto& tree = host.accessibility;
   host.applications.start("com.microsoft.Excel", process);
@@ -46,7 +46,7 @@ void startExcel(simulated::Host& host) {
   tree.setMenuBar(process, tree.element(std::nullopt, {edit, format}));
 }
 
-/// `rehearse`, with a simulated system and a PATH of its own.
+/// `rehearse`, with a simulated system and its own PATH.
 struct RehearseTest : testing::Test {
   RehearseTest() {
     setUpSystem = startExcel;
@@ -63,7 +63,7 @@ struct RehearseTest : testing::Test {
     return tools::run(arguments, {out, error, makeSystem});
   }
 
-  /// Everything that was written, the document by its name alone.
+  /// The whole output, with the document's file name instead of its path.
   [[nodiscard]] std::string written() const {
     auto text = out.str();
     for (auto at = text.find(file); at != std::string::npos; at = text.find(file)) {
@@ -72,7 +72,7 @@ struct RehearseTest : testing::Test {
     return text;
   }
 
-  /// A compiler that refuses scripts with the word "wrong" in them.
+  /// A script compiler that refuses scripts with the word "wrong".
   void installCompiler() const {
     const auto program = folder / "osacompile";
     test::write(program,

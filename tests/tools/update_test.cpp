@@ -31,7 +31,7 @@ TEST(ShippedTest, KnowsEveryEntryOfTheDocumentsThatAreShipped) {
   }
 }
 
-/// The list is only ever added to: what it was on a day is still its start.
+/// Entries are only ever added to the list: each earlier version of it must be its beginning.
 TEST(ShippedTest, ForgetsNoEntry) {
   const std::string_view all = embedded::shippedEntries;
   constexpr std::size_t lines = 716;
@@ -56,7 +56,7 @@ TEST(ShippedTest, AFingerprintLooksAtWhatIsMeantAndNotAtHowItIsWritten) {
   EXPECT_NE(of(R"({"a": 1})"), of(R"({"a": 1, "b": 2})"));
 }
 
-/// Commands in a home directory of their own.
+/// Commands run with their own home directory.
 struct UpdateTest : testing::Test {
   UpdateTest() { setenv("HOME", home.path().c_str(), 1); }
 
@@ -92,7 +92,7 @@ struct UpdateTest : testing::Test {
   std::ostringstream error;
 };
 
-/// As Calc's first document had it; it is another one now.
+/// An entry as in Calc's first document; it has changed since.
 const std::string formerEntry = R"({"keys": "HFP", "name": "Clone formatting",
         "action": {"kind": "menu", "path": ["Format", "Clone Formatting"]} })";
 

@@ -17,7 +17,7 @@ std::string described(const DecodingError& error) {
   return std::string(nameOf(error.kind)) + " at \"" + describe(error.path) + "\": " + error.description;
 }
 
-/// Whether a coding path is the one that a line gives, which is a list of strings and indices.
+/// Whether a coding path equals that of a line, which is a list of strings and indices.
 bool samePath(const CodingPath& path, const Line& expected) {
   if (path.size() != expected.Size()) return false;
   for (rapidjson::SizeType i = 0; i < expected.Size(); ++i) {
@@ -43,7 +43,8 @@ std::optional<Mismatch> checkFailure(const DecodingError& error, const Line& lin
   return Mismatch{expected, described(error)};
 }
 
-/// What was decoded, encoded again and compared as values; encoding must also decode to an equal mapping.
+/// Compares the decoded mapping by encoding it again, and checks that the encoding decodes to an equal
+/// mapping.
 std::optional<Mismatch> checkMapping(const Mapping& mapping, const Line& line) {
   const auto expected = stringField(line, "document");
   const auto actual = encode(mapping);
@@ -57,8 +58,8 @@ std::optional<Mismatch> checkMapping(const Mapping& mapping, const Line& line) {
 
 }  // namespace
 
-/// A document's `bytes` in base64 and what to `expect`: `ok` with the `document` as it is encoded again, or
-/// the kind of failure (`reject`: any) with its `path` and exact `text` where they are given.
+/// A document's `bytes` in base64 and the result to `expect`: `ok` with the `document` as it is encoded
+/// again, or the kind of failure (`reject`: any) with `path` and exact `text` if given.
 std::optional<Mismatch> checkDecode(const Line& line) {
   const auto expect = stringField(line, "expect");
   const auto result = decode(fromBase64(stringField(line, "bytes")));

@@ -8,11 +8,11 @@
 
 namespace keyvora::vectors {
 
-/// What a line expects to happen, as the simulated host records it: `["post", process or null, event]`,
+/// The entries that a line expects in the simulated host's trace: `["post", process or null, event]`,
 /// `["sleep", microseconds]`, `["press", element]`, `["log", line]`.
 std::vector<simulated::TraceEntry> expectedTrace(const Line& expect);
 
-/// Nothing when the two are equal.
+/// None when the two are equal.
 std::optional<Mismatch> compare(const std::vector<simulated::TraceEntry>& expected,
                                 const std::vector<simulated::TraceEntry>& actual);
 

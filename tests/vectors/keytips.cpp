@@ -23,7 +23,8 @@ std::vector<PlannedKey> asPlan(const Line& value) {
 
 }  // namespace
 
-/// The `keys` of key tips and the `plan` to type them, or the first character `missing` from the keyboard.
+/// The `keys` of key tips and the `plan` for typing them, or the first character `missing` from the
+/// keyboard.
 std::optional<Mismatch> checkKeytips(const Line& line) {
   const auto expected = line.HasMember("missing") ? "missing " + stringField(line, "missing")
                                                   : described(asPlan(field(line, "plan")));

@@ -3,7 +3,7 @@
 
 namespace keyvora::vectors {
 
-/// A sequence's `keys` and its `letters`, which have to be the same code points.
+/// A sequence's `keys` and its `letters`, which must have the same code points.
 std::optional<Mismatch> checkLetters(const Line& line) {
   const Sequence sequence{stringField(line, "keys"), {}, {}};
   const auto expected = stringsField(line, "letters");

@@ -12,12 +12,12 @@
 /// Reading the fields of a line.
 namespace keyvora::vectors {
 
-/// A line lacks a field or holds another type than its kind needs.
+/// A line lacks a field, or a field has the wrong type.
 struct MalformedLine : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The value of a field that must be there.
+/// The value of a required field.
 const Line& field(const Line& line, const char* name);
 
 /// A value that must be a string, a list of strings, a boolean, an integer.
@@ -31,11 +31,11 @@ std::string stringField(const Line& line, const char* name);
 std::vector<std::string> stringsField(const Line& line, const char* name);
 bool boolField(const Line& line, const char* name);
 
-/// Compact JSON of a value, to show it.
+/// A value as compact JSON, for messages.
 std::string shown(const Line& value);
 std::string shown(const std::vector<std::string>& values);
 
-/// The bytes that base64 stands for.
+/// Decodes base64.
 std::string fromBase64(std::string_view text);
 
 }  // namespace keyvora::vectors

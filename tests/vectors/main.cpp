@@ -11,8 +11,8 @@
 #include "tests/vectors/line.h"
 #include "tests/vectors/vector_kind.h"
 
-/// Runs the test vectors of the folder that the environment variable KEYVORA_VECTORS names, or the project's
-/// own. The folder may hold files of only some kinds. Status 0 when every line of every file agrees.
+/// Runs the test vectors in the folder named by the environment variable KEYVORA_VECTORS, or the project's
+/// own. The folder need not have files of every kind. Status 0 when every line of every file passes.
 namespace keyvora::vectors {
 namespace {
 
@@ -28,7 +28,7 @@ std::string cut(const std::string& text) {
   return text.size() <= shownLength ? text : text.substr(0, shownLength) + "…";
 }
 
-/// Why a line fails; nothing when it passes.
+/// Why a line fails; none when it passes.
 std::optional<Mismatch> check(const VectorKind& kind, const std::string& json) {
   rapidjson::Document line;
   line.Parse<rapidjson::kParseIterativeFlag>(json.data(), json.size());
@@ -67,7 +67,7 @@ const VectorKind* kindOf(const std::filesystem::path& path) {
   return kind == kinds.end() ? nullptr : &*kind;
 }
 
-/// The vector files of a folder in order; other files (a README) may lie beside them.
+/// The vector files of a folder, in order; other files (a README) are ignored.
 std::vector<std::filesystem::path> vectorFiles(const std::filesystem::path& folder, std::error_code& error) {
   std::vector<std::filesystem::path> files;
   for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {

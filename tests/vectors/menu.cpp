@@ -28,7 +28,7 @@ platform::AttributeValue asChildren(simulated::Host& host, const Line& value) {
   return children;
 }
 
-/// An element that cannot be asked for its children holds them all the same: the error must count.
+/// An element whose children cannot be read has children nevertheless: the error must count.
 simulated::TreeElementRef asElement(simulated::Host& host, const Line& value) {
   auto element = host.accessibility.element();
   element->identifier = std::to_string(asInteger(field(value, "id")));
@@ -46,8 +46,8 @@ void setUp(simulated::Host& host, const Line& menuBar) {
 
 }  // namespace
 
-/// A `menuBar` (null: the target does not run; text: it cannot be read), a `path` through it and what
-/// choosing that does.
+/// A `menuBar` (null: the target does not run; text: it cannot be read), a `path` in it, and the effects of
+/// choosing that.
 std::optional<Mismatch> checkMenu(const Line& line) {
   simulated::Host host;
   const platform::Scope scope(host.platform());

@@ -29,7 +29,7 @@ StepResult play(TapRig& rig, const Line& step) {
   return rig.advance(std::llround(seconds.GetDouble() * 1e6));
 }
 
-/// An entry's words, with "[" and "]" around those of a list.
+/// The words of an entry; a list is between "[" and "]".
 void addWords(Happening& words, const Line& entry) {
   for (const auto& value : entry.GetArray()) {
     if (value.IsArray()) {
@@ -65,8 +65,8 @@ std::string described(std::size_t step, const StepResult& result) {
 
 }  // namespace
 
-/// The `steps` of a run on a `document`: events, time going by, reloads; the verdict on each and what is
-/// seen.
+/// The `steps` of a run on a `document`: events, advances of the clock, reloads; for each step the verdict
+/// and the visible effects.
 std::optional<Mismatch> checkTap(const Line& line) {
   TapRig rig(asMapping(field(line, "document")));
   const auto& steps = field(line, "steps");

@@ -23,8 +23,8 @@ void setUp(simulated::Host& host, const Line& line) {
 
 }  // namespace
 
-/// One typing operation `op` with its arguments, on a system with this `pid`, event `source` and events that
-/// `fail`; what it does, in order.
+/// One typing operation `op` with its arguments, on a system with this `pid` and event `source`, in which
+/// some events `fail`; and its effects in order.
 std::optional<Mismatch> checkTyping(const Line& line) {
   simulated::Host host;
   const platform::Scope scope(host.platform());

@@ -7,30 +7,31 @@
 #include <string>
 #include <string_view>
 
-/// Test vectors are files of JSON objects, one a line; every kind of file has a function that checks a line
-/// against the program. To add a kind: one source file with its function, declared and listed below.
+/// Test vectors are files of JSON objects, one per line. Each kind of file has a function that checks a
+/// line against the program. To add a kind, add a source file with its function, and declare and list it
+/// below.
 namespace keyvora::vectors {
 
 /// A line of a vector file.
 using Line = rapidjson::Value;
 
-/// What a line expects and what the program gave instead, as people can compare them.
+/// Expected and actual value of a line, for people to compare.
 struct Mismatch {
   std::string expected;
   std::string actual;
 };
 
-/// Checks one line: nothing when the program agrees. A line that lacks what the kind needs throws
-/// `MalformedLine` (line.h).
+/// Checks one line; none when the program agrees. Throws `MalformedLine` (line.h) for a line without what
+/// the kind needs.
 using Check = std::optional<Mismatch> (*)(const Line& line);
 
-/// A kind of vectors: the name of its file and how to check a line.
+/// A kind of vectors: the name of its file and its check.
 struct VectorKind {
   std::string_view file;
   Check check;
 };
 
-/// All kinds, in the order in which they are run.
+/// All kinds, in the order in which they run.
 std::span<const VectorKind> vectorKinds();
 
 std::optional<Mismatch> checkDecode(const Line& line);

@@ -8,20 +8,20 @@
 
 namespace keyvora::typist {
 
-/// One attached keyboard that keys are pressed on as if by hand: to every client, hardware.
+/// An attached keyboard whose keys are pressed as if by hand: to every client it is hardware.
 class Keyboard {
  public:
-  /// Opens the device of this name. Throws std::runtime_error when there is none.
+  /// Opens the device of this name. Throws std::runtime_error when it does not exist.
   Keyboard(Display* display, const std::string& name);
 
-  /// Queues one press or release; `flush` sends what is queued.
+  /// Queues one press or release; `flush` sends the queue.
   void key(KeyCode code, bool down);
 
-  /// From here to `endUndisturbed` the server takes keys from nobody else.
+  /// Until `endUndisturbed`, the server processes requests of this client only.
   void beginUndisturbed();
   void endUndisturbed();
 
-  /// Sends everything queued and waits until the display has taken it.
+  /// Sends the queue and waits until the display has processed it.
   void flush();
 
  private:

@@ -1,10 +1,13 @@
-/// keyvora-typist DEVICE: a simulated user. Reads one command a line from standard input, plays it on the
-/// keyboard DEVICE, and answers each with the line "ok", or "error: " and why.
-///
-///   tap KEYS...      presses and releases each in turn; "Option+Shift+f" holds the first while tapping the
-///   last down KEYS...     presses and holds up KEYS...       releases burst N KEYS...  `tap KEYS...`, N
-///   times, all sent at once pace MS          from now on waits so long after every key of `tap` and `burst`;
-///   0 is the start
+// keyvora-typist DEVICE: a simulated user. Reads one command per line from standard input, plays it on the
+// keyboard DEVICE, and answers each with the line "ok", or "error: " and a reason.
+//
+//   tap KEYS...      presses and releases each key in turn; "Option+Shift+f" holds the first keys while
+//   tapping
+//                    the last
+//   down KEYS...     presses and holds keys
+//   up KEYS...       releases keys
+//   burst N KEYS...  `tap KEYS...`, N times, all sent at once
+//   pace MS          from now on waits this long after every key of `tap` and `burst`; initially 0
 
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
@@ -69,8 +72,8 @@ class Typist {
     return keys;
   }
 
-  /// Nobody else's key comes between a press and its release: between those of Option it would be Option with
-  /// that key, which means something else to every program.
+  /// No other client's key may come between a press and its release: between those of Option it would be
+  /// Option with that key, which has another meaning in every program.
   void tap(const std::vector<std::string>& keys) {
     for (const auto& key : keys) {
       const auto held = chord(key);

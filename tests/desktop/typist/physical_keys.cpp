@@ -12,7 +12,7 @@
 namespace keyvora::typist {
 namespace {
 
-/// What is printed on the rows of an American keyboard, from the left, and the XKB name of each row.
+/// The labels of the rows of an American keyboard, from the left, and the XKB name of each row.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 4> rows{{
     {"AE", "1234567890-="},
     {"AD", "qwertyuiop[]"},

@@ -7,15 +7,14 @@
 
 namespace keyvora::typist {
 
-/// The keys of a keyboard by where they are, whatever the layout makes of them. A key is called by what an
-/// American keyboard has printed on it ("f", ";", "Return", "Option") or by its XKB name in angle brackets
-/// ("<AC04>").
+/// The keys of a keyboard by their place, independent of the layout. A key is named by its label on an
+/// American keyboard ("f", ";", "Return", "Option") or by its XKB name in angle brackets ("<AC04>").
 class PhysicalKeys {
  public:
   /// Reads the display's key names. Throws std::runtime_error without the XKB extension.
   explicit PhysicalKeys(Display* display);
 
-  /// The display's key code. Throws std::runtime_error for a name that no key has.
+  /// The display's keycode. Throws std::runtime_error for an unknown name.
   [[nodiscard]] KeyCode code(const std::string& name) const;
 
  private:

@@ -2,7 +2,6 @@
 
 #import <AppKit/AppKit.h>
 
-/// The application of the stand-in: writes down every key event that reaches it, before anything else sees
-/// it.
+/// The stand-in's application object: records every key event that reaches it before handling it.
 @interface KVStandInApplication : NSApplication
 @end

@@ -21,7 +21,7 @@ const char* nameOf(NSEventType type) {
 
 /// "down 9 flags 0x20100 user 0x5e7a91c3 repeat 0"
 std::string describe(NSEvent* event, const char* name) {
-  // The event as it was posted: AppKit's own has neither all flags nor the user data.
+  // The event as it was posted: AppKit's event lacks some flags and the user data.
   CGEventRef posted = event.CGEvent;
   const auto flags = posted == nullptr ? 0 : static_cast<std::uint64_t>(CGEventGetFlags(posted));
   const auto user = posted == nullptr ? 0 : CGEventGetIntegerValueField(posted, kCGEventSourceUserData);

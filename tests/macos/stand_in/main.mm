@@ -1,5 +1,5 @@
-// Stands in for Excel on a Mac without it: the same bundle identifier, menus, an item that opens a dialog, a
-// script dictionary, and a record of every key event that arrives. It does nothing with a workbook.
+// Stands in for Excel on a Mac without it: the same bundle identifier, menus, an item that opens a dialog,
+// a script dictionary, and a record of every key event that arrives. It has no workbook.
 
 #import <AppKit/AppKit.h>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A window that takes keys and does nothing with them, so that they beep nowhere.
+/// A window that accepts keys silently, so that they do not cause beeps.
 NSWindow* makeWindow() {
   NSWindow* window =
       [[NSWindow alloc] initWithContentRect:NSMakeRect(200, 300, 480, 240)

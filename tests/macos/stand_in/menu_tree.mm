@@ -1,6 +1,6 @@
-// usage: menu-tree PID            the paths of all menu items, a line each, titles set apart by tabulators
-//        menu-tree PID TITLE...   presses the item at this path and says how many milliseconds that took
-// Needs the Accessibility permission. Ends with 77 without it, with 1 when there is no such item.
+// usage: menu-tree PID            prints the paths of all menu items, one per line, separated by tabs
+//        menu-tree PID TITLE...   presses the item at this path and prints how many milliseconds that took
+// Needs the Accessibility permission. Exits with 77 without it, and with 1 when there is no such item.
 
 #import <ApplicationServices/ApplicationServices.h>
 #import <Foundation/Foundation.h>
@@ -28,7 +28,7 @@ NSString* titleOf(id element) {
   return [title isKindOfClass:NSString.class] ? title : @"";
 }
 
-/// The items of a menu: a menu, which has no title, stands between an item and those below it.
+/// The items of a menu. An untitled menu is between an item and its subitems.
 NSArray* itemsBelow(id element) {
   NSArray* children = childrenOf(element);
   if (children.count == 1 && [titleOf(children[0]) isEqualToString:@""]) return childrenOf(children[0]);

@@ -5,14 +5,14 @@
 
 namespace keyvora::stand_in {
 
-/// What happened to the stand-in, one line for each event: milliseconds since the start, a tabulator, what it
-/// was. Main thread.
+/// A log of events in the stand-in, one line each: milliseconds since the start, a tab, the event. Main
+/// thread.
 class Record {
  public:
-  /// Appends to this file; where it cannot be opened, to standard output.
+  /// Appends to this file; to standard output if it cannot be opened.
   explicit Record(std::string path);
 
-  /// Written at once, and the file closed: a reader waits for it.
+  /// Written at once, and the file closed, because a reader waits for it.
   void line(const std::string& text);
 
  private:
@@ -20,8 +20,8 @@ class Record {
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-/// The one of this program, in the file that the environment's KEYVORA_STAND_IN_RECORD names or, since `open`
-/// hands on no environment, the argument after "--record".
+/// This program's record, in the file named by the environment variable KEYVORA_STAND_IN_RECORD or, because
+/// `open` passes no environment, by the argument after "--record".
 Record& record();
 
 }  // namespace keyvora::stand_in

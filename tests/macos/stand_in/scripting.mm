@@ -4,7 +4,7 @@
 
 #include "record.h"
 
-/// `note "text"`: writes the text down.
+/// `note "text"`: records the text.
 @interface KVStandInNoteCommand : NSScriptCommand
 @end
 

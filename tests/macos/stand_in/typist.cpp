@@ -1,6 +1,6 @@
 // usage: stand-in-typist KEYCODE...
-// Presses and releases keys at the hardware level, as a hand would: 58 is Option, 40 is K. Half a tenth of a
-// second lies between two events. Ends with 77 where the system does not let this process post events.
+// Presses and releases keys at the hardware level, like a user: 58 is Option, 40 is K. There are 50 ms
+// between two events. Exits with 77 if the system does not let this process post events.
 
 #include <CoreGraphics/CoreGraphics.h>
 

@@ -2,15 +2,15 @@
 
 #include <cstddef>
 
-/// The structures that clang writes for GNUstep's runtime 1.9, and gcc's libobjc reads, field by field. Where
-/// the two differ, the field says so.
+/// The structures that clang writes for GNUstep's runtime 1.9 and that gcc's libobjc reads, field by field.
+/// Comments mark the fields in which the two differ.
 namespace keyvora::rig::abi {
 
 struct Object;
 struct Class;
 struct Protocol;
 
-/// A selector: a name and types in the compiler's output, known to the runtime once it is registered.
+/// A selector: its name and types in the compiler's output; registered with the runtime later.
 struct Selector {
   const char* name;
   const char* types;
@@ -22,14 +22,14 @@ struct Object {
   Class* isa;
 };
 
-/// What a message to `super` is sent to.
+/// The target of a message to `super`.
 struct Super {
   Object* self;
   Class* superclass;
 };
 
 struct MethodDescription {
-  /// A name in the compiler's output, a registered selector afterwards.
+  /// A name in the compiler's output; replaced by a registered selector.
   const void* name;
   const char* types;
 };
@@ -46,13 +46,13 @@ struct Protocols {
 };
 
 struct Protocol {
-  /// In clang's output the number 3.
+  /// The number 3 in clang's output.
   void* isa;
   const char* name;
   Protocols* adopted;
   MethodDescriptions* instanceMethods;
   MethodDescriptions* classMethods;
-  /// From here on clang's alone.
+  /// The fields from here on are clang's only.
   MethodDescriptions* optionalInstanceMethods;
   MethodDescriptions* optionalClassMethods;
 };
@@ -83,12 +83,12 @@ struct Class {
   Class* siblings;
   Protocols* protocols;
   void* garbageCollection;
-  /// From here on clang's alone.
+  /// The fields from here on are clang's only.
   long version2;
   int** ivarOffsets;
 };
 
-/// How many words of a class both know.
+/// The number of words of a class that both define.
 inline constexpr std::size_t classWords = 13;
 
 struct Category {
@@ -126,7 +126,7 @@ Method objc_msg_lookup(Object* receiver, SEL selector);
 Method objc_msg_lookup_super(Super* super, SEL selector);
 }
 
-/// Sends a message without arguments, and returns what it returns.
+/// Sends a message without arguments and returns its result.
 inline Object* send(Object* receiver, const char* selector) {
   const SEL registered = sel_registerName(selector);
   return reinterpret_cast<Object* (*)(Object*, SEL)>(objc_msg_lookup(receiver, registered))(receiver,

@@ -1,4 +1,4 @@
-// What clang calls to count references, each by way of the ordinary message.
+// The functions that clang calls for reference counting, implemented by ordinary messages.
 
 #include <dlfcn.h>
 
@@ -16,14 +16,14 @@ void _Block_release(const void* block);
 namespace keyvora::rig::abi {
 namespace {
 
-/// Protocol objects are no NSObject, and live for ever.
+/// Protocol objects are not NSObjects and are never freed.
 bool isCounted(const Object* object) {
   static const auto* protocol = reinterpret_cast<Class*>(objc_getClass("Protocol"));
   return object != nullptr && object->isa != protocol;
 }
 
-/// Weak references are GNUstep's, in the versions that have them (1.31 on); in others a use must not pass in
-/// silence.
+/// Weak references use GNUstep's implementation, in the versions that have one (1.31 and later). In others,
+/// using them must fail loudly.
 void* weak(const char* call, void* place, void* other) {
   using Function = void* (*)(void*, void*);
   const auto library = reinterpret_cast<Function>(dlsym(RTLD_NEXT, call));

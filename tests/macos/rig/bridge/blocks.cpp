@@ -18,7 +18,7 @@ void objc_release(keyvora::rig::abi::Object* object);
 namespace keyvora::rig::abi {
 namespace {
 
-/// What a block keeps in one of its fields, as the compiler tells the library.
+/// The kind of a captured field, as the compiler passes it to the library.
 constexpr int fieldKinds = 0x1f;
 constexpr int objectField = 3;
 
@@ -30,7 +30,7 @@ bool isBlock(const Object* object) {
 }
 
 void fillBlockClasses(Object* model) {
-  send(model, "self");  // a class has its methods at hand from its first message on
+  send(model, "self");  // a class's methods are installed at its first message
   for (void** type : {_NSConcreteStackBlock, _NSConcreteMallocBlock, _NSConcreteGlobalBlock}) {
     std::memcpy(type, model, classWords * sizeof(void*));
   }
@@ -38,7 +38,7 @@ void fillBlockClasses(Object* model) {
 
 extern "C" {
 
-/// In the place of the library's own, which does not retain an object that a block captures.
+/// Replaces the library's function, which does not retain captured objects.
 void _Block_object_assign(void* destination, const void* object, const int flags) {
   if ((flags & fieldKinds) == objectField) {
     *static_cast<Object**>(destination) = objc_retain(static_cast<Object*>(const_cast<void*>(object)));

@@ -7,8 +7,8 @@ struct Object;
 /// Whether the object is a block.
 bool isBlock(const Object* object);
 
-/// Gives the block classes, which the library leaves empty, the methods of a class of ours, so that a block
-/// can be sent `retain`, `copy` and `release`. Once, when all classes are known.
+/// Copies the methods of a class of the rig to the block classes, which the library leaves without methods,
+/// so that a block responds to `retain`, `copy` and `release`. Call it once, when all classes are loaded.
 void fillBlockClasses(Object* model);
 
 }  // namespace keyvora::rig::abi

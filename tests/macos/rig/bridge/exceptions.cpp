@@ -1,6 +1,6 @@
-// GNUstep throws through gcc's runtime, whose exceptions are foreign to C++. clang's frames name a
-// personality of their own: this one hands C++'s exceptions on as they are, and lets C++'s personality see
-// each Objective-C exception as a C++ one that carries the object.
+// GNUstep throws through gcc's runtime, whose exceptions are foreign to C++. clang's frames use a
+// personality function of their own. This one passes C++ exceptions on unchanged, and presents each
+// Objective-C exception to C++'s personality function as a C++ exception that carries the object.
 
 #include <cxxabi.h>
 #include <unwind.h>
@@ -12,7 +12,7 @@
 
 namespace gnustep::libobjc {
 
-/// The type of every object that is thrown, and of `catch (id)`.
+/// The type of every thrown object, and of `catch (id)`.
 class __objc_id_type_info : public std::type_info {
  public:
   __objc_id_type_info() : std::type_info("id") {}
@@ -21,7 +21,7 @@ class __objc_id_type_info : public std::type_info {
   bool __do_catch(const std::type_info* thrown, void** object, unsigned outer) const override;
 };
 
-/// The type that clang writes for `catch (NSException*)`: its name is the class's.
+/// The type that clang writes for `catch (NSException*)`; its name is the class's.
 class __objc_class_type_info : public std::type_info {
  public:
   ~__objc_class_type_info() override;
@@ -38,7 +38,7 @@ __objc_class_type_info::~__objc_class_type_info() = default;
 }  // namespace gnustep::libobjc
 
 extern "C" {
-/// What clang's tables name.
+/// Referred to by clang's tables.
 gnustep::libobjc::__objc_id_type_info __objc_id_type_info;
 }
 
@@ -76,13 +76,13 @@ namespace {
 
 constexpr _Unwind_Exception_Class objectiveC = 0x474e55434f424a43;  // "GNUCOBJC"
 
-/// The object that was thrown stands behind the header.
+/// The thrown object is stored after the header.
 Object* objectOf(_Unwind_Exception* exception) {
   return *reinterpret_cast<Object**>(exception + 1);
 }
 
-/// The C++ exception that stands for an Objective-C one while it is on its way on this thread: both of the
-/// unwinder's phases must see the same.
+/// The C++ exception that replaces an Objective-C one while this thread unwinds: both of the unwinder's
+/// phases must see the same.
 struct OnItsWay {
   _Unwind_Exception* original = nullptr;
   Object* object = nullptr;
@@ -117,9 +117,9 @@ extern "C" _Unwind_Reason_Code __gnustep_objcxx_personality_v0(int version, _Unw
       __cxxabiv1::__gxx_personality_v0(version, actions, standIn->exception_class, standIn, context);
   if (result == _URC_INSTALL_CONTEXT) {
     if ((actions & _UA_HANDLER_FRAME) != 0) {
-      onItsWay = {};  // caught: from here on the stand-in is C++'s own
+      onItsWay = {};  // caught: C++ now owns the replacement
     } else {
-      // A clean-up: what goes on afterwards is the original, in which the unwinder has its place.
+      // A clean-up: unwinding continues with the original exception, which holds the unwinder's state.
       _Unwind_SetGR(context, __builtin_eh_return_data_regno(0), reinterpret_cast<_Unwind_Word>(exception));
     }
   }

@@ -1,4 +1,4 @@
-// clang asks for a slot, which holds a method, where gcc's runtime answers with the method itself.
+// clang expects a slot that contains a method, where gcc's runtime returns the method itself.
 
 #include <mutex>
 #include <unordered_map>
@@ -16,9 +16,9 @@ struct Slot {
   Method method;
 };
 
-/// The one slot of a method. Compiled code may keep it for ever: it is never freed and never changed.
+/// The slot of a method. Compiled code may keep it, so it is never freed or changed.
 Slot* slotOf(Method method) {
-  // Never destroyed: the main thread sends messages until the process is gone.
+  // Never destroyed: the main thread sends messages until the end of the process.
   thread_local auto& near = *new std::unordered_map<Method, Slot*>;
   if (const auto found = near.find(method); found != near.end()) return found->second;
   static auto& mutex = *new std::mutex;

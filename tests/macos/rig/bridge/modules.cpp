@@ -1,5 +1,5 @@
-// Every object file with Objective-C in it hands its module to the runtime when the program starts. clang
-// writes modules for a newer runtime than gcc's: here each is rewritten in place first.
+// Every object file with Objective-C registers its module with the runtime at program start. clang writes
+// modules for a newer runtime than gcc's, so each is first rewritten in place.
 
 #include <cstdlib>
 #include <cstring>
@@ -16,8 +16,7 @@ constexpr unsigned long gccModuleVersion = 8;
 constexpr unsigned long newAbiBit = 0x10;
 constexpr long alignment = 16;
 
-/// The classes of ours that were rewritten so far and their instances' sizes: the runtime may not know them
-/// yet.
+/// The rig's classes rewritten so far, with their instance sizes: the runtime may not know them yet.
 std::map<std::string, long>& ourSizes() {
   static auto& sizes = *new std::map<std::string, long>;
   return sizes;
@@ -27,12 +26,12 @@ long sizeOf(const char* className) {
   if (className == nullptr) return 0;
   if (const auto ours = ourSizes().find(className); ours != ourSizes().end()) return ours->second;
   Object* known = objc_getClass(className);
-  if (known == nullptr) std::abort();  // a class of ours must be linked after its superclass
+  if (known == nullptr) std::abort();  // a class must be linked after its superclass
   return static_cast<long>(class_getInstanceSize(reinterpret_cast<Class*>(known)));
 }
 
-/// clang leaves the place of a class's own variables to the runtime: offsets begin at 0, and the size is the
-/// negated size of these variables alone.
+/// clang leaves the layout of instance variables to the runtime: offsets begin at 0, and the size is the
+/// negated size of the class's own variables.
 void layOut(Class& type) {
   if (type.instanceSize > 0) return;
   const long start = (sizeOf(type.superclass) + alignment - 1) / alignment * alignment;
@@ -61,7 +60,7 @@ void adapt(Class& type) {
 extern "C" {
 void __real___objc_exec_class(Module* module);
 
-/// In the place of the runtime's own (the linker's --wrap).
+/// Replaces the runtime's function (by the linker's --wrap).
 void __wrap___objc_exec_class(Module* module) {
   module->version = gccModuleVersion;
   module->size = sizeof(Module);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t clangProtocol = 3;
 
-/// The protocols that clang wrote: those of the libraries lack the lists of optional methods.
+/// The protocols written by clang. Those in the libraries lack the lists of optional methods.
 std::set<const Protocol*>& ours() {
   static auto& protocols = *new std::set<const Protocol*>;
   return protocols;
@@ -57,7 +57,7 @@ void adaptProtocols(Protocols* protocols) {
   }
 }
 
-/// In the place of the runtime's own, which knows nothing of optional methods.
+/// Replaces the runtime's function, which does not know optional methods.
 extern "C" MethodDescription protocol_getMethodDescription(const Protocol* protocol, SEL selector,
                                                            unsigned char required, unsigned char instance) {
   if (protocol == nullptr || selector == nullptr) return {};

@@ -4,7 +4,7 @@
 
 namespace keyvora::rig::abi {
 
-/// Makes protocols of clang's into objects of the runtime, those that they adopt included. Null is fine.
+/// Converts protocols written by clang, and those they adopt, to objects of the runtime. Null is allowed.
 void adaptProtocols(Protocols* protocols);
 
 }  // namespace keyvora::rig::abi

@@ -26,10 +26,10 @@ namespace {
 using Words = std::vector<std::string>;
 using Milliseconds = std::chrono::milliseconds;
 
-/// Whether the main thread may be asked to run something; before `main` there is nobody to answer.
+/// Whether work can be sent to the main thread; before `main` nothing would run it.
 bool loopRuns = false;
 
-/// On the main thread, wherever that is now.
+/// Runs the work on the main thread: through its loop if that runs, else directly.
 void onMainIfRunning(const std::function<void()>& work) {
   if (loopRuns) {
     onMain(work);
@@ -41,12 +41,12 @@ void onMainIfRunning(const std::function<void()>& work) {
 unsigned long number(const std::string& text) { return std::strtoul(text.c_str(), nullptr, 0); }
 Milliseconds milliseconds(const std::string& text) { return Milliseconds(number(text)); }
 
-/// Words apart by tabs: they may have blanks in them.
+/// Splits at tabs, since words may contain blanks.
 Words split(const std::string& line) {
   Words words;
   std::istringstream stream(line);
   for (std::string word; std::getline(stream, word, '\t');) words.push_back(word);
-  words.resize(std::max<std::size_t>(words.size(), 4));  // what was not given is empty
+  words.resize(std::max<std::size_t>(words.size(), 4));  // missing words are empty
   return words;
 }
 
@@ -61,7 +61,8 @@ std::string key(const Words& words, bool down) {
   }
 }
 
-/// Runs the loop as AppKit does while a menu is open, until `untrack`. Returns when it has begun.
+/// While true, the loop runs as in AppKit with an open menu. `track` returns when that has begun; `untrack`
+/// ends it.
 std::atomic<bool> tracking = false;
 void track() {
   tracking = true;

@@ -1,5 +1,4 @@
-// Linked last: constructors run in the order of linking, and each object file's classes are made known by
-// one.
+// Linked last: constructors run in link order, and one of each object file registers its classes.
 
 #include "tests/macos/rig/driver/start.h"
 

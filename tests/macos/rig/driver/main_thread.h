@@ -4,12 +4,12 @@
 
 namespace keyvora::rig {
 
-/// Makes `onMain` ready. On the main thread.
+/// Prepares `onMain`. Call it on the main thread.
 void beginMainThread();
 
-/// Runs the work on the main thread, in the common modes, within a pool, also while earlier work runs a loop
-/// of its own. Returns when the work has ended, or with `waitForEnd` false when it has begun. Not from the
-/// main thread.
+/// Runs the work on the main thread, in the common modes and in an autorelease pool, even while earlier
+/// work runs a nested loop. Returns when the work has ended or, if `waitForEnd` is false, when it has
+/// begun. Not to be called on the main thread.
 void onMain(std::function<void()> work, bool waitForEnd = true);
 
 }  // namespace keyvora::rig

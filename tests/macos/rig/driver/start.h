@@ -2,8 +2,8 @@
 
 namespace keyvora::rig {
 
-/// Makes the process ready: blocks, the record, what GNUstep does otherwise, the main queue, the script. Once
-/// all classes are known, before `main`.
+/// Prepares the process: blocks, the record, differences between GNUstep and a Mac, the main queue, the
+/// script. Call it when all classes are loaded, before `main`.
 void start();
 
 }  // namespace keyvora::rig

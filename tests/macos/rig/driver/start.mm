@@ -9,7 +9,7 @@
 #include "tests/macos/rig/recorders/record.h"
 #include "tests/macos/rig/recorders/replace.h"
 
-/// What a block is when it is sent a message.
+/// The class whose methods blocks get.
 @interface KVBlock : NSObject
 @end
 

@@ -1,5 +1,5 @@
-// A pool around each native test, which a run loop would have; GoogleTest has none. What the test left in the
-// main queue runs before it ends.
+// An autorelease pool for each native test, since GoogleTest has no run loop that would provide one. Blocks
+// left in the main queue run before it is released.
 
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>

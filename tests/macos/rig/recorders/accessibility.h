@@ -13,17 +13,17 @@ class MenuTree {
  public:
   static MenuTree& shared();
 
-  /// Adds the menu item that the titles lead to, from the menu bar down, and what is missing above it. As on
-  /// a Mac each menu bar item and each item with a submenu has one untitled menu between it and its items. A
-  /// title "#5" is a number.
+  /// Adds the menu item with this path of titles, from the menu bar down, and any missing parents. As on a
+  /// Mac, a menu bar item or an item with a submenu contains one untitled menu with its items. A title like
+  /// "#5" is a number.
   void add(const std::vector<std::string>& titles);
-  /// Takes all away again: the application has no menu bar.
+  /// Removes everything: the application has no menu bar.
   void clear();
 };
 
-/// The next call that the target application has to answer (a press, a script) takes this long.
+/// Makes the target application's next answer (to a press or a script) take this long.
 void hangOnce(std::chrono::milliseconds time);
-/// Waits as long as `hangOnce` said, once.
+/// Waits for the time set by `hangOnce`, once.
 void waitForTarget();
 
 }  // namespace keyvora::rig

@@ -13,7 +13,7 @@
 #include "tests/macos/rig/recorders/record.h"
 #include "tests/macos/rig/recorders/window_server.h"
 
-/// Text that counts itself, as what a Copy function returns must be given back too.
+/// A counted string, since the result of a Copy function must be released too.
 @interface KVCountedString : NSString {
   NSString* _text;
 }
@@ -43,7 +43,7 @@
 namespace keyvora::rig {
 namespace {
 
-/// One thing in an application's tree.
+/// An element of an application's tree.
 struct Node {
   std::string title;
   std::vector<std::shared_ptr<Node>> children;
@@ -67,7 +67,7 @@ class Element final : public CFObject {
   const std::shared_ptr<Node> node;
 };
 
-/// An array that owns what is in it.
+/// An array that owns its elements.
 class Array final : public CFObject {
  public:
   static constexpr auto name = "array";

@@ -1,4 +1,4 @@
-// AppleScript: a source is noted, and fails when it says so itself.
+// AppleScript: records the source, which fails if it says so.
 
 #import <Foundation/Foundation.h>
 
@@ -12,7 +12,7 @@ NSString* const NSAppleScriptErrorMessage = @"NSAppleScriptErrorMessage";
 
 namespace {
 
-/// The text of an `error "…"` statement; nil without one.
+/// The text of an `error "…"` statement; nil if there is none.
 NSString* errorIn(NSString* source) {
   const NSRange statement = [source rangeOfString:@"error \""];
   if (statement.location == NSNotFound) return nil;
@@ -51,7 +51,7 @@ bool contains(NSString* text, NSString* part) { return [text rangeOfString:part]
   keyvora::rig::requireMainThread("executeAndReturnError:");
   keyvora::rig::record("script %s", keyvora::rig::inQuotes(_source.UTF8String).c_str());
   keyvora::rig::waitForTarget();
-  if (contains(_source, @"error number")) {  // one that comes without a message
+  if (contains(_source, @"error number")) {  // an error without a message
     if (error != nullptr) *error = @{@"NSAppleScriptErrorNumber" : @(-128)};
     return nil;
   }

@@ -1,4 +1,4 @@
-// What GNUstep's NSApplication lacks, and a note of what is asked of it.
+// Parts that GNUstep's NSApplication lacks, and a record of calls to it.
 
 #import <AppKit/AppKit.h>
 

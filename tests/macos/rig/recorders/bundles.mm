@@ -1,5 +1,5 @@
-// Bundles as a Mac lays them out: Contents/Info.plist, Contents/Resources. GNUstep's own are left as they
-// are.
+// Bundles with a Mac's layout: Contents/Info.plist, Contents/Resources. GNUstep's own bundles are not
+// changed.
 
 #import <Foundation/Foundation.h>
 
@@ -8,8 +8,8 @@
 
 #include "tests/macos/rig/recorders/replace.h"
 
-/// A bundle with a folder Contents, or the program's own folder. Has no variables of its own: objects of
-/// GNUstep's class become ones of this.
+/// A bundle with a folder Contents, or the program's own folder. Has no instance variables, because objects
+/// of GNUstep's class are changed to this class.
 @interface KVMacBundle : NSBundle
 @end
 
@@ -21,7 +21,8 @@ bool hasContents(NSString* path) {
   return [NSFileManager.defaultManager fileExistsAtPath:contents isDirectory:&directory] && directory;
 }
 
-/// The bundle of the running program: the folder that has Contents/MacOS with it, else the program's own.
+/// The bundle of the running program: the folder that contains its Contents/MacOS, else the program's
+/// folder.
 NSString* programsBundle() {
   const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
   const bool inBundle = folder.filename() == "MacOS" && folder.parent_path().filename() == "Contents";

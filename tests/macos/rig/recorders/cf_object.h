@@ -6,8 +6,8 @@
 
 namespace keyvora::rig {
 
-/// A Core Foundation object of ours, made with one reference. Its memory is never given back: a use after its
-/// end, one release too many and one too few are all seen.
+/// A Core Foundation object of the rig, created with one reference. Its memory is never freed, so that a
+/// use after its end, one release too many and one too few are all detected.
 class CFObject {
  public:
   CFObject(const CFObject&) = delete;
@@ -19,23 +19,23 @@ class CFObject {
   [[nodiscard]] const char* kind() const { return kind_; }
   [[nodiscard]] virtual CFTypeID type() const = 0;
 
-  /// The object behind a reference, when it is one of ours; null for Foundation's objects.
+  /// The object behind a reference, if it is the rig's; null for Foundation objects.
   static CFObject* find(CFTypeRef object);
 
  protected:
-  /// `kind` is a literal: by it objects are counted and told apart.
+  /// `kind` is a string literal, which identifies the kind of object in the counts.
   explicit CFObject(const char* kind);
   virtual ~CFObject() = default;
 
  private:
-  /// The last reference was given back.
+  /// Called when the last reference was released.
   virtual void ended() {}
 
   const char* kind_;
   std::atomic<int> references_ = 1;
 };
 
-/// Core Foundation's numbers of types; any will do that differ.
+/// Core Foundation's type numbers; any distinct values will do.
 namespace type_id {
 inline constexpr CFTypeID other = 1;
 inline constexpr CFTypeID string = 7;
@@ -45,8 +45,8 @@ inline constexpr CFTypeID element = 40;
 
 void useFailed(const char* call, const char* expected, const CFObject* found);
 
-/// The object as a `T`, for a call named `call`: a reference to anything else, or to one that has ended, is a
-/// violation, and null comes back.
+/// The object as a `T`, for a call named `call`. A reference to another object, or to one that has ended,
+/// is a violation and returns null.
 template <class T>
 T* use(const void* reference, const char* call) {
   CFObject* found = CFObject::find(reference);

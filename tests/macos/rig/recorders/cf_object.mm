@@ -20,7 +20,7 @@ Known& known() {
   return shared;
 }
 
-/// On a Mac these calls end the process on the spot.
+/// On a Mac these calls crash the process.
 void requireObject(CFTypeRef object, const char* call) {
   if (object != nullptr) return;
   std::fprintf(stderr, "%s(NULL)\n", call);

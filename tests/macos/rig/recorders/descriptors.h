@@ -2,8 +2,8 @@
 
 namespace keyvora::rig {
 
-/// Counts the descriptors that are open on files of the user's home, but for the standard ones and the
-/// record; one that a program started from here would inherit is a violation. At the end.
+/// Counts the open descriptors of files in the user's home, except the standard ones and the record. One
+/// that a child process would inherit is a violation. Called at the end.
 void countOpenFiles(int recordFile);
 
 }  // namespace keyvora::rig

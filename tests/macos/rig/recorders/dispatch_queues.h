@@ -4,14 +4,14 @@
 
 namespace keyvora::rig {
 
-/// Makes the main queue, which runs its blocks in the common modes. Once, on the main thread.
+/// Creates the main queue, which runs its blocks in the common modes. Call it once, on the main thread.
 void beginMainQueue();
 
-/// Runs what waits in the main queue now. On the main thread.
+/// Runs the waiting blocks of the main queue. Call it on the main thread.
 void runMainQueue();
 
-/// Waits until the serial queues have nothing to do, and what their blocks held is given back; for a minute
-/// at most.
+/// Waits until the serial queues are idle and the objects of their blocks are released, for at most a
+/// minute.
 void waitForSerialQueues();
 
 }  // namespace keyvora::rig

@@ -1,5 +1,5 @@
-// Queues of blocks: the main one on the run loop, serial ones on a thread of their own, the global one with a
-// thread for each block. No pool is put around a block, so that a missing one shows.
+// Dispatch queues: the main queue on the run loop, serial queues on a thread each, the global queue with a
+// thread for each block. Blocks run without an autorelease pool, so that a missing one is detected.
 
 #include "tests/macos/rig/recorders/dispatch_queues.h"
 
@@ -19,7 +19,7 @@
 
 using keyvora::rig::record;
 
-/// Runs what it is given; the one kind of object behind `dispatch_queue_t`.
+/// Runs blocks; the only implementation of `dispatch_queue_t`.
 @interface KVQueue : NSObject <OS_dispatch_queue>
 - (void)take:(dispatch_block_t)block;  // owns the block
 @end
@@ -31,7 +31,7 @@ using keyvora::rig::record;
 
 namespace {
 
-/// How many serial queues have a thread now.
+/// How many serial queues have a thread.
 std::atomic<int> serialThreads = 0;
 
 void run(dispatch_block_t block) {
@@ -39,7 +39,7 @@ void run(dispatch_block_t block) {
   Block_release(block);
 }
 
-/// A thread's body: GNUstep must know the thread before any message.
+/// Runs a thread's body. GNUstep must know the thread before its first message.
 void runOnThread(const std::function<void()>& body) {
   GSRegisterCurrentThread();
   body();
@@ -131,7 +131,7 @@ void runOnThread(const std::function<void()>& body) {
   static_cast<void>(!::write(_descriptor, &one, sizeof one));
 }
 - (void)drain {
-  if (_running) return;  // one at a time, in a nested loop too
+  if (_running) return;  // one at a time, even in a nested loop
   uint64_t signals = 0;
   static_cast<void>(!::read(_descriptor, &signals, sizeof signals));
   _running = YES;
@@ -154,7 +154,7 @@ namespace {
 
 KVMainQueue* mainQueue;
 
-/// Blocks for later, on one thread.
+/// Delayed blocks, on one thread.
 struct Later {
   std::mutex mutex;
   std::condition_variable changed;

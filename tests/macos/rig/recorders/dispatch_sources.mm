@@ -1,4 +1,4 @@
-// Vnode sources on inotify. What its object breaks of the rules of a source is a violation.
+// Vnode sources on inotify. Breaking a documented rule of sources is a violation.
 
 #import <dispatch/dispatch.h>
 #include <sys/inotify.h>
@@ -40,7 +40,7 @@ const struct dispatch_source_type_s {
 
 namespace {
 
-/// Which sources watch which file: several may share one watch.
+/// Which sources watch which file; several may share a watch.
 struct Watches {
   std::mutex mutex;
   const int inotify = ::inotify_init1(IN_CLOEXEC);
@@ -118,7 +118,7 @@ void forget(KVVnodeSource* source) {
   [super dealloc];
 }
 
-/// Merges with what was not yet handled.
+/// Merges with events not handled yet.
 - (void)happened:(uintptr_t)events {
   const std::scoped_lock lock(_mutex);
   events &= _mask;
@@ -165,7 +165,7 @@ void forget(KVVnodeSource* source) {
   });
 }
 
-/// After this the descriptor is free for any other file.
+/// After this the descriptor may be reused for another file.
 - (void)finish {
   if (_cancelHandler != nil) _cancelHandler();
   if (inodeOf(_descriptor) == _inode) violation("a watch's descriptor is open after its cancel handler");

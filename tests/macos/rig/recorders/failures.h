@@ -5,10 +5,10 @@
 
 namespace keyvora::rig {
 
-/// From now on the call fails: `times` times, or for ever when that is negative.
+/// From now on the call fails, `times` times, or always if `times` is negative.
 void failFrom(const std::string& call, int times);
 
-/// Whether the call is to fail this time. Any thread.
+/// Whether the call must fail this time. Any thread.
 bool fails(std::string_view call);
 
 }  // namespace keyvora::rig

@@ -1,4 +1,4 @@
-// The calls on files that return an error where GNUstep's raise one, and the user's directories.
+// File calls that return an error where GNUstep's raise an exception, and the user's directories.
 
 #import <Foundation/Foundation.h>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Runs the block; an exception becomes an error.
+/// Runs the block and converts an exception to an error.
 BOOL succeeds(NSError** error, void (^work)(void)) {
   try {
     work();
@@ -33,7 +33,7 @@ BOOL succeeds(NSError** error, void (^work)(void)) {
 }
 
 - (BOOL)writeData:(NSData*)data error:(NSError**)error {
-  if (keyvora::rig::fails("writeData:error:")) {  // a full disk takes the beginning
+  if (keyvora::rig::fails("writeData:error:")) {  // a full disk accepts a part
     [self writeData:[data subdataWithRange:NSMakeRange(0, data.length / 2)]];
     return NO;
   }

@@ -8,7 +8,7 @@
 
 namespace keyvora::rig {
 
-/// A CGEvent: a copy of its values and nothing behind it.
+/// A CGEvent: only a copy of its values.
 class KeyEvent final : public CFObject {
  public:
   static constexpr auto name = "event";
@@ -16,7 +16,7 @@ class KeyEvent final : public CFObject {
   KeyEvent() : CFObject(name) {}
 
   [[nodiscard]] CFTypeID type() const override { return type_id::other; }
-  /// The event as its own kind of reference.
+  /// The event as a reference of its own type.
   [[nodiscard]] CGEventRef reference() { return reinterpret_cast<CGEventRef>(this); }
   /// "keyDown 4 flags 0x100 user 0x5e7a91c3".
   [[nodiscard]] std::string description() const;
@@ -40,7 +40,7 @@ class KeyEventSource final : public CFObject {
   int64_t userData = 0;
 };
 
-/// A key-down or key-up as the keyboard makes it; a modifier's is a change of flags.
+/// A key-down or key-up of the keyboard; for a modifier, a change of flags.
 KeyEvent* makeKeyEvent(CGKeyCode key, bool down, CGEventFlags flags);
 
 }  // namespace keyvora::rig

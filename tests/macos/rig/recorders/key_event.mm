@@ -10,7 +10,7 @@
 namespace keyvora::rig {
 namespace {
 
-/// Command (right and left) to Fn.
+/// The modifier keys from right Command to Fn.
 constexpr CGKeyCode firstModifier = 54;
 constexpr CGKeyCode lastModifier = 63;
 
@@ -27,7 +27,7 @@ const char* nameOf(CGEventType type) {
   }
 }
 
-/// The frameworks keep temporary objects of their own while an event is posted: without a pool around it, the
+/// The frameworks create temporary objects while an event is posted: without an autorelease pool, the
 /// runtime complains.
 void leaveTemporaryObject() { [[[NSObject alloc] init] autorelease]; }
 
@@ -101,7 +101,7 @@ int64_t CGEventGetIntegerValueField(CGEventRef event, CGEventField field) {
     case kCGEventSourceUserData:
       return found->userData;
     case kCGKeyboardEventKeyboardType:
-      return 91;  // the fields that the host has no use for differ from those that it has
+      return 91;  // unused fields get another value than used ones
     case kCGEventSourceUserID:
       return 501;
     default:

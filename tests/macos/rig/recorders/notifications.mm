@@ -1,11 +1,11 @@
-// The centre for notifications between processes, which GNUstep has only with a daemon.
+// The center for distributed notifications, for which GNUstep needs a daemon.
 
 #import <Foundation/Foundation.h>
 
 #include "tests/macos/rig/recorders/record.h"
 
-/// A centre within the process. An accessory is hardly ever active, so an observer that does not ask for
-/// immediate delivery hears nothing.
+/// A center within the process. As an accessory is hardly ever active, an observer gets notifications only
+/// if it requests immediate delivery.
 @interface KVDistributedCenter : NSNotificationCenter
 @end
 

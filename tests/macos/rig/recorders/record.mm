@@ -18,7 +18,7 @@
 namespace keyvora::rig {
 namespace {
 
-/// The exit status of a program that broke a rule.
+/// The exit status after a broken rule.
 constexpr int brokeARule = 99;
 
 struct Counts {
@@ -34,7 +34,7 @@ struct Record {
   std::map<std::string, Counts> counts;
 };
 
-/// Never destroyed: threads write while the program ends.
+/// Never destroyed: threads write until the end of the process.
 Record& shared() {
   static auto& record = *new Record;
   return record;

@@ -8,8 +8,8 @@
 
 namespace keyvora::rig {
 
-/// Puts a function without captures in the place of an instance method and returns what was there. Once all
-/// classes are known.
+/// Replaces an instance method by a function without captures and returns the old implementation. Call it
+/// when all classes are loaded.
 template <class Function>
 IMP replace(Class type, SEL selector, Function function) {
   Method method = class_getInstanceMethod(type, selector);
@@ -17,7 +17,7 @@ IMP replace(Class type, SEL selector, Function function) {
     std::fprintf(stderr, "no method %s to replace in %s\n", sel_getName(selector), class_getName(type));
     std::abort();
   }
-  // The lambda as the plain function that it is.
+  // The lambda as a plain function.
   return method_setImplementation(method, reinterpret_cast<IMP>(+function));
 }
 
@@ -27,7 +27,7 @@ IMP replaceClassMethod(Class type, SEL selector, Function function) {
   return replace(object_getClass((id)type), selector, function);
 }
 
-/// Each replaces what GNUstep does otherwise than a Mac. Called once, by the start.
+/// Each function replaces behaviour in which GNUstep differs from a Mac. Called once, at the start.
 void recordApplication();
 void recordTimers();
 void replaceBundles();

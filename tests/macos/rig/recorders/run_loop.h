@@ -6,11 +6,11 @@
 
 namespace keyvora::rig {
 
-/// The three modes that the common ones are.
+/// The three modes that make up the common modes.
 NSArray* commonModes();
 
-/// Calls back on the main thread whenever the file descriptor can be read, in these modes, for the life of
-/// the process or until `stopReading`.
+/// Calls back on the main thread whenever the file descriptor is readable, in these modes, until
+/// `stopReading`.
 void readInModes(int descriptor, NSArray* modes, std::function<void()> readable);
 void stopReading(int descriptor);
 

@@ -90,7 +90,7 @@ void stopReading(int descriptor) {
   for (NSString* mode in found->second.modes) {
     [NSRunLoop.currentRunLoop removeEvent:(void*)(intptr_t)descriptor type:ET_RDESC forMode:mode all:YES];
   }
-  readings().erase(found);  // the watcher stays: it may be the one that is running
+  readings().erase(found);  // the watcher stays: it may be running
 }
 
 }  // namespace keyvora::rig

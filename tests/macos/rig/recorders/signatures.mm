@@ -1,4 +1,4 @@
-// Nothing is signed here.
+// On this system nothing is signed.
 
 #import <Security/Security.h>
 

@@ -1,4 +1,4 @@
-// The pauses between what is typed, noted by their length: no clock is needed to see them.
+// Records the pauses between typed keys by their length, without a clock.
 
 #include <unistd.h>
 
@@ -7,7 +7,7 @@
 extern "C" {
 int __real_usleep(useconds_t microseconds);
 
-/// In the place of the C library's own (the linker's --wrap).
+/// Replaces the C library's function (by the linker's --wrap).
 int __wrap_usleep(useconds_t microseconds) {
   keyvora::rig::record("usleep %u", microseconds);
   return __real_usleep(microseconds);

@@ -4,13 +4,13 @@
 
 namespace keyvora::rig {
 
-/// What a check finds.
+/// The result of a check.
 enum class Feed { update, nothing, unreachable };
 
-/// Every check finds this from now on.
+/// Every check has this result from now on.
 void setFeed(Feed feed);
 
-/// The silent check that was begun has its answer. Main thread.
+/// Answers the silent check that was begun. Main thread.
 void answerCheck();
 
 }  // namespace keyvora::rig

@@ -1,4 +1,4 @@
-// Sparkle's standard updater: it asks its delegates, which it does not retain, as the real one does.
+// Sparkle's standard updater. Like the real one, it calls its delegates and does not retain them.
 
 #import <Sparkle/Sparkle.h>
 
@@ -15,7 +15,7 @@ namespace keyvora::rig {
 namespace {
 
 std::atomic<Feed> offered = Feed::update;
-/// The updater that waits for an answer; not retained.
+/// The updater whose check waits for an answer; not retained.
 SPUUpdater* checking;
 
 NSError* errorOf(NSInteger code, NSString* text) {
@@ -126,8 +126,7 @@ void keyvora::rig::answerCheck() {
   _updater->_started = YES;
 }
 
-/// Plays the course of a scheduled update that is found, then shown by the standard interface, then done
-/// with.
+/// Plays a scheduled update: found, shown by the standard user interface, and closed.
 - (void)checkForUpdates:(id)sender {
   requireMainThread("checkForUpdates:");
   record("checkForUpdates: %s", sender == nil ? "none" : object_getClassName(sender));

@@ -1,4 +1,4 @@
-// The status bar, which GNUstep has only in name. It keeps no item: its caller must.
+// The status bar, which GNUstep does not implement. It does not retain items: the caller must.
 
 #import <AppKit/AppKit.h>
 

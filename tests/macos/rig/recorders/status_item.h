@@ -2,12 +2,12 @@
 
 #import <AppKit/AppKit.h>
 
-/// A status item that notes what is done with it.
+/// A status item that records calls.
 @interface KVStatusItem : NSStatusItem {
   NSStatusBarButton* _itsButton;
   NSMenu* _itsMenu;
   BOOL _inBar;
 }
-/// The last item that was made, while it lives.
+/// The last created item, while it exists.
 + (KVStatusItem*)current;
 @end

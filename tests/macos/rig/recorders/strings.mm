@@ -1,4 +1,4 @@
-// Text, where GNUstep lacks a method or refuses what Foundation takes.
+// String methods that GNUstep lacks, or that refuse what Foundation accepts.
 
 #import <Foundation/Foundation.h>
 
@@ -6,7 +6,7 @@
 
 #include "tests/macos/rig/recorders/replace.h"
 
-/// UTF-16 units of which some are unpaired surrogates.
+/// UTF-16 units with unpaired surrogates.
 @interface KVUnitsString : NSString {
  @public
   std::vector<unichar> _units;
@@ -20,7 +20,7 @@
 - (unichar)characterAtIndex:(NSUInteger)index {
   return _units[index];
 }
-/// A lossy conversion replaces what has no counterpart.
+/// A lossy conversion replaces unconvertible characters.
 - (NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)lossy {
   if (!lossy) return nil;
   NSMutableString* repaired = [NSMutableString string];

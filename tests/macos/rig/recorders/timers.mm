@@ -1,4 +1,4 @@
-// Timers: GNUstep takes the common modes for one mode of that name, and has no `valid` but the method.
+// Timers: GNUstep takes the common modes for one mode of that name, and has `isValid` as a method only.
 
 #import <AppKit/AppKit.h>
 

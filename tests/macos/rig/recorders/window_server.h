@@ -15,19 +15,19 @@
 
 namespace keyvora::rig {
 
-/// What became of a key.
+/// What happened to a key.
 enum class Fate { passed, swallowed, timedOut };
 
-/// One event on its way to a tap; a notice has none.
+/// One event for a tap; a notice carries no event.
 struct Delivery {
   CGEventType type = kCGEventNull;
   KeyEvent* event = nullptr;
-  /// Its time ran out, and it holds a reference to the event.
+  /// Its time is over, but it still holds a reference to the event.
   bool abandoned = false;
   std::optional<Fate> fate;
 };
 
-/// The port of an event tap. Its run-loop source waits on the file descriptor.
+/// The port of an event tap. Its run-loop source waits for the file descriptor.
 class Tap final : public CFObject {
  public:
   static constexpr auto name = "mach port";
@@ -37,7 +37,7 @@ class Tap final : public CFObject {
   [[nodiscard]] CFTypeID type() const override { return type_id::other; }
   [[nodiscard]] CFMachPortRef reference() { return reinterpret_cast<CFMachPortRef>(this); }
   [[nodiscard]] int descriptor() const { return descriptor_; }
-  /// Calls back for the next delivery, on the main thread.
+  /// Calls the callback for the next delivery, on the main thread.
   void deliver();
 
   std::atomic<bool> enabled = true;
@@ -59,28 +59,28 @@ class Tap final : public CFObject {
   std::deque<std::shared_ptr<Delivery>> waiting_;
 };
 
-/// Passes keys to the tap, one after another, and waits for each verdict.
+/// Delivers keys to the tap, one after another, and waits for each verdict.
 class WindowServer {
  public:
   static WindowServer& shared();
 
-  /// The process may make taps from now on, or may not.
+  /// Whether the process may create taps from now on.
   void setTrusted(bool trusted) { trusted_ = trusted; }
   [[nodiscard]] bool isTrusted() const { return trusted_; }
-  /// How long a verdict may take.
+  /// The time limit for a verdict.
   void setLimit(std::chrono::milliseconds limit) { limit_ = limit; }
 
   Tap* createTap(CGEventMask mask, bool active, CGEventTapCallBack callback, void* userInfo);
-  /// The last tap that was made, while it lives.
+  /// The last created tap, while it exists.
   Tap* tap();
-  /// Switches the tap off as the system does, with its notice or without.
+  /// Disables the tap as the system does, with or without a notice.
   void disableTap(CGEventType notice);
-  /// The tap's port dies, as when the process that serves it does.
+  /// Invalidates the tap's port, as when the serving process dies.
   void killTap();
 
-  /// Presses or releases a key and waits for its fate. Not on the main thread.
+  /// Presses or releases a key and waits for the result. Not to be called on the main thread.
   Fate press(CGKeyCode key, bool down, CGEventFlags flags);
-  /// An event that a program posted: it goes its way by itself.
+  /// An event that a program posted: delivered without waiting.
   void inject(const KeyEvent& event);
 
  private:

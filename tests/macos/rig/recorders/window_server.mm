@@ -64,7 +64,7 @@ bool Tap::isAbandoned(const Delivery& delivery) {
   return delivery.abandoned;
 }
 
-/// The caller owns the event: the callback gives back as many references as it takes.
+/// The caller owns the event: the callback releases as many references as it retains.
 Fate Tap::call(const Delivery& delivery) {
   requireMainThread("an event tap's callback");
   CGEventRef event = delivery.event == nullptr ? nullptr : delivery.event->reference();
@@ -155,7 +155,7 @@ Fate WindowServer::pass(KeyEvent& event) {
       fate = Fate::timedOut;
       delivery->abandoned = true;
       current->enabled = false;
-      event.retain();  // for a callback that is still at it
+      event.retain();  // for a callback that is still running
     }
   }
   record("key %s: %s%s", event.description().c_str(), nameOf(fate), wanted ? "" : ", no tap");

@@ -1,4 +1,4 @@
-// The applications that run, which is in front, what is opened.
+// The running applications, the one in front, and what is opened.
 
 #import <AppKit/AppKit.h>
 
@@ -71,7 +71,7 @@ using keyvora::rig::Desktop;
   return [[[KVRunningApplication alloc] initWithApplication:*found] autorelease];
 }
 
-// GNUstep's own goes by way of a daemon.
+// GNUstep's own needs a daemon.
 - (NSNotificationCenter*)notificationCenter {
   static NSNotificationCenter* center = [[NSNotificationCenter alloc] init];
   return center;

@@ -1,11 +1,11 @@
-// GNUstep's AppKit, and what it lacks of Apple's: declared here, provided by the recorders.
+// GNUstep's AppKit, with additional declarations of Apple's; the recorders implement them.
 #pragma once
 
 #import <Foundation/Foundation.h>
 
 #include_next <AppKit/AppKit.h>
 
-// Macros, as newer versions of GNUstep have the enumerators.
+// Macros, because newer versions of GNUstep define the enumerators.
 #define NSEventModifierFlagCommand NSCommandKeyMask
 #define NSEventModifierFlagShift NSShiftKeyMask
 

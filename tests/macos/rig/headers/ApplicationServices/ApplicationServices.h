@@ -1,4 +1,4 @@
-// The Accessibility interface, as far as the macOS host calls it.
+// The part of the Accessibility interface that the macOS host uses.
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>

@@ -1,5 +1,5 @@
-// Core Foundation, as far as the macOS host and its tests call it. Types that are toll-free bridged on a Mac
-// are here too: text and dictionaries are Foundation's objects, everything else is a recorder's.
+// The part of Core Foundation that the macOS host and its tests use. Types that are toll-free bridged on a
+// Mac are so here: strings and dictionaries are Foundation objects, all others are recorders' objects.
 #pragma once
 
 #import <Foundation/Foundation.h>

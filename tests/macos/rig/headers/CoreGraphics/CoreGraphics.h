@@ -1,4 +1,5 @@
-// Core Graphics events, as far as the macOS host and its tests call them. Every number is the documented one.
+// The part of Core Graphics events that the macOS host and its tests use. All numbers are the documented
+// ones.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,11 +1,11 @@
-// GNUstep's Foundation, and what it lacks of Apple's: declared here, provided by the recorders.
+// GNUstep's Foundation, with additional declarations of Apple's; the recorders implement them.
 #pragma once
 
 #include_next <Foundation/Foundation.h>
 
 #include <fcntl.h>
 
-// gcc's are casts, which clang does not take in a conditional expression beside a selector.
+// gcc's definitions are casts, which clang rejects in a conditional expression with a selector.
 #undef nil
 #define nil nullptr
 #undef Nil
@@ -13,7 +13,7 @@
 
 #define NS_VALID_UNTIL_END_OF_SCOPE __attribute__((objc_precise_lifetime))
 
-// The nearest that Linux has to a descriptor that only hears events.
+// The closest equivalent on Linux to a descriptor for events only.
 #define O_EVTONLY O_PATH
 
 typedef NSString* NSNotificationName;

@@ -1,4 +1,4 @@
-// Code signatures, as far as the macOS host asks for them.
+// The part of code signing that the macOS host uses.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,4 +1,4 @@
-// The login item's part of ServiceManagement.
+// The part of ServiceManagement for login items.
 #pragma once
 
 #import <Foundation/Foundation.h>

@@ -1,5 +1,4 @@
-// Sparkle's standard updater, as far as the macOS host calls it, and the delegate methods that it may be
-// asked for.
+// The part of Sparkle's standard updater that the macOS host uses, and its delegate methods.
 #pragma once
 
 #import <AppKit/AppKit.h>

@@ -1,4 +1,4 @@
-// Grand Central Dispatch, as far as the macOS host calls it. Its objects are Objective-C objects, as on a
+// The part of Grand Central Dispatch that the macOS host uses. Its objects are Objective-C objects, as on a
 // Mac.
 #pragma once
 

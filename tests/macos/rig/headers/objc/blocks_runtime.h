@@ -1,4 +1,4 @@
 #pragma once
 
-// GNUstep's headers ask for the blocks runtime by this name.
+// GNUstep's headers include the blocks runtime by this name.
 #include <Block.h>
