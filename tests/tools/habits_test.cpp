@@ -61,9 +61,8 @@ TEST(HabitsTest, AnEntryThatComesWithKeyvoraIsReadyToPaste) {
   const std::string keys = R"("keys": "HVV")";
   calc.replace(calc.find(keys), keys.size(), R"("keys": "QQQQ")");
   const auto text = asText(habitsIn(time + "no sequence HVV\n"), Document(calc));
-  EXPECT_THAT(
-      text,
-      HasSubstr("HVV  comes with keyvora; to paste:\n    { \"keys\": \"HVV\", \"name\": \"Paste values\""));
+  EXPECT_THAT(text, HasSubstr("HVV  comes with keyvora; to paste:\n    { \"keys\": \"HVV\", \"name\": "
+                              "\"Paste values (Paste Special)\""));
 }
 
 TEST(HabitsTest, ReadsTheUsersLogAndSaysWhenThereIsNone) {

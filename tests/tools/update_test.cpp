@@ -122,10 +122,10 @@ TEST_F(UpdateTest, NothingIsNewInWhatHasJustCome) {
 }
 
 TEST_F(UpdateTest, WhatTheUserChangedOrTookOutStays) {
-  const auto mine = calc(R"("name": "Paste values")", R"("name": "My paste")");
+  const auto mine = calc(R"x("name": "Paste values (Paste Special)")x", R"("name": "My paste")");
   write(mine);
   EXPECT_EQ(run({"diff"}), 0);
-  EXPECT_THAT(out.str(), HasSubstr("yours   HVV  Paste values\n"));
+  EXPECT_THAT(out.str(), HasSubstr("yours   HVV  Paste values (Paste Special)\n"));
   EXPECT_EQ(run({"update"}), 0);
   EXPECT_EQ(contentOf(file), mine);
   const auto less = calc(R"({ "keys": "HVP",)", R"({ "keys": "QQQQ",)");

@@ -51,7 +51,7 @@ class Case:
 
     The user is in `cell`, with all cells down and right to `last` selected; `first` and `then` are keys. `fire_first`
     are other sequences, after which the selection stays as it is if `stay`; `click` is a cell that is clicked on
-    afterwards. `variant` names a workbook that is not the usual one.
+    afterwards. `dialog` is the title of one that `then` answers. `variant` names a workbook that is not the usual one.
     """
 
     outcome: Outcome
@@ -62,6 +62,7 @@ class Case:
     then: list[str] = field(default_factory=list)
     stay: bool = False
     click: str = ""
+    dialog: str = ""
     variant: str = ""
 
 

@@ -116,10 +116,22 @@ class DocumentTest(unittest.TestCase):
             self.select(case)
         self.typist.tap(*case.first)
         self.fire(keys)
-        self.typist.tap(*case.then)
+        if case.dialog:
+            self.answer(case.dialog, case.then)
+        else:
+            self.typist.tap(*case.then)
         if case.click:
             x11.click(self.area(case.click))
         self.expect(case.outcome, before)
+
+    def carry_out_twice(self, keys: str, case: Case) -> None:
+        """What a sequence switches on, it switches off again."""
+        assert isinstance(case.outcome, Saved)
+        self.carry_out(keys, case)
+        self.change_something()
+        self.select(case)
+        self.fire(keys)
+        self.until_saved(case.outcome.pattern, not case.outcome.present)
 
     def open(self, name: str, variant: str = "") -> None:
         """Starts the spreadsheet with the workbook, in a file of this name."""
@@ -177,6 +189,12 @@ class DocumentTest(unittest.TestCase):
         fired = self.keyvora.log.count(line)
         self.typist.tap("Option", *keys.lower())
         self.keyvora.log.wait(line, fired + 1)
+
+    def answer(self, dialog: str, keys: list[str]) -> None:
+        """Waits for a dialog, types keys into it and waits until it is gone."""
+        equal(self.sheet.dialog, dialog, "the dialog", PATIENCE)
+        self.typist.tap(*keys)
+        until(self.sheet.has_noticed, "the spreadsheet's window in front", PATIENCE, seen=x11.active_class)
 
     def expect(self, outcome: Outcome, before: str) -> None:
         match outcome:
@@ -252,7 +270,8 @@ def add_tests(test: type[DocumentTest], sequences: list[str]) -> None:
 
 
 def add_tests_of_all(test: type[DocumentTest]) -> None:
-    """Gives a test to each sequence of the document, one that none is without a case, and one of all menu items."""
+    """Gives a test to each sequence of the document, a second to those that switch on and off, one that none is without
+    a case, and one of all menu items."""
     def test_there_is_a_case_for_every_sequence(self: DocumentTest) -> None:
         self.assertEqual({sequence["keys"] for sequence in self.document["sequences"]}, set(self.cases))
 
@@ -264,3 +283,12 @@ def add_tests_of_all(test: type[DocumentTest]) -> None:
     for check in (test_there_is_a_case_for_every_sequence, test_every_menu_item_is_there_or_noted_as_one_versions):
         setattr(test, check.__name__, check)
     add_tests(test, list(test.cases))
+    for keys in both_ways(test):
+        case = test.cases[keys]
+        setattr(test, f"test_{keys}_twice", lambda self, keys=keys, case=case: self.carry_out_twice(keys, case))
+
+
+def both_ways(test: type[DocumentTest]) -> list[str]:
+    """The sequences whose names say that they switch on and off."""
+    return [sequence["keys"] for sequence in test.document["sequences"]
+            if re.search(r" on or off$|\bor un", sequence["name"])]

@@ -7,6 +7,10 @@ PASTE_AT_E5 = [*GO_FROM_A2_TO_E5, "Control+v"]
 FORMAT_CELLS = Case(Window("Format Cells.*"))
 CONDITIONS = Case(Window("Conditional Cell Formatting"))
 PASTE_SPECIAL = Case(Window("Paste Special"), "A2", first=COPY_A2_TO_E5)
+# In the dialog two lines down from "All" is "As Value".
+AS_VALUE = ["Down", "Down", "Return"]
+PASTE_VALUE = Case(Cells({"D5": "60"}), "D2", first=["Control+c", "Down", "Down", "Down"], dialog="Paste Special",
+                   then=AS_VALUE)
 NAMES = Case(Window("Define Names"))
 SORT = Case(Window("Sort.*"), "A1", "D4")
 INSERT_ROWS = Case(Cells({"A2": "", "A3": "Pear"}))
@@ -29,7 +33,8 @@ def styled(attribute: str, value: str, present: bool = True) -> Saved:
 
 CASES: dict[str, Case] = {
     "HVP": Case(Cells({"E5": "Pear"}), "A2", first=COPY_A2_TO_E5),
-    **dict.fromkeys(["HVV", "HVF", "HVT", "HVR", "HVN", "HVS"], PASTE_SPECIAL),
+    **dict.fromkeys(["HVF", "HVT", "HVR", "HVN", "HVS"], PASTE_SPECIAL),
+    "HVV": PASTE_VALUE,
     "HX": Case(Cells({"E5": "Pear", "A2": ""}), "A2", then=PASTE_AT_E5),
     "HCC": Case(Cells({"E5": "Pear", "A2": "Pear"}), "A2", then=PASTE_AT_E5),
     "H1": Case(styled("Bold", "1")),
@@ -122,7 +127,8 @@ CASES: dict[str, Case] = {
     "FP": Case(Window("Print")),
     "FC": Case(Closed()),
     "FI": Case(Window(".*Properties.*")),
-    **dict.fromkeys(["ESV", "EST", "ESF", "ESE"], PASTE_SPECIAL),
+    "ESV": PASTE_VALUE,
+    **dict.fromkeys(["EST", "ESF", "ESE"], PASTE_SPECIAL),
     "ED": Case(Window("Delete cells")),
     "EL": DELETE_SHEET,
     "IR": INSERT_ROWS,

@@ -11,7 +11,7 @@ from harness.spreadsheet import Gnumeric
 
 from .document_case import Case
 from .document_test import DocumentTest, add_tests_of_all, read_document
-from .gnumeric_cases import CASES
+from .gnumeric_cases import AS_VALUE, CASES
 
 END = "</gnm:Workbook>"
 CELLS: list[list[str | int | None]] = [["Name", "Amount", "City", "Twice"], ["Pear", 30, "Rome", "=B2*2"],
@@ -83,7 +83,18 @@ def _cell(row: int, column: int, value: object) -> str:
 
 
 class GnumericDocument(OnGnumeric):
-    """One test for each sequence of the document."""
+    """One test for each sequence of the document, and what its notes say."""
+
+    def test_values_are_pasted_with_all_their_digits(self) -> None:
+        self.open("rounded")
+        self.go("E2")
+        self.typist.tap("=", "1", "/", "3", "Return")
+        self.go("E2")
+        self.fire("HP")
+        self.typist.tap("Control+c", "Down", "Down")
+        self.fire("HVV")
+        self.answer("Paste Special", AS_VALUE)
+        self.until_saved(r'<gnm:Cell Row="3" Col="4" [^>]*>0?\.333333333333', True)
 
 
 add_tests_of_all(GnumericDocument)
