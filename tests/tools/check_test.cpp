@@ -104,8 +104,6 @@ std::chrono::duration<double> timeToFind(std::size_t count) {
   return test::processorTime() - start;
 }
 
-/// Ten times as many findings may take ten times as long, not a hundred times. The limit allows for
-/// sanitizers.
 TEST(CheckTest, TakesTimeInProportionToTheFindings) {
   auto few = timeToFind(500);
   for (int i = 0; i < 2; ++i) few = std::min(few, timeToFind(500));
