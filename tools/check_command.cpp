@@ -3,6 +3,7 @@
 #include <ctime>
 #include <optional>
 #include <thread>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "tools/commands.h"
 #include "tools/file.h"
 #include "tools/follow.h"
+#include "tools/layouts.h"
 #include "tools/loaded_document.h"
 #include "tools/marked_text.h"
 #include "tools/on_path.h"
@@ -21,14 +23,19 @@ namespace {
 /// Checks one version of a document and writes the findings.
 class Checker {
  public:
-  Checker(const Options& options, const Streams& streams)
-      : streams_(streams), strict_(options.has("--strict")), json_(options.has("--json")) {}
+  Checker(const Options& options, const ChosenLayouts& layouts, const Streams& streams)
+      : layouts_(layouts),
+        streams_(streams),
+        strict_(options.has("--strict")),
+        json_(options.has("--json")) {}
 
   /// Whether there were errors, or any findings in strict mode. With `always` it also reports that there
   /// were none.
   bool operator()(const Source& source, bool always) const {
     const Document document(source.bytes);
-    const auto findings = check(document);
+    auto findings = check(document);
+    compareWithLayouts(document, layouts_, findings);
+    sortByPlace(findings);
     if (json_) {
       streams_.out << asJson(findings, source.name);
     } else if (streams_.terminal) {
@@ -81,6 +88,7 @@ class Checker {
                    << counted(keyTips, "sequence") << " of Excel's own key tips\n";
   }
 
+  const ChosenLayouts& layouts_;
   const Streams& streams_;
   bool strict_;
   bool json_;
@@ -113,7 +121,16 @@ std::variant<Source, Unreadable> readOne(const std::optional<std::string>& file,
 }  // namespace
 
 int checkCommand(const Options& options, const Streams& streams) {
-  const Checker checker(options, streams);
+  ChosenLayouts layouts;
+  if (const auto names = options.setting("--layout")) {
+    auto chosen = chooseLayouts(*names, streams.host);
+    if (const auto* why = std::get_if<std::string>(&chosen)) {
+      streams.error << complaint(*why);
+      return exit_status::failed;
+    }
+    layouts = std::get<ChosenLayouts>(std::move(chosen));
+  }
+  const Checker checker(options, layouts, streams);
   const bool watches = options.has("--watch");
   std::vector<std::optional<std::string>> files(options.operands.begin(), options.operands.end());
   if (files.empty()) files.push_back(watches ? ownDocumentThatExists() : std::nullopt);

@@ -9,17 +9,19 @@ namespace keyvora::tools {
 std::span<const Command> commands() {
   static const std::vector<Command> all{
       {"check",
-       "[FILE ...] [--watch] [--strict] [--json]",
+       "[FILE ...] [--layout NAME[,NAME...]] [--watch] [--strict] [--json]",
        "Say everything that is wrong with mapping documents, or surprising.",
-       "  --watch   check again at every save, until interrupted\n"
-       "  --strict  let warnings count as errors\n"
-       "  --json    for programs: one JSON object on a line for each check\n"
+       "  --layout NAME  warn of what is typed differently on another keyboard layout than US: fr, ch(fr)\n"
+       "  --watch        check again at every save, until interrupted\n"
+       "  --strict       let warnings count as errors\n"
+       "  --json         for programs: one JSON object on a line for each check\n"
        "Errors are what keeps the document from loading; warnings load and may surprise. On a terminal each\n"
        "comes with its line of the document, in colours unless NO_COLOR is set. Elsewhere silent when there "
        "is\n"
        "nothing to say.\n"
-       "Exit status: 0 without errors, 1 with errors, 2 when a file cannot be read.\n",
-       {{"--watch", "--strict", "--json"}, {}, 0, std::numeric_limits<std::size_t>::max()},
+       "Exit status: 0 without errors, 1 with errors, 2 when a file cannot be read or there is no such "
+       "layout.\n",
+       {{"--watch", "--strict", "--json"}, {"--layout"}, 0, std::numeric_limits<std::size_t>::max()},
        checkCommand},
       {"explain",
        "LETTERS [FILE]",

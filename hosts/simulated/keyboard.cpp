@@ -127,6 +127,18 @@ std::unique_ptr<platform::SyntheticEvent> Keyboard::createEvent(const platform::
   return std::make_unique<Event>(*this, event);
 }
 
+std::optional<platform::KeyboardLayout> Keyboard::layout(const std::string& name) {
+  const auto found = layouts.find(name);
+  if (found == layouts.end()) return std::nullopt;
+  return found->second;
+}
+
+std::vector<std::string> Keyboard::commonLayouts() {
+  std::vector<std::string> names;
+  for (const auto& [name, layout] : layouts) names.push_back(name);
+  return names;
+}
+
 void Keyboard::post(const KeyEvent& event) {
   world_.trace.add(trace::Posted{std::nullopt, event});
   loop_.enqueue(platform::Seconds(0), [this, event] {

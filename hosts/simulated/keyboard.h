@@ -1,6 +1,9 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "hosts/simulated/main_loop.h"
@@ -35,11 +38,16 @@ class Keyboard final : public platform::Keyboard {
   /// Whether a tap exists and all taps are enabled.
   [[nodiscard]] bool tapsEnabled() const;
 
+  /// The layouts that exist, by name; at first the host knows none.
+  std::map<std::string, platform::KeyboardLayout> layouts;
+
   std::unique_ptr<platform::EventTap> createTap(std::uint64_t eventMask,
                                                 platform::TapHandler handler) override;
   std::unique_ptr<platform::EventSource> createSource() override;
   std::unique_ptr<platform::SyntheticEvent> createEvent(const platform::EventSource* source,
                                                         std::uint16_t keyCode, bool down) override;
+  std::optional<platform::KeyboardLayout> layout(const std::string& name) override;
+  std::vector<std::string> commonLayouts() override;
 
  private:
   struct Tap;

@@ -336,10 +336,14 @@ TEST(CommandDocumentationTest, NamesEverything) {
                                  "completions/_keyvora-mappings", "completions/keyvora-mappings.fish"}) {
     auto text = contentOf(projectFile("tools/" + file));
     std::erase(text, '\\');
+    const bool isFish = file.ends_with(".fish");
     for (const auto& command : commands()) {
       EXPECT_THAT(text, HasSubstr(std::string(command.name))) << file;
       for (const auto& names : {command.syntax.switches, command.syntax.settings}) {
-        for (const auto name : names) EXPECT_THAT(text, HasSubstr(std::string(name.substr(2)))) << file;
+        for (const auto name : names) {
+          const auto written = isFish ? "-l " + std::string(name.substr(2)) : std::string(name);
+          EXPECT_THAT(text, HasSubstr(written)) << file;
+        }
       }
     }
   }

@@ -15,6 +15,8 @@ TEXT = (ROOT / "docs/mappings.md").read_text(encoding="utf-8")
 WAIT = """{ "version": 1, "tabs": {}, "sequences": [
   { "keys": "HH", "name": "Fill color", "action": { "kind": "keytips", "keys": "HH" } },
   { "keys": "HHN", "name": "No fill", "action": { "kind": "keytips", "keys": "HHN" } } ] }"""
+FRENCH = """{ "version": 1, "tabs": {}, "sequences": [
+  { "keys": "HA", "name": "Undo", "action": { "kind": "keystroke", "key": "z", "modifiers": ["command"] } } ] }"""
 
 
 def blocks(language):
@@ -22,9 +24,11 @@ def blocks(language):
 
 
 def run(arguments, folder, text=None):
+    """What the program writes; None when this build lacks what it was asked for."""
     environment = {**os.environ, "HOME": str(folder)}
-    return subprocess.run([PROGRAM, *arguments], cwd=folder, env=environment, input=text, capture_output=True,
-                          encoding="utf-8").stdout
+    done = subprocess.run([PROGRAM, *arguments], cwd=folder, env=environment, input=text, capture_output=True,
+                          encoding="utf-8")
+    return None if "this build knows no keyboard layouts" in done.stderr else done.stdout
 
 
 class Docs(unittest.TestCase):
@@ -33,6 +37,7 @@ class Docs(unittest.TestCase):
         self.addCleanup(directory.cleanup)
         self.folder = pathlib.Path(directory.name)
         (self.folder / "wait.json").write_text(WAIT)
+        (self.folder / "french.json").write_text(FRENCH)
         excel = (ROOT / "resources/mappings.json").read_text(encoding="utf-8")
         (self.folder / "excel.json").write_text(excel, encoding="utf-8")
         broken = (ROOT / "tests/tools/broken/errors_and_warnings.json").read_text(encoding="utf-8")
@@ -53,7 +58,9 @@ class Docs(unittest.TestCase):
             command, output = session.split("\n", 1)
             program, *arguments = command.removeprefix("$ ").split()
             if program == "keyvora-mappings":
-                self.assertEqual(run(arguments, self.folder), output)
+                written = run(arguments, self.folder)
+                if written is not None:
+                    self.assertEqual(written, output)
             else:
                 self.assertTrue(program.startswith("scripts/"), command)
                 self.assertEqual(subprocess.run([ROOT / program, *arguments], cwd=ROOT, capture_output=True,

@@ -7,7 +7,7 @@ _keyvora_mappings() {
     return
   fi
   case $command in
-    check) options='--watch --strict --json' ;;
+    check) options='--layout --watch --strict --json' ;;
     list) options='--tab' ;;
     rehearse) options='--all' ;;
     diff | update) options='--from' ;;
@@ -23,7 +23,9 @@ _keyvora_mappings() {
       ;;
     schema | version) return ;;
   esac
-  if [[ ${COMP_WORDS[COMP_CWORD - 1]} == --from ]]; then
+  if [[ ${COMP_WORDS[COMP_CWORD - 1]} == --layout ]]; then
+    mapfile -t COMPREPLY < <(compgen -W 'us gb fr de ch es it ru' -- "$word")
+  elif [[ ${COMP_WORDS[COMP_CWORD - 1]} == --from ]]; then
     mapfile -t COMPREPLY < <(compgen -W 'calc gnumeric excel' -- "$word")
   elif [[ $word == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options --help" -- "$word")

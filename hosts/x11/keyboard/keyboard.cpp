@@ -4,6 +4,7 @@
 
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/event_tap.h"
+#include "hosts/x11/keyboard/layouts.h"
 #include "hosts/x11/keyboard/poster.h"
 #include "hosts/x11/keyboard/synthetic_event.h"
 
@@ -44,6 +45,14 @@ std::unique_ptr<platform::SyntheticEvent> Keyboard::createEvent(const platform::
 
 void Keyboard::onFault(std::function<void(const std::string& sentence)> report) {
   report_ = std::move(report);
+}
+
+std::optional<platform::KeyboardLayout> Keyboard::layout(const std::string& name) {
+  return layoutNamed(name);
+}
+
+std::vector<std::string> Keyboard::commonLayouts() {
+  return x11::commonLayouts();
 }
 
 void Keyboard::report(const std::string& sentence) {

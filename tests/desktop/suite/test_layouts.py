@@ -1,5 +1,9 @@
 """Keyboard layouts: the letters of a sequence are keys of the keyboard, the cell gets what the layout makes."""
 
+import json
+import re
+import subprocess
+
 from harness.waiting import equal
 
 from .desktop_test import ARMED, DesktopTest
@@ -52,3 +56,57 @@ class Layouts(DesktopTest):
         equal(self.keyvora.status, "⌥ H", "the status")
         self.typist.tap("f", "a")
         self.expect_input("k@€@xa")
+
+
+# What check is asked about: keys that some layouts have elsewhere, one of them with Shift, and key tips.
+KEYS = [("x", []), ("q", []), ("a", []), ("w", []), ("z", []), ("y", []), ("m", []), ("4", ["shift"])]
+TIPS = "AZQ"
+PRESSED = [key.upper() for key, _ in KEYS]
+
+
+class LayoutsAsChecked(DesktopTest):
+    """What a keystroke and key tips really type is what `keyvora-mappings check --layout` says."""
+
+    document = {
+        "version": 1,
+        "tabs": {},
+        "sequences": [
+            {"keys": f"P{letter}", "name": "Press", "action": {"kind": "keystroke", "key": key, "modifiers": held}}
+            for letter, (key, held) in zip(PRESSED, KEYS)]
+        + [{"keys": "T", "name": "Tips", "action": {"kind": "keytips", "keys": TIPS}}],
+    }
+
+    def said(self, layout: str) -> list[str]:
+        """What each action types, by check; what a US keyboard types where check says nothing."""
+        typed = [{"4": "$"}.get(key, key) for key, _ in KEYS] + [TIPS.lower()]
+        document = self.desktop.folder / "checked.json"
+        document.write_text(json.dumps(self.document), encoding="utf-8")
+        program = self.environment.keyvora.with_name("keyvora-mappings")
+        done = subprocess.run([program, "check", "--json", "--layout", layout, document], capture_output=True,
+                              encoding="utf-8", timeout=60, check=False)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        for finding in json.loads(done.stdout)["findings"]:
+            place = re.fullmatch(r"sequences\[([0-9]+)\]\.action\.keys?", finding["path"])
+            if not place or finding["rule"] != "layout":
+                continue
+            types = re.search(r' types? (?:with Shift )?"([^"]+)", not ', finding["text"])
+            self.assertTrue(types, finding["text"])
+            typed[int(place[1])] = types[1].replace(" ", "").lower() if types else ""
+        return typed
+
+    def test_what_is_pressed_is_what_check_says(self) -> None:
+        told = 0
+        for layout, variant in (("us", ""), ("fr", ""), ("de", ""), ("ch", "fr"), ("us", "dvorak"), ("ru", "")):
+            with self.subTest(layout=layout, variant=variant):
+                said = self.said(f"{layout}({variant})" if variant else layout)
+                told += said != self.said("us")
+                self.desktop.set_layout(layout, variant)
+                self.new_cell()
+                for letter, (_, held) in zip(PRESSED, KEYS):
+                    fired = self.keyvora.log.count(f"P{letter}  Press (keystroke)")
+                    self.typist.tap("Option", "p", letter.lower())
+                    self.keyvora.log.wait(f"P{letter}  Press (keystroke)", fired + 1)
+                self.expect_input("".join(said[:-1]))
+                self.typist.tap("Option", "t")
+                self.expect_input("".join(said))
+        self.assertEqual(told, 5, "how many layouts differ from US by what check says")

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "platform/keyboard_layout.h"
+#include "tools/document.h"
+#include "tools/finding.h"
+#include "tools/host.h"
+
+namespace keyvora::tools {
+
+/// A keyboard layout and what the user called it.
+struct NamedLayout {
+  std::string name;
+  platform::KeyboardLayout keys;
+};
+
+/// The layouts that documents are compared with.
+struct ChosenLayouts {
+  std::vector<NamedLayout> layouts;
+  /// The US layout, in which documents name keys.
+  platform::KeyboardLayout us;
+};
+
+/// Looks up layouts by their names, with commas between them. On failure why not, for a person. Main thread.
+std::variant<ChosenLayouts, std::string> chooseLayouts(std::string_view names, const HostOnce& host);
+
+/// Warns of every sequence whose letters are on keys with other labels in a layout, and of every keystroke
+/// and key tip that types something else there than on a US keyboard. Letters and keys that other rules
+/// report are left out.
+void compareWithLayouts(const Document& document, const ChosenLayouts& chosen, Findings& findings);
+
+}  // namespace keyvora::tools
