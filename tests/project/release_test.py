@@ -1,5 +1,6 @@
 """Makes a release in a copy of the tree, which is thrown away with its tag."""
 
+import hashlib
 import os
 import pathlib
 import re
@@ -48,12 +49,30 @@ class Release(unittest.TestCase):
         self.assertIn(why, done.stderr)
         self.assertEqual((self.git("rev-parse", "HEAD"), self.git("tag")), (before, ""))
 
+    def add_test(self, status: int) -> None:
+        """Puts a ./test into the tree that ends with this status."""
+        (self.tree / "test").write_text(f"#!/bin/sh\necho tested\nexit {status}\n", encoding="ascii")
+        (self.tree / "test").chmod(0o755)
+        self.git("add", "test")
+        self.git("commit", "--quiet", "--message", "Test")
+
     def test_a_dry_run_says_what_it_would_publish_and_changes_nothing(self) -> None:
+        self.add_test(0)
         before = self.git("rev-parse", "HEAD")
+        (self.tree / ".git/info/exclude").write_text("/build/\n", encoding="ascii")
+        for name, content in (("releases/keyvora-7.8.9.zip", b"packed"), ("debian/keyvora_7.8.9-1~deb12_amd64.deb", b"for 12")):
+            (self.tree / "build" / name).parent.mkdir(parents=True)
+            (self.tree / "build" / name).write_bytes(content)
         done = self.release("7.8.9", "--dry-run")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertIn("keyvora 7.8.9, build ", done.stdout)
         self.assertIn("Something `new` & good.", done.stdout)
+        self.assertIn("\ntested\n", done.stdout)
+        listed = {name: value for value, name in re.findall(r"^(\S+|not built here) +(\S+)$", done.stdout, flags=re.MULTILINE)}
+        self.assertEqual(listed["keyvora-7.8.9.zip"], hashlib.sha256(b"packed").hexdigest())
+        self.assertEqual(listed["keyvora_7.8.9-1.deb12_amd64.deb"], hashlib.sha256(b"for 12").hexdigest())
+        for name in ("keyvora_7.8.9-1.deb13_amd64.deb", "appcast.xml", "keyvora.rb", "keyvora-7.8.9.spdx.json", "SHA256SUMS"):
+            self.assertEqual(listed[name], "not built here")
         self.assertEqual((self.git("rev-parse", "HEAD"), self.git("tag"), self.git("status", "--porcelain")), (before, "", ""))
 
     def test_a_release_has_its_version_everywhere_and_a_tag(self) -> None:
@@ -91,6 +110,25 @@ class Release(unittest.TestCase):
         (self.tree / "CHANGELOG.md").write_text("# Changelog\n\n## [Unreleased]\n", encoding="utf-8")
         self.git("commit", "--quiet", "--all", "--message", "Say nothing")
         self.assert_refused("says nothing", "7.8.9", "--tested")
+
+    def test_what_does_not_pass_its_tests_is_refused(self) -> None:
+        self.add_test(1)
+        self.assert_refused("./test failed", "7.8.9")
+        self.assert_refused("./test failed", "7.8.9", "--dry-run")
+
+    def test_the_notes_of_a_release_are_told_to_whatever_publishes_it(self) -> None:
+        self.assert_refused("the tree is not that of 7.8.9", "7.8.9", "--notes")
+        self.assertEqual(self.release("7.8.9", "--tested").returncode, 0)
+        done = self.release("7.8.9", "--notes")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertTrue(done.stdout.startswith("### Added\n\n- Something `new` & good.\n"), done.stdout)
+        self.assertNotIn("## [", done.stdout)
+        changelog = self.tree / "CHANGELOG.md"
+        changelog.write_text(changelog.read_text(encoding="utf-8").replace("[7.8.9] - 2027-01-15", "[7.8.9] - not released"),
+                             encoding="utf-8")
+        done = self.release("7.8.9", "--notes")
+        self.assertIn("has no dated notes", done.stderr)
+        self.assertNotEqual(done.returncode, 0)
 
     def test_a_version_is_released_once(self) -> None:
         self.git("tag", "v7.8.9")
