@@ -10,7 +10,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Without a display, which an application can do without when it has something else to do.
+/// Without a display, which an application needs only if it has no other work.
 class ApplicationTest : public testing::Test {
  protected:
   ApplicationTest() {

@@ -7,7 +7,7 @@
 
 namespace keyvora::x11 {
 
-/// A program that a test talks to line by line; ended by the destructor, which is when its input ends.
+/// A program that a test exchanges lines with. The destructor ends it by closing its input.
 class Conversation {
  public:
   /// Throws when the program cannot be started.
@@ -20,16 +20,16 @@ class Conversation {
 
   void say(const std::string& line);
 
-  /// Waits for this line, passing over others; false when it did not come in time, or the program ended.
+  /// Waits for this line, ignoring others; false when it did not come in time or the program ended.
   bool hears(const std::string& line);
 
   /// The line before the next "ready".
   std::string answer();
 
-  /// What it has said on standard error so far.
+  /// What the program has written to standard error so far.
   std::string errors();
 
-  /// Every line it has said.
+  /// All lines of the program so far.
   [[nodiscard]] const std::vector<std::string>& heard() const { return heard_; }
 
  private:

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>  // ahead of Xlib, whose macros it cannot bear
+#include <gtest/gtest.h>  // before Xlib, whose macros conflict with it
 
 #include "hosts/x11/display.h"
 
@@ -62,7 +62,7 @@ TEST(Display, ItsLossEndsTheProcessOnce) {
                 {});
   CurrentTap tap;
   TargetWindow targetWindow;
-  // Has no connection of its own to lose.
+  // Has no connection to lose.
   Keyboard keyboard(display.name(), KEYVORA_TAP_PROGRAM, tap, targetWindow);
   ASSERT_TRUE(runUntil([&] {
     return keyboard.createTap(0, [](const platform::KeyEvent&) { return platform::Verdict::pass; }) ==

@@ -16,7 +16,7 @@ using testing::Not;
 
 class DoctorTest : public testing::Test {
  protected:
-  /// Its exit status; what it wrote is in `output`.
+  /// Returns the exit status; the text is in `output`.
   int doctor(const std::vector<std::string>& environment = {}) { return run("doctor", environment); }
 
   int run(const std::string& arguments, const std::vector<std::string>& environment) {

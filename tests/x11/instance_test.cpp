@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>  // ahead of Xlib, whose macros it cannot bear
+#include <gtest/gtest.h>  // before Xlib, whose macros conflict with it
 
 #include "hosts/x11/instance.h"
 
@@ -17,7 +17,7 @@ class InstanceTest : public testing::Test {
     return Instance::claim(display.name(), patience);
   }
 
-  /// Whether somebody waits for the end of the instance that there is.
+  /// Whether another process waits for the end of the present instance.
   bool isAwaited() {
     const Window owner = XGetSelectionOwner(connection->get(), connection->atom("_KEYVORA_INSTANCE"));
     XWindowAttributes attributes{};

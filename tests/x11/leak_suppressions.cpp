@@ -1,5 +1,5 @@
-// What the leak sanitizer shall not report: the configuration that fontconfig keeps until the process ends,
-// and the questions to a hung application that libdbus still keeps when libatspi has given up waiting.
+// Leaks that must not be reported: the configuration that fontconfig keeps until the end of the process,
+// and pending calls to a hung application that libdbus keeps after libatspi gave up.
 
 #include <sanitizer/lsan_interface.h>
 

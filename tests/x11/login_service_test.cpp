@@ -71,7 +71,7 @@ TEST_F(LoginServiceTest, WhatTheDesktopSwitchedOffIsNotRegistered) {
 TEST_F(LoginServiceTest, SpecialCharactersOfAPathAreQuoted) {
   LoginService special("/a b/$c`d\"e\\f%g/keyvora");
   EXPECT_EQ(special.registerProgram(), std::nullopt);
-  // Escaped for the command line, and once more for the file.
+  // Escaped for the command line, and again for the file.
   EXPECT_NE(readFile(entry()).find(R"(Exec="/a b/\\$c\\`d\\"e\\\\f%%g/keyvora")"), std::string::npos)
       << readFile(entry());
 }

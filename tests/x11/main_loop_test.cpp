@@ -19,7 +19,7 @@ namespace {
 using platform::Seconds;
 using platform::TimerMode;
 
-/// A moment that a timer is due at once, and one that no test waits for.
+/// A delay that is over at once, and one that no test waits for.
 constexpr Seconds soon{0.005};
 constexpr Seconds distant{3600};
 

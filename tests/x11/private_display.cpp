@@ -29,7 +29,7 @@ bool waitUntil(const std::function<bool()>& condition) {
   return true;
 }
 
-/// The number that Xvfb writes once it takes connections.
+/// The display number that Xvfb writes when it accepts connections.
 std::string readDisplayNumber(int fileDescriptor) {
   std::string number;
   char letter = 0;
@@ -51,7 +51,7 @@ Child::Child(const std::vector<std::string>& command, const std::vector<std::str
   if (pipe2(failed, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
   pid_ = fork();
   if (pid_ == 0) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that crashes leaves nothing behind
+    prctl(PR_SET_PDEATHSIG, SIGKILL);  // so that a test that crashes leaves no process
     for (const auto& setting : environment) putenv(const_cast<char*>(setting.c_str()));
     execvp(arguments[0], arguments.data());
     [[maybe_unused]] const auto written = write(failed[1], "!", 1);
@@ -114,7 +114,7 @@ PrivateDisplay::~PrivateDisplay() {
 }
 
 void PrivateDisplay::startWindowManager() {
-  // What it announces on the root window comes too early: it does not manage windows yet.
+  // Its properties on the root window come too early: it does not manage windows yet.
   const auto ready = home_ / "window-manager-ready";
   std::filesystem::remove(ready);
   windowManager_ =

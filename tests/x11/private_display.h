@@ -10,10 +10,10 @@
 
 namespace keyvora::x11 {
 
-/// How long a test waits for a condition before it fails: for a machine with several busy processes a core.
+/// The time limit for a condition: enough for a machine with several busy processes per core.
 inline constexpr std::chrono::seconds patience{60};
 
-/// A program that a test started; ended by the destructor.
+/// A program started by a test; the destructor ends it.
 class Child {
  public:
   Child() = default;
@@ -25,10 +25,10 @@ class Child {
 
   [[nodiscard]] pid_t pid() const { return pid_; }
 
-  /// Ends it at once and waits for that.
+  /// Kills it and waits for its end.
   void kill();
 
-  /// Waits for its end and gives its wait status; -1 when it did not end in time.
+  /// Waits for its end and returns its wait status; -1 when it did not end in time.
   int wait();
 
  private:
@@ -44,7 +44,7 @@ class PrivateDisplay {
   PrivateDisplay(const PrivateDisplay&) = delete;
   PrivateDisplay& operator=(const PrivateDisplay&) = delete;
 
-  /// As in DISPLAY.
+  /// A value for DISPLAY.
   [[nodiscard]] const std::string& name() const { return name_; }
 
   void startWindowManager();
@@ -61,8 +61,8 @@ class PrivateDisplay {
   std::string name_;
 };
 
-/// Runs GLib's default main context until the condition holds, `patience` at the most; whether it came to
-/// hold.
+/// Runs GLib's default main context until the condition is true, for at most `limit`; returns the
+/// condition.
 bool runUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = patience);
 
 }  // namespace keyvora::x11

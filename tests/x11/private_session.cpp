@@ -14,7 +14,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// Whether somebody takes connections there: a socket has its name before that.
+/// Whether a process accepts connections there: the socket's file exists before that.
 bool isListening(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -26,7 +26,7 @@ bool isListening(const std::string& path) {
 }  // namespace
 
 PrivateSession::PrivateSession() {
-  // Nothing of the session that the tests are run from is to be seen.
+  // Removes all traces of the session that the tests are run from.
   for (const char* name : {"WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP", "AT_SPI_BUS_ADDRESS",
                            "NO_AT_BRIDGE", "GTK_MODULES", "GTK_THEME"}) {
     unsetenv(name);

@@ -9,11 +9,11 @@
 
 namespace keyvora::x11 {
 
-/// A desktop session for one test program: a display with a window manager, a message bus by which an
-/// accessibility bus starts, and a home. The program's own environment is set to it.
+/// A desktop session for one test program: a display with a window manager, a message bus that can start an
+/// accessibility bus, and a home directory. Sets the program's own environment to it.
 class PrivateSession {
  public:
-  /// One for all tests of a program: a process joins one accessibility bus in its life.
+  /// One session for all tests of a program, because a process joins only one accessibility bus.
   static PrivateSession& shared() {
     static PrivateSession session;
     return session;
@@ -28,14 +28,14 @@ class PrivateSession {
   [[nodiscard]] const PrivateDisplay& display() const { return display_; }
   [[nodiscard]] const std::filesystem::path& home() const { return home_.path(); }
 
-  /// Starts trayer, a system tray, and waits until it is one; `options` are its own.
+  /// Starts trayer, a system tray, and waits until it is ready; `options` are its arguments.
   void startTray(const std::vector<std::string>& options = {});
-  /// Ends it at once.
+  /// Kills it.
   void endTray();
 
   void endDisplay() { display_.endServer(); }
 
-  /// Ends the message bus, and the accessibility bus with it.
+  /// Ends the message bus and with it the accessibility bus.
   void endBuses();
 
  private:

@@ -8,7 +8,7 @@
 #include "tests/x11/private_session.h"
 #include "tests/x11/screen.h"
 
-/// The program itself, from its start to its end.
+/// The whole program, from start to end.
 namespace keyvora::x11 {
 namespace {
 
@@ -27,7 +27,7 @@ class ProgramTest : public testing::Test {
     return runUntil([&] { return log().find(text) != std::string::npos; });
   }
 
-  /// The status it ended with; -1 when it did not, or by a signal.
+  /// The program's exit status; -1 when it did not end, or was killed by a signal.
   int endStatus() {
     const int status = program.wait();
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;

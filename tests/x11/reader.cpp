@@ -31,7 +31,7 @@ Accessible Reader::findBelow(const Accessible& element, AtspiRole role, const st
 }
 
 Accessible Reader::find(AtspiRole role, const std::string& name) {
-  calls_ = {};  // one answer that took long, as on a busy machine, ends the series of calls and no more
+  calls_ = {};  // on a busy machine one slow answer would end all later calls
   const auto desktop = calls_.desktop();
   if (!desktop) return nullptr;
   const int count = calls_.childCount(desktop).value_or(0);

@@ -8,7 +8,7 @@
 
 namespace keyvora::x11 {
 
-/// What an assistive tool reads of one application, and does with it.
+/// Reads and operates one application as an assistive tool does.
 class Reader {
  public:
   explicit Reader(int pid) : pid_(pid) {}
@@ -17,10 +17,10 @@ class Reader {
   Accessible await(AtspiRole role, const std::string& name = "");
   Accessible find(AtspiRole role, const std::string& name = "");
 
-  /// The rows of the menu, in order: role, name, and what is special about the row.
+  /// The rows of the menu, in order: role, name, and special states.
   std::vector<std::string> rows(const Accessible& menu);
 
-  /// Where the element is on the screen.
+  /// The element's area on the screen.
   static std::optional<AtspiRect> area(const Accessible& element);
 
   static bool has(const Accessible& element, AtspiStateType state);

@@ -8,7 +8,7 @@
 
 namespace keyvora::x11 {
 
-/// Keeps what is written to the console.
+/// Records what is written to the console.
 struct RecordingConsole final : platform::Console {
   void write(std::string_view record) override { records.emplace_back(record); }
   std::vector<std::string> records;

@@ -13,7 +13,7 @@ namespace keyvora::x11 {
 using test::ScratchDirectory;
 using Variable = TemporaryVariable;
 
-/// Makes the text the file's whole content, in place; its directories are made as needed.
+/// Sets the file's content, in place; creates missing directories.
 inline void writeFile(const std::filesystem::path& file, const std::string& text) {
   std::filesystem::create_directories(file.parent_path());
   test::write(file, text);
@@ -24,13 +24,13 @@ inline std::string readFile(const std::filesystem::path& file) {
   return test::content(file).value_or("");
 }
 
-/// How many files this process has open.
+/// The number of open files of this process.
 inline std::ptrdiff_t openFiles() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
                        std::filesystem::directory_iterator());
 }
 
-/// A program of shell commands.
+/// Writes an executable shell script.
 inline void writeProgram(const std::filesystem::path& file, const std::string& commands) {
   writeFile(file, "#!/bin/sh\n" + commands + "\n");
   std::filesystem::permissions(file, std::filesystem::perms::owner_all);

@@ -10,7 +10,7 @@
 
 namespace keyvora::x11 {
 
-/// What a user sees and does on the display that DISPLAY names, by X alone.
+/// What a user sees and does on the display named by DISPLAY, using X only.
 class Screen {
  public:
   struct Area {
@@ -24,18 +24,18 @@ class Screen {
 
   Screen();
 
-  /// Where the visible window with this title is on the screen, however deep inside others; none when there
-  /// is none. Waits for it.
+  /// Waits for a visible window with this title, at any depth, and returns its area; none when it does not
+  /// appear.
   std::optional<Area> awaitWindow(const std::string& title);
   std::optional<Area> window(const std::string& title);
 
-  /// The same, after what the window's application and its tray still had to say to each other.
+  /// The same, but after the window's application and its tray have exchanged their messages.
   std::optional<Area> settledWindow(const std::string& title);
 
   /// Waits until no window has the title.
   bool awaitNoWindow(const std::string& title);
 
-  /// How many windows the window manager knows.
+  /// The number of windows that the window manager manages.
   std::size_t managedWindows();
 
   void click(const Area& area, unsigned button = 1);

@@ -21,7 +21,7 @@ namespace {
 
 class ScriptsTest : public testing::Test {
  protected:
-  /// Puts a stand-in for osascript on PATH that runs these shell commands.
+  /// Puts a replacement for osascript on PATH that runs these shell commands.
   void standIn(const std::string& commands) { writeProgram(scratch.path() / "bin" / "osascript", commands); }
 
   platform::ScriptOutcome run(const std::string& source = "beep") { return scripts.run(source); }
@@ -119,7 +119,7 @@ TEST_F(ScriptsTest, ItWaitsForTheScriptAndForNothingThatItLeavesBehind) {
 }
 
 TEST_F(ScriptsTest, TheScriptSeesNoneOfOurFilesAndSignalsAsAFreshProcessHasThem) {
-  // Would be handed on; its number is none that the script uses for itself.
+  // Would be inherited; its number is not one that the script opens itself.
   const posix::FileDescriptor null(open("/dev/null", O_RDONLY | O_CLOEXEC));
   const posix::FileDescriptor inherited(fcntl(null.number(), F_DUPFD, 50));
   ASSERT_GE(inherited.number(), 50);
@@ -139,7 +139,7 @@ TEST_F(ScriptsTest, TheScriptSeesNoneOfOurFilesAndSignalsAsAFreshProcessHasThem)
   std::istringstream lines(output());
   std::getline(lines, files, 'S');
   lines >> field >> std::hex >> blockedThere >> field >> ignoredThere;
-  EXPECT_EQ(files, "0 1 2 3 4 ");  // 3 is the script's own, 4 is the directory that ls reads
+  EXPECT_EQ(files, "0 1 2 3 4 ");  // the script opens 3, and ls opens 4 for the directory
   EXPECT_EQ(blockedThere, 0u);
   EXPECT_EQ(ignoredThere >> (SIGPIPE - 1) & 1, 0u);
 }
@@ -160,7 +160,7 @@ TEST_F(ScriptsTest, ASignalThatEndsTheProgramEndsTheScript) {
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
     standIn(R"(echo running > "$OUTPUT"; sleep 60)");
     std::filesystem::remove(scratch.path() / "output");
-    // The program's own handler, without which the signal would end the test.
+    // The program's own handler; without it the signal would end the test.
     const auto hear = +[](gpointer) -> gboolean { return G_SOURCE_CONTINUE; };
     const auto source = g_unix_signal_add(number, hear, nullptr);
     std::thread user([&] {
@@ -191,7 +191,7 @@ TEST_F(ScriptsTest, ASignalThatCameBeforeTheScriptBeganEndsItToo) {
 
 TEST_F(ScriptsTest, NoFilesAndNoProcessesAreLeft) {
   standIn("exit 1");
-  run();  // GLib opens what it waits for signals with, once
+  run();  // once, because GLib then opens the file it waits for signals with
   const auto before = openFiles();
   for (int time = 0; time < 5; ++time) run();
   EXPECT_EQ(openFiles(), before);

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 using Words = std::vector<std::string>;
 
-/// The user's directories are read once in the life of a process, so all tests share these.
+/// GLib reads the user's directories once per process, so all tests share these.
 const fs::path& home() {
   static const ScratchDirectory scratch;
   return scratch.path();
@@ -39,7 +39,7 @@ class WorkspaceTest : public testing::Test {
               "text/x-log=handler.desktop\nx-scheme-handler/testing=handler.desktop\n");
   }
 
-  /// What the handler was given; empty when nothing came in time.
+  /// What the handler received; empty when nothing came in time.
   static std::string opened() {
     const auto file = home() / "opened";
     runUntil([&file] { return fs::exists(file); });

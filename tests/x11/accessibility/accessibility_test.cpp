@@ -27,7 +27,7 @@ class AccessibilityTest : public testing::Test {
     return *program;
   }
 
-  /// Reads "AXMenuBar" until it is there: the application announces itself on the bus after its start.
+  /// Reads "AXMenuBar" until it exists: an application registers on the bus some time after its start.
   ElementRef awaitMenuBar() {
     ElementRef bar;
     runUntil([&] {
@@ -47,7 +47,7 @@ class AccessibilityTest : public testing::Test {
     return list != nullptr ? *list : std::vector<ElementRef>{};
   }
 
-  /// A title, or "-" where there is none.
+  /// A title, or "-" without one.
   static std::string title(const ElementRef& element) {
     const auto answer = element->attribute("AXTitle");
     const auto* text = std::get_if<std::string>(&answer.value);
@@ -161,10 +161,10 @@ TEST_F(AccessibilityTest, WithoutAMenuBarThereIsAnError) {
   for (int time = 0; time < 3; ++time) EXPECT_NE(application->attribute("AXMenuBar").error, 0);
 }
 
-/// Documents of one process, each with a menu bar of its own.
+/// Documents of one process, each with its own menu bar.
 class DocumentMenuTest : public AccessibilityTest {
  protected:
-  /// Shows them, in this order.
+  /// Shows the documents, in this order.
   void show(const std::vector<std::string>& titles) {
     std::vector<std::string> arguments{"documents"};
     arguments.insert(arguments.end(), titles.begin(), titles.end());
@@ -176,7 +176,7 @@ class DocumentMenuTest : public AccessibilityTest {
     ASSERT_EQ(windows.size(), titles.size());
   }
 
-  /// The only item of the File menu; "" when there is no menu bar.
+  /// The only item of the File menu; "" without a menu bar.
   std::string save() {
     const auto answer = accessibility.application(program->pid())->attribute("AXMenuBar");
     const auto* bar = std::get_if<ElementRef>(&answer.value);

@@ -1,15 +1,15 @@
 // A GTK application with a menu bar, on the display that DISPLAY names, for tests to read and press. Its
-// arguments choose what it is like:
+// arguments select one of these forms:
 //
 //   (none)     a window with a menu bar, and another menu bar further down
 //   no-bar     a window without a menu bar
-//   stale      also a menu whose item is grey until its menu opens; the menus are exported on the session bus
+//   stale      also a menu whose item is disabled until its menu opens; exports its menus on the session bus
 //   documents TITLE...   a window with a menu bar for each title; prints "window NUMBER" for each, and its
 //              item Save is called "Save 1", "Save 2" and so on
 //
-// Standard input tells it: "hang" stops it answering for good, "rename" gives the item Save another title,
-// "entry" prints what was typed into it, "present NUMBER" brings a document to the front. Prints "ready" at
-// its start and after each line, and "pressed TITLE" when an item is chosen.
+// It reads commands from standard input: "hang" makes it stop answering, "rename" gives the item Save another
+// title, "entry" prints what was typed into it, "present NUMBER" activates a document. Prints "ready" at its
+// start and after each command, and "pressed TITLE" when an item is chosen.
 
 #include <gdk/gdkx.h>
 #include <gtk/gtk.h>
@@ -49,7 +49,7 @@ GtkWidget* submenu(GtkWidget* parent, const char* title) {
   return menu;
 }
 
-/// A menu whose item is brought up to date when it opens. Nothing opens it here but its exported action.
+/// A menu whose item is updated when the menu opens. Only its exported action opens it here.
 GtkWidget* addStaleMenu(GtkWidget* bar) {
   GtkWidget* stale = item(submenu(submenu(bar, "_Edit"), "Paste _Special"), "Values");
   gtk_widget_set_sensitive(stale, FALSE);
@@ -62,7 +62,7 @@ GMenuItem* exportedSubmenu(const char* label, const char* action, GMenu* menu) {
   return made;
 }
 
-/// Exports the stale menu beside the window, in a section as LibreOffice does.
+/// Exports the stale menu with the window, in a section as LibreOffice does.
 void exportMenus(GtkWidget* window, GtkWidget* stale) {
   GMenu* special = g_menu_new();
   g_menu_append(special, "Values", "win.values");

@@ -15,7 +15,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// A filter of messages: calls go unanswered.
+/// A message filter that leaves calls unanswered.
 GDBusMessage* dropCalls(GDBusConnection* /*connection*/, GDBusMessage* message, gboolean incoming,
                         gpointer /*data*/) {
   const bool isCall = g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_METHOD_CALL;

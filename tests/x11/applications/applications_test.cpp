@@ -162,7 +162,7 @@ TEST_F(ApplicationsTest, AWindowThatBecameAnotherInTheBackgroundIsFoundOutWhenIt
   EXPECT_TRUE(comesToFront(true));
 }
 
-/// Sends events to whoever listens to a window, as any program may.
+/// Sends events to the clients that selected them on a window, as any program may.
 class Forger {
  public:
   explicit Forger(const std::string& displayName) : connection_(Connection::open(displayName)) {}
@@ -185,7 +185,7 @@ class Forger {
   }
 
  private:
-  /// To everyone who listens to the window's end, whatever else they listen to.
+  /// To every client that selected the window's destruction.
   void send(Window window, XEvent& event) {
     XSendEvent(connection_->get(), window, False, StructureNotifyMask, &event);
     XSync(connection_->get(), False);
@@ -209,13 +209,13 @@ TEST_F(ApplicationsTest, WhatAnotherProgramClaimsOfAWindowChangesNothing) {
   ASSERT_TRUE(runs({10, 40, 30}));
   ASSERT_TRUE(comesToFront(true));
 
-  display.endWindowManager();  // which believes it
+  display.endWindowManager();  // the forged event deceives it
   Forger forger(display.name());
   forger.claimDestroyed(target.window());
   forger.claimDestroyed(front.window());
-  other.setClass("gnumeric", "Gnumeric");  // unknown until it comes to the front
+  other.setClass("gnumeric", "Gnumeric");  // unknown until it becomes the active one
   forger.claimChanged(other.window(), "WM_CLASS");
-  // Once the end of the last window is known, all that was sent before it has been read.
+  // Once the end of the last window has been read, so have all events sent before it.
   last.reset();
   EXPECT_TRUE(runs({10, 30}));
   EXPECT_TRUE(comesToFront(true));

@@ -32,7 +32,7 @@ constexpr auto plist = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 class BundlesTest : public testing::Test {
  protected:
-  /// The dictionary of a bundle whose Info.plist holds this.
+  /// The dictionary of a bundle with this Info.plist.
   std::unique_ptr<platform::Bundle> bundleWith(const std::string& text) {
     writeFile(scratch.path() / "some.bundle" / "Info.plist", text);
     return Bundles(scratch.path() / "bin" / "program").open(scratch.path() / "some.bundle");
@@ -85,7 +85,7 @@ TEST_F(BundlesTest, AResourceIsFoundByNameAndExtension) {
   EXPECT_EQ(bundle->resource("mapping", "json"), std::nullopt);
 }
 
-/// XDG_DATA_DIRS for as long as it lives.
+/// Sets XDG_DATA_DIRS as long as it exists.
 class DataDirectories {
  public:
   explicit DataDirectories(const std::string& value) { setenv("XDG_DATA_DIRS", value.c_str(), 1); }

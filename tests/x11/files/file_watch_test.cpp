@@ -26,8 +26,8 @@ class FileWatchTest : public testing::Test {
     source = files.watch(file, [this] { ++notified; });
   }
 
-  /// Runs the loop until everything that is under way has been delivered: a second watch, on a file of its
-  /// own, hears of a later change.
+  /// Runs the loop until all pending notifications are delivered: a second watch, on a file of its own,
+  /// reports a later change.
   void settle() {
     const auto marker = scratch.path() / "marker";
     writeFile(marker, "");
@@ -119,7 +119,7 @@ void PrintTo(const Departure& departure, std::ostream* stream) {
   *stream << departure.name;
 }
 
-/// The ways in which a path loses its file.
+/// The ways in which a path can lose its file.
 class DepartureTest : public FileWatchTest, public testing::WithParamInterface<Departure> {
  protected:
   void expectOneNotificationAndThenNone() {
@@ -244,7 +244,7 @@ TEST_F(FileWatchTest, AReplacementBetweenReadingAndWatchingIsHeard) {
 TEST_F(FileWatchTest, AWriteThatACancelledWatchWasAboutToReportIsHeard) {
   watch();
   files.read(file);
-  writeFile(file, "2nd..");  // perhaps too soon for the file system's clock to tell
+  writeFile(file, "2nd..");  // perhaps too soon for the file system's clock to show it
   source->cancel();
   watch();
   EXPECT_TRUE(awaitNotification());
@@ -255,7 +255,7 @@ TEST_F(FileWatchTest, AWriteThatOnlyTheCancelledWatchKnowsOfIsHeard) {
   ASSERT_EQ(stat(file.c_str(), &before), 0);
   files.read(file);
   watch();
-  writeFile(file, "2nd..");  // as long as before, and made to look as old
+  writeFile(file, "2nd..");  // with the same length and, below, the same time stamp
   const timespec times[2] = {before.st_atim, before.st_mtim};
   ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
   source->cancel();
@@ -264,7 +264,7 @@ TEST_F(FileWatchTest, AWriteThatOnlyTheCancelledWatchKnowsOfIsHeard) {
 }
 
 TEST_F(FileWatchTest, WatchesLeaveNoFilesOpen) {
-  watch();  // the loop opens a file of its own for its first source
+  watch();  // for its first source the loop opens a file
   source.reset();
   const auto before = openFiles();
   for (int time = 0; time < 10; ++time) watch();

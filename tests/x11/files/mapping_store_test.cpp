@@ -25,7 +25,7 @@ class MappingStoreTest : public testing::Test {
     store->onReload = [this](const Mapping&) { ++reloads; };
   }
 
-  /// A document that is told by its time-out. Every one has the same length.
+  /// A document identified by its timeout. All have the same length.
   static std::string document(int number) {
     return R"({"version": 1, "timeoutMilliseconds": )" + std::to_string(1000 + number) +
            R"(, "tabs": {}, "sequences": []})";
@@ -43,7 +43,7 @@ class MappingStoreTest : public testing::Test {
     return runUntil([&] { return store->mapping().timeoutMilliseconds == 1000 + number; });
   }
 
-  /// Waits until nothing has been reloaded for longer than a reload takes to follow a change.
+  /// Waits until nothing was reloaded for longer than the delay of a reload.
   void awaitQuiet() {
     int seen = -1;
     while (std::exchange(seen, reloads) != reloads) {
@@ -114,7 +114,7 @@ TEST_F(MappingStoreTest, OfAHundredSavesInARowTheLastOneWins) {
       } else {
         save(number);
       }
-      // Some land in the middle of the reloads that the first ones set off.
+      // Some changes come during the reloads that the first ones caused.
       g_main_context_iteration(nullptr, FALSE);
       if (time % 10 == 0) g_usleep(10'000);
     }

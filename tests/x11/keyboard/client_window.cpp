@@ -172,7 +172,7 @@ bool ClientWindow::awaitFocus() const {
 
 std::size_t ClientWindow::windowsOnScreen() const {
   Display* display = state_->control->get();
-  const ErrorTrap trap(display);  // a window may be gone by the time that it is asked about
+  const ErrorTrap trap(display);  // a window may be closed before it is queried
   Window root = None;
   Window parent = None;
   Window* windows = nullptr;

@@ -11,14 +11,14 @@
 
 namespace keyvora::x11 {
 
-/// F19: a key that says to a window that all typed before has arrived. It is counted and not recorded.
+/// F19: a key that shows that everything typed before it has arrived. It is counted and not recorded.
 inline constexpr std::uint16_t sentinelKey = platform::key_code::f19;
 
-/// A key event as a window got it.
+/// A key event as a window received it.
 struct ReceivedKey {
   std::uint16_t keyCode = 0;
   bool down = false;
-  /// Came by XSendEvent.
+  /// Sent with XSendEvent.
   bool wasSent = false;
   /// Core modifier bits and keyboard group.
   unsigned state = 0;
@@ -27,7 +27,7 @@ struct ReceivedKey {
   std::chrono::steady_clock::time_point at;
 };
 
-/// A window of some application, which records the keys that it gets on a thread and connection of its own.
+/// A window of an application. Records its key events on a thread and connection of its own.
 class ClientWindow {
  public:
   struct Options {
@@ -49,25 +49,26 @@ class ClientWindow {
   /// Changes its WM_CLASS.
   void setClass(const std::string& instanceName, const std::string& className);
 
-  /// What arrived so far. Any thread.
+  /// The key events received so far. Any thread.
   [[nodiscard]] std::vector<ReceivedKey> received() const;
 
   /// How many sentinel keys were released so far.
   [[nodiscard]] int sentinels() const;
 
-  /// The key codes that went down so far, in order, without repetitions being told apart.
+  /// The key codes pressed so far, in order, including repetitions.
   [[nodiscard]] std::vector<std::uint16_t> pressed() const;
 
-  /// Waits until the window is the active one and has the keyboard; false when that does not come about.
+  /// Waits until the window is the active one and has the keyboard focus; false after a time limit.
   bool awaitFocus() const;
 
-  /// How many windows the display shows, whoever's they are.
+  /// The number of windows on the display, of all clients.
   [[nodiscard]] std::size_t windowsOnScreen() const;
 
-  /// Asks the window manager to make it the active one, as a pager does, and waits for that.
+  /// Requests from the window manager, as a pager does, that it becomes the active window, and waits for
+  /// that.
   bool activate();
 
-  /// Takes the keyboard for itself, as an application does while a menu is open.
+  /// Grabs the keyboard, as an application does while a menu is open.
   bool grabKeyboard();
   void ungrabKeyboard();
 

@@ -75,8 +75,7 @@ void EventTapTest::settle() {
 }
 
 bool EventTapTest::awaitTap() {
-  // The tap injects it after having done what it was told before, and reads of it after having read what the
-  // server said before.
+  // The tap injects it after carrying out earlier requests, and reads its event after all earlier events.
   const auto seen = sentinelsSeen;
   for (const bool down : {true, false}) {
     const auto sentinel = keyboard.createEvent(sentinelSource.get(), sentinelKey, down);

@@ -21,8 +21,8 @@ namespace key = platform::key_code;
 
 inline constexpr std::uint64_t keyEvents = 0x1C00;
 
-/// A handler in the manner of the one that the tap is made for: a lone Option tap in the target arms it, then
-/// it swallows `lettersWanted` key presses (or Escape, which ends it), then it lets all pass again.
+/// A handler like the core's: a lone Option tap in the target arms it, then it swallows `lettersWanted` key
+/// presses (or Escape, which ends it), then it passes everything again.
 class Catcher {
  public:
   explicit Catcher(Applications& applications, std::size_t lettersWanted = 2)
@@ -31,9 +31,9 @@ class Catcher {
   platform::Verdict operator()(const platform::KeyEvent& event);
 
   bool armed = false;
-  /// How often it was armed.
+  /// How many times it was armed.
   int armings = 0;
-  /// All that was shown.
+  /// All events it was called with.
   std::vector<platform::KeyEvent> shown;
   /// The keys that were swallowed.
   std::vector<std::uint16_t> caught;
@@ -45,29 +45,29 @@ class Catcher {
   bool optionAlone_ = false;
 };
 
-/// A desktop with one window of the target in front, a tap on it and a user at the keyboard.
+/// A desktop with one active window of the target, a tap on it, and a user's keyboard.
 class EventTapTest : public testing::Test {
  protected:
   EventTapTest();
 
-  /// Makes a tap with this handler, and enables it.
+  /// Creates a tap with this handler and enables it.
   void tapWith(platform::TapHandler handler);
   void tapWithCatcher() {
     tapWith([this](const platform::KeyEvent& event) { return catcher(event); });
   }
 
-  /// Runs the main loop until the target got as many key presses as these, and compares them.
+  /// Runs the main loop until the target received as many key presses as expected, and compares them.
   void expectPressed(const std::vector<std::uint16_t>& expected, const ClientWindow& window);
   void expectPressed(const std::vector<std::uint16_t>& expected) { expectPressed(expected, target); }
 
-  /// Runs the main loop until nothing has arrived for a moment: what a test says did not come had its time.
+  /// Runs the main loop until nothing has arrived for a moment, so that unexpected events have had time to
+  /// arrive.
   void settle();
 
-  /// Waits until the tap that `tapWith` made has done what it was told, and knows of all that happened so
-  /// far.
+  /// Waits until the tap made by `tapWith` has carried out its requests and read all events so far.
   bool awaitTap();
 
-  /// Waits until nothing stands in the way of a new tap.
+  /// Waits until a new tap can be created.
   bool awaitTapPossible();
 
   PrivateDisplay display;
@@ -81,7 +81,7 @@ class EventTapTest : public testing::Test {
   std::unique_ptr<platform::EventTap> tap;
 
  private:
-  /// The user data of keys that no test is about.
+  /// The user data of sentinel keys.
   static constexpr std::int64_t sentinelMark = 77;
   std::unique_ptr<platform::EventSource> sentinelSource = keyboard.createSource();
   int sentinelsSeen = 0;

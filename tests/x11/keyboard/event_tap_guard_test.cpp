@@ -65,7 +65,7 @@ TEST_F(EventTapGuardTest, ATapThatWaitsForLettersStillDoesAfterATimeOut) {
   user.tap({key::leftOption});
   ASSERT_TRUE(runUntil([&] { return catcher.armed; }));
   user.tap({key::h});
-  std::this_thread::sleep_for(milliseconds(1300));  // the main loop does not run: that is the stall
+  std::this_thread::sleep_for(milliseconds(1300));  // the main loop does not run meanwhile
   ASSERT_TRUE(runUntil([&] { return disabled == 1; }));
   ASSERT_TRUE(awaitTap());
   EXPECT_EQ(target.pressed(), (Keys{key::leftOption, key::h})) << "the late key went through";
@@ -100,7 +100,7 @@ TEST_F(EventTapGuardTest, TheKeyboardIsFreeWhileAnActionRuns) {
     const auto verdict = catcher(event);
     if (verdict == Verdict::swallow) {
       currentTap.letGo();
-      free = target.grabKeyboard();  // fails while the keyboard is frozen by someone else
+      free = target.grabKeyboard();  // fails while another client keeps the keyboard frozen
       target.ungrabKeyboard();
     }
     return verdict;

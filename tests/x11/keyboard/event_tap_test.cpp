@@ -49,7 +49,7 @@ TEST_F(EventTapTest, OnlyEventsOfTheMaskAreShown) {
   });
   ASSERT_NE(tap, nullptr);
   tap->enable();
-  // A key goes through the tap behind the enabling; its press is of the wanted type.
+  // A key goes through the tap after enabling; its press is of the expected type.
   keyboard.createEvent(nullptr, sentinelKey, true)->postToHardware();
   keyboard.createEvent(nullptr, sentinelKey, false)->postToHardware();
   ASSERT_TRUE(runUntil([&] { return shown.size() == 1; }));
@@ -98,7 +98,7 @@ TEST_F(EventTapTest, AModifierThatWasHeldBeforeIsAFlagOfTheOptionTap) {
   runUntil([&] { return catcher.shown.size() == 3; });
   using namespace platform::event_type;
   using namespace platform::event_flag;
-  // Its release is told of without its code: its press was not held back.
+  // Its release is reported without its code, because its press was not held.
   EXPECT_EQ(catcher.shown, (vector<KeyEvent>{{flagsChanged, key::leftOption, option | shift, 0},
                                              {flagsChanged, key::leftOption, shift, 0},
                                              {flagsChanged, key_code::none, 0, 0}}));
@@ -143,7 +143,7 @@ TEST_F(EventTapTest, ASecondTypistLosesNothing) {
   });
   for (int i = 0; i < rounds; ++i) user.tap({key::leftOption, key::h, key::f, key::a});
   typing.join();
-  // Whose letters are swallowed depends on how the two mix; that none is lost or doubled does not.
+  // Which letters are swallowed depends on the timing; none may be lost or doubled.
   const auto total = [&] { return target.pressed().size() + catcher.caught.size(); };
   EXPECT_TRUE(runUntil([&] { return total() == std::size_t(6 * rounds); })) << total();
   settle();
@@ -194,7 +194,7 @@ TEST_F(EventTapTest, ASwallowedKeyDoesNotRepeatIntoAnotherWindowEither) {
   user.tap({key::leftOption});
   user.press(key::h);
   ASSERT_TRUE(runUntil([&] { return catcher.caught.size() == 1; }));
-  // As when an action opens something.
+  // As when an action opens a window.
   ClientWindow elsewhere(display.name(), {.instanceName = "xterm", .className = "XTerm", .process = 1});
   ASSERT_TRUE(elsewhere.awaitFocus());
   runUntil([] { return false; }, milliseconds(700));
@@ -340,8 +340,8 @@ TEST_F(EventTapTest, TheWindowManagersShortcutsWork) {
   const auto shown = target.windowsOnScreen();
   user.press(key::leftOption);
   user.tap({key::tab});
-  // The window manager follows the keys with a grab of its own, and then shows the list of windows. A release
-  // before the grab would be none to it.
+  // The window manager grabs the keyboard to follow the keys, and then shows the list of windows. It would
+  // miss a release before the grab.
   ASSERT_TRUE(runUntil([&] { return target.windowsOnScreen() > shown; }));
   user.release(key::leftOption);
   EXPECT_TRUE(other.awaitFocus());

@@ -12,7 +12,7 @@ struct Row {
   std::uint16_t code;
 };
 
-/// The keys that actions can press and that sequences are typed with, as the ANSI keyboard has them.
+/// The keys that actions can press and sequences can use, in the order of the ANSI keyboard.
 constexpr auto rows = std::to_array<Row>({
     {"AC01", 0},   {"AC02", 1},   {"AC03", 2},   {"AC04", 3},   {"AC06", 4},   {"AC05", 5},   {"AB01", 6},
     {"AB02", 7},   {"AB03", 8},   {"AB04", 9},   {"AB05", 11},  {"AD01", 12},  {"AD02", 13},  {"AD03", 14},

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>  // ahead of Xlib, whose macros it cannot bear
+#include <gtest/gtest.h>  // before Xlib, whose macros conflict with it
 
 #include "hosts/x11/keyboard/key_map.h"
 
@@ -31,7 +31,7 @@ class KeyMapTest : public testing::Test {
   std::unique_ptr<Connection> connection = Connection::open(display.name());
   KeyMap keys{connection->get()};
 
-  /// Takes in changes of the keyboard description until the condition holds.
+  /// Handles changes of the keyboard description until the condition is true.
   bool follows(const std::function<bool()>& condition) {
     return runUntil([&] {
       XSync(connection->get(), False);
@@ -56,7 +56,7 @@ TEST_F(KeyMapTest, EveryKeyComesBackUnderEveryLayout) {
       EXPECT_EQ(fresh.keyCode(*keycode), keyCode) << layout << variant;
     }
     for (std::uint16_t modifier = key_code::rightCommand; modifier <= key_code::rightControl; ++modifier) {
-      // Where the right Alt key chooses third-level characters, there is one Option key.
+      // If the right Alt key selects third-level characters, there is only one Option key.
       const bool hasAltGr = std::string_view(layout) != "us";
       const auto keycode = fresh.keycode(modifier);
       ASSERT_EQ(keycode.has_value(), !hasAltGr || modifier != key_code::rightOption) << layout << modifier;

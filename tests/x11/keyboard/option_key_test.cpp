@@ -13,7 +13,7 @@ namespace {
 
 class OptionKeyTest : public EventTapTest {
  protected:
-  /// Sets an option of the keyboard settings, and no other.
+  /// Sets this option of the keyboard settings, and no other.
   void choose(const std::string& option) const {
     Child command({"setxkbmap", "-display", display.name(), "-option", "", "-option", option}, {});
     ASSERT_EQ(command.wait(), 0);

@@ -35,7 +35,7 @@ class PostingTest : public EventTapTest {
     return made;
   }
 
-  /// What a window got, without when.
+  /// The strokes that a window received, without their times.
   static std::vector<std::tuple<std::uint16_t, bool, unsigned>> strokes(const ClientWindow& window) {
     std::vector<std::tuple<std::uint16_t, bool, unsigned>> all;
     for (const auto& key : window.received()) all.emplace_back(key.keyCode, key.down, key.state);
@@ -123,7 +123,7 @@ TEST_F(PostingTest, KeysGoToTheWindowWhoseKeyWasSwallowedLast) {
   ASSERT_TRUE(second.awaitFocus());
   event(key::a, true)->postTo(targetProcess);
   expectPressed({key::leftOption, key::a});
-  user.tap({key::d});  // let through: it changes nothing
+  user.tap({key::d});  // passed, so it changes nothing
   expectPressed({key::d}, second);
   event(key::b, true)->postTo(targetProcess);
   expectPressed({key::leftOption, key::a, key::b});
@@ -174,7 +174,7 @@ TEST_F(PostingTest, KeysForADocumentOfLibreOfficeThatIsNotInFrontAreDropped) {
   targetWindow.set(first.window());
   event(key::a, true)->postTo(20);
   ASSERT_TRUE(target.activate());
-  event(key::b, true)->postTo(20);  // it was not the last in front
+  event(key::b, true)->postTo(20);  // it was not the last active one
   ASSERT_TRUE(first.activate());
   event(key::s, true)->postTo(20);
   ASSERT_TRUE(target.activate());
@@ -289,7 +289,7 @@ TEST_F(PostingTest, KeysThatAnotherProgramTypedBeforeAreNotTakenForOwn) {
   catcher = Catcher(applications, 1);
   all.clear();
   Typist other(display.name(), Typist::Device::xtest);
-  // All are on their way before the tap sees the first.
+  // All are sent before the tap reads the first.
   other.tap({key::leftOption, key::h, key::a});
   ASSERT_TRUE(runUntil([&] { return target.pressed().size() == 3; }));
   settle();

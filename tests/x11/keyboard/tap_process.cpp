@@ -1,6 +1,6 @@
-// A program with a tap that swallows every key press it can, on the display that its argument names: for
-// tests to kill, to stop, or to take the display from. With "hang" as a second argument it never comes back
-// from the first press that it is shown.
+// A program with a tap that swallows every key press it can, on the display named by its argument. Tests
+// kill it, stop it, or end its display. With "hang" as a second argument its handler never returns from the
+// first press.
 
 #include <unistd.h>
 
@@ -21,12 +21,12 @@ int main(int argc, char** argv) {
   const bool hangs = argc > 2;
   x11::setDisplayLossHandler([] { std::fputs("records are safe\n", stderr); });
   x11::TargetWindow targetWindow;
-  const x11::Applications applications(argv[1], targetWindow);  // notices the end of the display
+  const x11::Applications applications(argv[1], targetWindow);  // notices the loss of the display
   x11::CurrentTap currentTap;
   x11::Keyboard keyboard(argv[1], KEYVORA_TAP_PROGRAM, currentTap, targetWindow);
   keyboard.onFault([](const std::string& sentence) { std::fprintf(stderr, "%s\n", sentence.c_str()); });
   std::unique_ptr<platform::EventTap> tap;
-  // Says to whoever listens that the tap is at work.
+  // Reports each enabling of the tap on standard output.
   const auto enable = [&] {
     tap->enable();
     for (const bool down : {true, false}) {

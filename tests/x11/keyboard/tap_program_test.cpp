@@ -9,7 +9,7 @@
 
 #include "tests/x11/keyboard/event_tap_fixture.h"
 
-/// The tap's program and its owner when one of them is stopped or killed: keys reach their windows.
+/// The tap's program and its owner, when one of them is stopped or killed: keys reach their windows.
 namespace keyvora::x11 {
 namespace {
 
@@ -17,7 +17,7 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 using Keys = std::vector<std::uint16_t>;
 
-/// The one process that this one has started.
+/// The only child of this process.
 pid_t childOf(pid_t process) {
   std::ifstream children("/proc/" + std::to_string(process) + "/task/" + std::to_string(process) +
                          "/children");
@@ -28,7 +28,7 @@ pid_t childOf(pid_t process) {
 
 class TapProgramTest : public EventTapTest {
  protected:
-  /// A program with a tap that swallows every key press, until its tap is at work.
+  /// Starts a program with a tap that swallows every key press, and waits until the tap is enabled.
   void start(const std::vector<std::string>& arguments = {}) {
     std::vector<std::string> command{KEYVORA_TAP_PROCESS, display.name()};
     command.insert(command.end(), arguments.begin(), arguments.end());
@@ -36,7 +36,7 @@ class TapProgramTest : public EventTapTest {
     ASSERT_TRUE(awaitEnabled(1));
   }
 
-  /// The owner has enabled its tap so many times.
+  /// Waits until the owner has enabled its tap this many times.
   bool awaitEnabled(int times) {
     return runUntil([&] { return target.sentinels() >= times; });
   }
@@ -59,7 +59,7 @@ TEST_F(TapProgramTest, AStoppedOwnerHoldsTheKeyboardForASecondAtMost) {
   user.tap({key::a, key::leftOption, key::b});
   expectPressed({key::leftOption, key::a, key::leftOption, key::b});
   EXPECT_GT(target.received().back().at - typed, milliseconds(900)) << "nothing was held";
-  // From then on nothing is held at all.
+  // From then on no key is held.
   const auto again = Clock::now();
   user.tap({key::d, key::leftOption, key::d});
   expectPressed({key::leftOption, key::a, key::leftOption, key::b, key::d, key::leftOption, key::d});
@@ -107,7 +107,7 @@ TEST_F(TapProgramTest, ATapThatWasKilledIsReplacedAfterASecondAndTold) {
     tap->enable();
     return platform::Verdict::pass;
   });
-  // The display's programs are children, too.
+  // The display's programs are children too.
   const auto findTap = [] {
     std::ifstream children("/proc/self/task/" + std::to_string(getpid()) + "/children");
     for (pid_t child = 0; children >> child;) {
@@ -131,7 +131,7 @@ TEST_F(TapProgramTest, ATapThatWasKilledIsReplacedAfterASecondAndTold) {
     catcher = Catcher(applications);
     user.tap({key::leftOption, key::h, key::f, key::a});
     expected.insert(expected.end(), {key::leftOption, key::a});
-    expectPressed(expected);  // what a tap holds back when it is killed is lost
+    expectPressed(expected);  // a key held by a tap that is killed is lost
     EXPECT_EQ(catcher.caught, (Keys{key::h, key::f})) << times;
   }
 }

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The system's call that fails at its next uses, and with what.
+/// The name of the function whose next calls fail, and the errors.
 std::string failing;
 int failure = 0;
 
@@ -29,7 +29,7 @@ Function* original(const char* name) {
 
 }  // namespace
 
-// These take the place of the C library's: the program asks the system, and the system says no.
+// These replace functions of the C library and make them fail.
 extern "C" {
 
 int socketpair(int domain, int type, int protocol, int* pair) noexcept {

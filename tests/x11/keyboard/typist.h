@@ -8,14 +8,14 @@
 
 namespace keyvora::x11 {
 
-/// A user who types faster than any: no delay between events. Keys are virtual key codes.
+/// A user who types with no delay between events. Keys are virtual key codes.
 class Typist {
  public:
-  /// Which device the keys come from.
+  /// The device that sends the keys.
   enum class Device {
-    /// The server's own keyboard: nothing tells these keys from a real one's.
+    /// The server's own keyboard: these keys look like real ones.
     hardware,
-    /// XTEST's keyboard, as programs that type use it.
+    /// XTEST's keyboard, which programs use for typing.
     xtest,
   };
 
@@ -28,10 +28,10 @@ class Typist {
   /// Presses and releases each key in turn.
   void tap(std::initializer_list<std::uint16_t> keyCodes);
 
-  /// Waits until the server has taken all that was typed.
+  /// Waits until the server has processed everything typed.
   void sync();
 
-  /// How long a key is held before it repeats, and how long it takes from one repetition to the next.
+  /// The delay before a held key repeats, and the interval between repetitions.
   void setRepetition(std::chrono::milliseconds delay, std::chrono::milliseconds interval);
 
   /// Presses and releases a key while others are down.

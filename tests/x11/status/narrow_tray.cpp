@@ -13,7 +13,7 @@ NarrowTray::NarrowTray(int width, int height)
   window_ = XCreateWindow(display, connection_->root(), slot_.x, slot_.y, static_cast<unsigned>(width),
                           static_cast<unsigned>(height), 0, CopyFromParent, InputOutput, CopyFromParent,
                           CWOverrideRedirect | CWBackPixel, &attributes);
-  XSelectInput(display, window_, SubstructureRedirectMask);  // icons do not choose their size
+  XSelectInput(display, window_, SubstructureRedirectMask);  // so that icons cannot choose their size
   XMapRaised(display, window_);
   const Atom selection = connection_->atom("_NET_SYSTEM_TRAY_S0");
   XSetSelectionOwner(display, selection, window_, CurrentTime);
@@ -50,7 +50,7 @@ void NarrowTray::fit(Window icon) {
   auto* display = connection_->get();
   XMoveResizeWindow(display, icon, 0, 0, static_cast<unsigned>(slot_.width),
                     static_cast<unsigned>(slot_.height));
-  // Whoever asked waits for an answer, and the server gives none when nothing changed.
+  // The client waits for an answer, and the server sends none when nothing changed.
   XConfigureEvent answer{};
   answer.type = ConfigureNotify;
   answer.event = icon;

@@ -11,8 +11,8 @@
 
 namespace keyvora::x11 {
 
-/// A system tray that gives each icon a slot of one size, whatever the icon asks for. It takes icons in while
-/// the test runs the main loop.
+/// A system tray with one slot of a fixed size, whatever size an icon requests. It embeds icons while the
+/// test runs the main loop.
 class NarrowTray {
  public:
   NarrowTray(int width, int height);
@@ -20,10 +20,10 @@ class NarrowTray {
   /// Whether an icon is in its slot.
   [[nodiscard]] bool hasIcon() const { return icon_ != None; }
 
-  /// Where the slot is on the screen.
+  /// The slot's area on the screen.
   [[nodiscard]] Screen::Area slot() const { return slot_; }
 
-  /// How many pixels of the slot are brighter than half, and how many are darker.
+  /// How many pixels of the slot are brighter than medium gray, and how many are darker.
   struct Look {
     int bright = 0;
     int dark = 0;

@@ -9,7 +9,7 @@
 #include "tests/x11/status/narrow_tray.h"
 #include "tests/x11/status/panel_stand_in.h"
 
-/// The item as a status notifier, as panels meet it on the session bus.
+/// The item as a status notifier, as panels use it on the session bus.
 namespace keyvora::x11 {
 namespace {
 
@@ -135,7 +135,7 @@ TEST_F(NotifierTest, IconsAreDrawnForEachSizeInTheOrderOfTheProtocol) {
     ASSERT_EQ(count, static_cast<gsize>(width) * static_cast<gsize>(height) * 4);
     EXPECT_LT(bytes[0], 16) << "the corner is all but transparent";
     const auto middleOfTop =
-        static_cast<std::size_t>(width / 2 + width) * 4;  // the dark ground, one pixel in
+        static_cast<std::size_t>(width / 2 + width) * 4;  // a pixel of the dark background
     EXPECT_EQ(bytes[middleOfTop], 255) << "alpha comes first";
     EXPECT_EQ(bytes[middleOfTop + 1], 33) << "the ground's gray";
   }

@@ -21,7 +21,7 @@ constexpr int limitMilliseconds = 20000;
 GObjectRef<GDBusConnection> connect() {
   const GText address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
   GObjectRef<GDBusConnection> bus;
-  // A bus that is just starting has its socket a moment before it takes connections.
+  // The socket of a starting bus exists before it accepts connections.
   const bool connected = runUntil([&] {
     bus.reset(g_dbus_connection_new_for_address_sync(
         address.get(),

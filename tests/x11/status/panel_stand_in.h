@@ -8,8 +8,8 @@
 
 namespace keyvora::x11 {
 
-/// A panel as far as the session bus can tell: the watcher, its host, and what a panel asks of an item. It
-/// answers while the test runs the main loop.
+/// A panel as seen on the session bus: the watcher, its host, and the panel's calls to an item. It answers
+/// while the test runs the main loop.
 class PanelStandIn {
  public:
   struct Kind {
@@ -18,12 +18,12 @@ class PanelStandIn {
   };
 
   explicit PanelStandIn(Kind kind);
-  /// Leaves the bus at once, as a crash does.
+  /// Leaves the bus at once, as in a crash.
   ~PanelStandIn();
   PanelStandIn(const PanelStandIn&) = delete;
   PanelStandIn& operator=(const PanelStandIn&) = delete;
 
-  /// The host comes or goes; the watcher stays.
+  /// Registers or removes the host; the watcher stays.
   void setHost(bool isThere);
 
   /// The names of the items that were registered, the newest last.
@@ -35,19 +35,19 @@ class PanelStandIn {
   /// A property of the newest item.
   GVariantRef property(const char* name);
 
-  /// Calls a method of the newest item or of its menu; null when it failed, for the reason in `error`.
+  /// Calls a method of the newest item or of its menu; null on failure, with the reason in `error`.
   GVariantRef callItem(const char* method, GVariant* parameters);
   GVariantRef callMenu(const char* method, GVariant* parameters);
   std::string error;
 
-  /// A row of the menu as it was sent.
+  /// A row of the menu, as received.
   struct Row {
     int identifier = 0;
     std::string text;
   };
   std::vector<Row> rows();
 
-  /// Something happens to a row, as the panel tells it.
+  /// Reports an event of a row, as the panel does.
   void event(int identifier, const char* what);
 
  private:

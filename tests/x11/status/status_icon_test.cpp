@@ -23,7 +23,7 @@ constexpr std::array<const char*, 7> titles{"⌥", "⌥ ", "⌥ H", "⌥ HF", "�
 constexpr double lightPanel = 0.93;
 constexpr double darkPanel = 0.11;
 
-/// The item on a panel of this gray, in a slot of this size.
+/// Draws the item on a panel of this gray, in a slot of this size.
 Surface draw(const char* title, double panel, int width, int height, int scale) {
   Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width * scale, height * scale));
   cairo_surface_set_device_scale(surface.get(), scale, scale);
@@ -36,7 +36,7 @@ Surface draw(const char* title, double panel, int width, int height, int scale) 
   return surface;
 }
 
-/// Brightness of each pixel, row by row, from 0 to 255.
+/// The brightness of each pixel, row by row, from 0 to 255.
 std::vector<std::vector<int>> pixels(const Surface& surface) {
   const auto* data = cairo_image_surface_get_data(surface.get());
   const int stride = cairo_image_surface_get_stride(surface.get());
@@ -49,7 +49,7 @@ std::vector<std::vector<int>> pixels(const Surface& surface) {
   return rows;
 }
 
-/// How many pixels differ so much that it is seen.
+/// How many pixels differ visibly.
 int seenDifferences(const Surface& one, const Surface& other) {
   const auto left = pixels(one);
   const auto right = pixels(other);
@@ -61,7 +61,7 @@ int seenDifferences(const Surface& one, const Surface& other) {
   return count;
 }
 
-/// The rows that dark ink covers on the light ground, between its edges.
+/// The number of rows with dark ink on the light background, without its edges.
 int inkHeight(const Surface& surface) {
   const auto rows = pixels(surface);
   const auto inset = rows.size() / 6;
@@ -149,7 +149,7 @@ TEST(StatusIconTest, LettersUseTheWidthOfASlotThatIsWiderThanHigh) {
   EXPECT_GE(inkHeight(draw("⌥ HFCA", lightPanel, 32, 24, 1)), 8);
 }
 
-/// For a person to look at: every state in every size, scale and on both panels.
+/// Pictures for people: every state in every size and scale, on both kinds of panel.
 TEST(StatusIconTest, APictureOfEveryState) {
   constexpr int gap = 8;
   constexpr int column = 48 * 2 + gap;

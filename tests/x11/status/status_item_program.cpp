@@ -64,7 +64,7 @@ GtkWidget* plug() {
   return found;
 }
 
-/// How often the item was drawn since this was first asked.
+/// How many times the item was drawn since the first call.
 int draws() {
   static int count = -1;
   const auto drawn = +[]() -> gboolean {
@@ -78,7 +78,7 @@ int draws() {
   return count;
 }
 
-/// Long enough for a panel that is there to say so.
+/// Long enough for a panel that is running to answer.
 constexpr platform::Seconds shortPatience{0.5};
 
 class Program {

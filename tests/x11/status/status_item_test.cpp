@@ -27,7 +27,7 @@ class StatusItemTest : public testing::Test {
     session.display().setLayout("us");
   }
 
-  /// The program that shows the item.
+  /// The program with the item.
   Conversation& program() {
     if (!conversation_) {
       conversation_ = std::make_unique<Conversation>(std::vector<std::string>{STATUS_ITEM_PROGRAM});
@@ -46,7 +46,7 @@ class StatusItemTest : public testing::Test {
     return std::stoi(program().answer());
   }
 
-  /// Where the item with this title is, once the tray has found its place for it.
+  /// The area of the item with this title, once the tray has placed it.
   std::optional<Screen::Area> awaitItem(const std::string& title) {
     std::optional<Screen::Area> area = screen.awaitWindow(title);
     runUntil([&] {
@@ -56,7 +56,7 @@ class StatusItemTest : public testing::Test {
     return area;
   }
 
-  /// A tray with the item in it, which shows the option key.
+  /// A tray that contains the item.
   Screen::Area showItem(const std::vector<std::string>& trayOptions = {}) {
     session.startTray(trayOptions);
     tell("title ⌥");
@@ -66,7 +66,7 @@ class StatusItemTest : public testing::Test {
     return area.value_or(Screen::Area{});
   }
 
-  /// The menu once it is open and can be seen.
+  /// Opens the menu and waits until it is visible.
   Accessible openMenu(const Screen::Area& item, unsigned button = 1) {
     screen.click(item, button);
     return awaitMenu();
@@ -188,7 +188,7 @@ TEST_F(StatusItemTest, KeyLettersWorkWithCapsLockOnAndOnLayoutsOfOtherScripts) {
 
   session.display().setLayout("ru,us");
   ASSERT_TRUE(openMenu(item));
-  screen.press(XK_Cyrillic_u, XK_Control_L);  // on the key of E
+  screen.press(XK_Cyrillic_u, XK_Control_L);  // on the key labelled E
   EXPECT_TRUE(program().hears("chose Edit mappings.json"));
 }
 
@@ -216,7 +216,7 @@ TEST_F(StatusItemTest, EscapeAndAClickElsewhereCloseTheMenu) {
 
 TEST_F(StatusItemTest, AnAssistiveToolClicksTheItemAndChooses) {
   showItem();
-  tell("click");  // trayer does not pass the item's button on to the accessibility bus, as other trays do
+  tell("click");  // trayer does not expose the item's button on the accessibility bus, as other trays do
   ASSERT_TRUE(awaitMenu());
   AccessibilityCalls calls;
   EXPECT_TRUE(calls.press(reader_->await(ATSPI_ROLE_MENU_ITEM, "Edit mappings.json"), CurrentTap().letGo()));

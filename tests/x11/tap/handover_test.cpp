@@ -14,7 +14,7 @@
 #include "hosts/x11/tap/tap_end.h"
 #include "platform/key_code.h"
 
-/// Both ends of what takes keys from the tap to its owner, on one pair of sockets.
+/// Both ends of the socket pair between the tap and its owner.
 namespace keyvora::x11 {
 namespace {
 
@@ -28,7 +28,7 @@ constexpr KeyEvent other{.type = 10, .keyCode = 3};
 constexpr KeyEvent release{.type = 11, .keyCode = 4};
 constexpr KeyEvent disabled{.type = platform::event_type::tapDisabledByTimeout};
 
-/// Any moment will do: neither end looks at a clock for the age of an event.
+/// Any time will do: neither end reads a clock.
 const Clock::time_point start{std::chrono::hours(1)};
 
 class HandoverTest : public testing::Test {
@@ -42,22 +42,22 @@ class HandoverTest : public testing::Test {
     return made;
   }
 
-  /// What the tap would do next after the owner has spoken.
+  /// The tap's next action after the owner has answered.
   std::optional<Verdict> verdict() {
     EXPECT_EQ(tap.next(), std::nullopt);
     return tap.takeVerdict();
   }
 
-  /// Whether the owner has dealt with all that it was given.
+  /// Whether the owner has handled everything it received.
   bool nothingIsOwed() {
     EXPECT_EQ(tap.next(), std::nullopt);
     return tap.deadline() == std::nullopt;
   }
 
-  /// The next event, shown at this time.
+  /// The next event at this time.
   std::optional<KeyEvent> next(Clock::time_point now = start) { return owner.next(now); }
 
-  /// Answers as a tap does until one verdict was there.
+  /// Answers as a tap does, until one verdict came.
   std::thread answering(Verdict& answer) {
     return std::thread([this, &answer] {
       for (;;) {
@@ -65,7 +65,7 @@ class HandoverTest : public testing::Test {
         if (const auto given = tap.takeVerdict()) {
           answer = *given;
           tap.released();
-          tap.next();  // the wish to be told may come behind the verdict
+          tap.next();  // `settle` may come after the verdict
           while (!told) tap.next();
           return;
         }
@@ -77,7 +77,7 @@ class HandoverTest : public testing::Test {
   std::array<int, 2> sockets;
   TapEnd tap;
   OwnerEnd owner;
-  /// The owner's side of a test has come back.
+  /// The owner's call has returned.
   std::atomic<bool> told = false;
 };
 
@@ -183,13 +183,13 @@ TEST_F(HandoverTest, MoreEventsThanAnOwnerMayOweAreATimeOut) {
   while (const auto event = next()) {
     if (*event == disabled) return;
     owner.handled(Verdict::pass);
-    tap.next();  // sends on what the socket had no room for
+    tap.next();  // sends records for which the socket had no room before
   }
   FAIL() << "the notice is the last word";
 }
 
 TEST_F(HandoverTest, AnOwnerThatDoesNotReadCostsTheTapNoTimeAndNoEvent) {
-  // A socket takes few records in some kernels and some hundred in others.
+  // Depending on the kernel, a socket takes between a few and some hundred records.
   constexpr int events = 200;
   for (int i = 0; i < events; ++i) tap.tell(i % 2 == 0 ? letter : release, start);
   int shown = 0;
@@ -274,7 +274,7 @@ TEST_F(HandoverTest, SettlingOnAnotherThreadLeavesTheVerdictToTheMainThread) {
 TEST_F(HandoverTest, AnEventThatAnotherThreadReceivedIsAnnouncedAtOnce) {
   tap.ask(letter, start);
   std::thread poster([&] { owner.settle(); });
-  // It has received the event and now waits for the verdict on it: the socket has nothing more to say.
+  // The event was received and its verdict is awaited, so the socket has nothing to read.
   pollfd announced{owner.toMain().fileDescriptor(), POLLIN, 0};
   EXPECT_EQ(poll(&announced, 1, 900), 1);
   EXPECT_EQ(next(), letter);
@@ -293,7 +293,7 @@ TEST_F(HandoverTest, SettlingAfterAVerdictWaitsUntilTheTapHasLetGo) {
   ASSERT_EQ(verdict(), Verdict::pass);
   std::atomic<bool> settled = false;
   std::thread answers([&] {
-    // The wish arrives while the keyboard is still held.
+    // `settle` arrives while the keyboard is still frozen.
     for (int i = 0; i < 1000; ++i) tap.next();
     EXPECT_FALSE(settled);
     tap.released();
@@ -346,7 +346,7 @@ TEST_F(HandoverTest, SomethingThatIsNoRecordEndsIt) {
   EXPECT_TRUE(owner.ended());
 }
 
-/// The flags that the kernel has for the memory that holds this address.
+/// The kernel's flags for the memory that contains this address.
 std::string memoryFlags(const void* address) {
   std::ifstream maps("/proc/self/smaps");
   bool here = false;

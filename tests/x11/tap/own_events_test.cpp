@@ -9,7 +9,7 @@ constexpr OwnMark first{.userData = 1, .flags = 0};
 constexpr OwnMark second{.userData = 2, .flags = 0x20000};
 constexpr OwnMark foreign{};
 
-/// Some key, told from others by its time.
+/// A key, identified by its time.
 constexpr RawKey at(unsigned long time) {
   return {.keycode = 38, .down = true, .time = time};
 }
@@ -25,8 +25,8 @@ TEST(OwnEvents, OnlyTheFirstEventWithTheNumberIsOwn) {
   OwnEvents events;
   events.expect(10, first);
   events.onDevice(9, at(1));   // before the request
-  events.onDevice(10, at(2));  // by it
-  events.onDevice(10, at(3));  // after it, while no other request was made
+  events.onDevice(10, at(2));  // made by the request
+  events.onDevice(10, at(3));  // after it, before the next request
   EXPECT_EQ(events.onMaster(at(1)), foreign);
   EXPECT_EQ(events.onMaster(at(2)), first);
   EXPECT_EQ(events.onMaster(at(3)), foreign);

@@ -46,7 +46,7 @@ Number numberAt(const std::string& bytes, std::size_t place) {
   return number;
 }
 
-/// The size of the server's message at the start of these bytes; none while that cannot be told.
+/// The size of the server's message at the start of these bytes; none while they are too few to tell.
 std::optional<std::size_t> messageSize(const std::string& said, bool greeted) {
   if (!greeted) return said.size() < 8 ? std::nullopt : std::optional(8 + 4U * numberAt<CARD16>(said, 6));
   if (said.size() < 32) return std::nullopt;
@@ -54,7 +54,7 @@ std::optional<std::size_t> messageSize(const std::string& said, bool greeted) {
   return type == X_Reply || type == GenericEvent ? 32 + 4UL * numberAt<CARD32>(said, 4) : 32;
 }
 
-/// Of the master keyboard, which has this number on every server.
+/// Whether it is a press on the master keyboard, which has this number on every server.
 bool isRawPress(const std::string& message) {
   constexpr int masterKeyboard = 3;
   return (numberAt<CARD8>(message, 0) & 0x7F) == GenericEvent &&
@@ -65,7 +65,7 @@ bool isRawPress(const std::string& message) {
 
 Relay::Relay(const std::string& displayName) : serverPath_(socketOf(displayName)) {
   listening_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  // Above the numbers that servers take by themselves.
+  // Above the numbers that servers choose themselves.
   constexpr int first = 7000;
   constexpr int last = 7999;
   for (int number = first; number <= last && name_.empty(); ++number) {
@@ -118,7 +118,7 @@ void Relay::work() {
   }
 }
 
-/// Whole messages, up to the press behind which all is to be held back.
+/// Passes whole messages on, up to the press after which everything is held back.
 void Relay::passOn(std::string& said) {
   for (;;) {
     const auto size = messageSize(said, greeted_);

@@ -6,8 +6,8 @@
 
 namespace keyvora::x11 {
 
-/// Stands between one client and a display, and passes on what they say: whole messages of the server, which
-/// it can keep apart in time as a slow network would.
+/// Relays messages between one client and a display. It passes the server's messages on whole, and can
+/// delay them as a slow network would.
 class Relay {
  public:
   /// Between the display of this name (":7") and the first client that connects to `name`.
@@ -16,11 +16,11 @@ class Relay {
   Relay(const Relay&) = delete;
   Relay& operator=(const Relay&) = delete;
 
-  /// For XOpenDisplay.
+  /// The name for XOpenDisplay.
   [[nodiscard]] const std::string& name() const { return name_; }
 
-  /// Passes on the next raw key press of the master keyboard, and what comes after it when the client has
-  /// asked the server something, or after two seconds.
+  /// Passes on the next raw key press of the master keyboard, but holds back what follows until the client
+  /// has sent a request, or for two seconds.
   void holdBackBehindNextPress() { holding_ = true; }
 
  private:

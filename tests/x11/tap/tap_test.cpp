@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>  // ahead of Xlib, whose macros it cannot bear
+#include <gtest/gtest.h>  // before Xlib, whose macros conflict with it
 
 #include "hosts/x11/tap/tap.h"
 
@@ -11,7 +11,7 @@
 #include "tests/x11/private_display.h"
 #include "tests/x11/tap/relay.h"
 
-/// The tap, led through its work step by step: what it does between two events is the test's to choose.
+/// The tap run step by step: the test decides what it does between two events.
 namespace keyvora::x11 {
 namespace {
 
@@ -33,7 +33,7 @@ class TapTest : public testing::Test {
     return made;
   }
 
-  /// A tap on this display, switched on.
+  /// Opens and enables a tap on this display.
   void open(const std::string& displayName) {
     tap = Tap::open(displayName, end);
     ASSERT_NE(tap, nullptr);
@@ -46,7 +46,7 @@ class TapTest : public testing::Test {
     tap->heedOwner();
   }
 
-  /// The next that the tap says, once it has read it.
+  /// The tap's next record.
   TapRecord heard() {
     std::optional<TapRecord> record;
     EXPECT_TRUE(runUntil([&] {
@@ -57,7 +57,7 @@ class TapTest : public testing::Test {
     return record.value_or(TapRecord{});
   }
 
-  /// The next that it asks about, which is to be this key.
+  /// The next event that it asks about, which must be of this key.
   TapRecord asked(std::uint16_t keyCode) {
     const auto record = heard();
     EXPECT_EQ(record.kind, Kind::asked);
@@ -69,8 +69,7 @@ class TapTest : public testing::Test {
     say({.kind = OwnerRecord::Kind::verdict, .number = record.number, .verdict = Verdict::pass});
   }
 
-  /// The user taps Option, and the owner lets it pass: every key is grabbed. It does not say that it has seen
-  /// the release.
+  /// The user taps Option, and the owner passes it: every key is grabbed. Does not wait for the release.
   void tapOption() {
     user.tap({key::leftOption});
     pass(asked(key::leftOption));
@@ -79,7 +78,7 @@ class TapTest : public testing::Test {
     lastTold = release.number;
   }
 
-  /// The owner hangs for longer than it may.
+  /// The owner exceeds its time.
   void giveUp() { tap->keepTime(Tap::Clock::now() + 2 * verdictLimit); }
 
   bool arrive(const Keys& keys) {
@@ -100,7 +99,7 @@ TEST_F(TapTest, AKeyThatWasCaughtJustBeforeTheTapWentOffIsSentOn) {
   open(display.name());
   tapOption();
   user.press(key::h);
-  user.sync();  // the server holds it; the tap has not read of it
+  user.sync();  // the server holds the key; the tap has not read it
   giveUp();
   tap->readEvents();
   EXPECT_TRUE(arrive({key::leftOption, key::h}));
@@ -121,7 +120,7 @@ TEST_F(TapTest, WhenTheOwnerHangsItUngrabsBeforeItLetsGo) {
   user.tap({key::h, key::a, key::b});
   asked(key::h);
   giveUp();
-  // With the grabs still there the next key would be caught, and wait for the tap to read of it.
+  // With the grabs still active the next key would be caught, and wait for the tap to read it.
   EXPECT_TRUE(arrive({key::leftOption, key::h, key::a, key::b}));
 }
 
@@ -137,7 +136,8 @@ TEST_F(TapTest, WhenItIsEnabledAgainItKnowsNothingOfThePressesBefore) {
   say({.kind = OwnerRecord::Kind::enable});
   EXPECT_EQ(heard().kind, Kind::enabled);
   user.release(key::leftOption);
-  // The owner was never shown the letter between: with its code the release would make a lone tap of Option.
+  // The owner did not get the letter in between: with the key code, the release would make a lone tap of
+  // Option.
   const auto released = heard();
   EXPECT_EQ(released.event.type, platform::event_type::flagsChanged);
   EXPECT_EQ(released.event.keyCode, key::none);
@@ -176,7 +176,8 @@ TEST_F(TapTest, ItAsksTheServerBeforeItDecidesThatNoGrabHoldsAPress) {
   tapOption();
   relay.holdBackBehindNextPress();
   user.tap({key::h});
-  // That a grab holds it comes late. Taken for a key typed elsewhere it would be told of without its code.
+  // The report that a grab holds it comes late. If it were taken for a key of another window, its code
+  // would be missing.
   asked(key::h);
   tap.reset();
 }

@@ -1,4 +1,4 @@
-// Cancelling and threads; what a web server can do is tested with the whole program.
+// Cancellation and threads. The behaviour of web servers is tested with the whole program.
 
 #include "hosts/x11/updates/curl_fetcher.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A server that takes connections and never says a word.
+/// A server that accepts connections and never answers.
 class SilentServer {
  public:
   SilentServer() : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
@@ -47,7 +47,7 @@ class SilentServer {
 
 class CurlFetcherTest : public testing::Test {
  protected:
-  /// Waits until a fetch's thread has handed its answer to the loop, then lets the loop run.
+  /// Waits until a fetch's thread has passed its answer to the loop, then runs the loop.
   void answer() {
     const auto deadline = std::chrono::steady_clock::now() + 20s;
     while (host.mainLoop.pending() == 0 && std::chrono::steady_clock::now() < deadline)

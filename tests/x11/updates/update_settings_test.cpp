@@ -13,7 +13,7 @@ using std::chrono::seconds;
 
 class UpdateSettingsTest : public testing::Test {
  protected:
-  /// The settings of a bundle with these entries in its dictionary.
+  /// The settings of a bundle whose dictionary has these entries.
   appcast::Settings with(const std::string& entries) {
     test::write(folder_ / "Info.plist", "<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
     return updateSettings(bundle());

@@ -21,7 +21,7 @@ using appcast::Choice;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The display that the process's toolkit talks to; it lasts as long as the process.
+/// The display of the process's toolkit; it exists until the process ends.
 void ensureToolkit() {
   static const PrivateDisplay display;
   static const bool started = [] {
@@ -50,7 +50,7 @@ void visit(GtkWidget* widget, const std::function<void(GtkWidget*)>& look) {
   g_list_free(children);
 }
 
-/// What the window says, from top to bottom: labels, notes, buttons in brackets, an ellipsis for a spinner.
+/// The window's content, from top to bottom: labels, notes, buttons in brackets, an ellipsis for a spinner.
 std::vector<std::string> contents() {
   std::vector<std::string> lines;
   if (shownWindow() == nullptr) return lines;
