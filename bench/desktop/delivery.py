@@ -11,6 +11,7 @@ from awake import Awake
 from console import DOCUMENT, Console, mappings, percentiles
 from harness.private_desktop import KEYBOARD, PrivateDesktop
 from harness.process import children, counts
+from harness.waiting import calm
 
 SXHKD = "super + F9\n\ttrue\nsuper + F10\n\ttrue\nctrl + alt + F11\n\ttrue\n"
 XBINDKEYS = '"true"\n  Mod4 + F9\n"true"\n  Mod4 + F10\n"true"\n  Control + Mod1 + F11\n'
@@ -32,7 +33,10 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     def keyvora(stack: ExitStack) -> list[int]:
         program = stack.enter_context(Console(arguments.programs / "app/keyvora", desktop.home))
         program.wait("tap installed, ")
-        return [program.process.pid, *children(program.process.pid)]
+        processes = [program.process.pid, *children(program.process.pid)]
+        # The status item is shown after the tap is there: what that takes is the start's and not the keys'.
+        calm(lambda: woken_so_far(processes), "the start", 1, 60)
+        return processes
 
     def running(command: list[str]) -> Start:
         def start(stack: ExitStack) -> list[int]:
@@ -66,7 +70,9 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
         (ARMED, keyvora, "Shift", ["armed"])]
     # Where the server and the window run is the scheduler's mood, and worth 30 microseconds to a key.
     together = {min(os.sched_getaffinity(0))}
-    os.sched_setaffinity(desktop.children.named("Xvfb").pid, together)
+    server = desktop.children.named("Xvfb").pid
+    os.sched_setaffinity(server, together)
+    print(f"at {'real-time' if go_first(server) else 'ordinary'} priority")
     taken: dict[str, list[float]] = {name: [] for name, *_ in ways}
     woken: dict[str, int] = dict.fromkeys(taken, 0)
     with Awake():
@@ -87,6 +93,18 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
         print(f"{name:28}" + "".join(f"{value:8.1f}" for value in percentiles(times)) + f"{woken[name]:>14}")
     armed, least = (percentiles(taken[name])[0] for name in (ARMED, BARE))
     print(f"a key while a sequence is open: {armed / least:.2f} times what grabbing and replaying costs, at the median")
+
+
+def go_first(server: int) -> bool:
+    """Puts the server, this process and what it starts from now on ahead of all others; whether the system allows it.
+    At ordinary priority the slowest keys wait for a processor that somebody else has: up to a whole turn, milliseconds.
+    """
+    try:
+        for process in (server, 0):
+            os.sched_setscheduler(process, os.SCHED_FIFO, os.sched_param(1))
+    except PermissionError:
+        return False
+    return True
 
 
 def woken_so_far(processes: list[int]) -> int:

@@ -23,9 +23,12 @@ def counts(process: int) -> Counts:
     folder = Path(f"/proc/{process}")
     switches, nanoseconds = 0, 0
     for task in (folder / "task").iterdir():
-        switches += sum(int(line.split()[1]) for line in (task / "status").read_text().splitlines()
-                        if "ctxt_switches" in line)
-        nanoseconds += int((task / "schedstat").read_text().split()[0])
+        try:
+            status, times = (task / "status").read_text(), (task / "schedstat").read_text()
+        except (FileNotFoundError, ProcessLookupError):
+            continue  # a thread that has just ended
+        switches += sum(int(line.split()[1]) for line in status.splitlines() if "ctxt_switches" in line)
+        nanoseconds += int(times.split()[0])
     # The first line names a range of addresses.
     lines = (folder / "smaps_rollup").read_text().splitlines()[1:]
     memory = {name: int(size.split()[0]) for name, size in (line.split(":") for line in lines)}
