@@ -11,7 +11,7 @@ from typing import Any
 from . import notifier, x11
 from .children import stop
 from .private_desktop import PrivateDesktop
-from .waiting import until
+from .waiting import PATIENCE, until
 
 Document = dict[str, Any]
 
@@ -59,10 +59,10 @@ class Keyvora:
         before = len(self.log.messages())
         process = self.launch(extra_path)
         until(lambda: any("tap installed, " in line for line in self.log.messages()[before:])
-              or process.poll() is not None, "the tap to be installed", 20, seen=self.log.messages)
+              or process.poll() is not None, "the tap to be installed", seen=self.log.messages)
         if process.poll() is not None:
             raise AssertionError(f"keyvora ended with {process.returncode}:\n{self.console.read_text()}")
-        until(lambda: self.status() == "⌥", "the status item in the tray or panel", 10, seen=self.status)
+        until(lambda: self.status() == "⌥", "the status item in the tray or panel", seen=self.status)
 
     def stop(self) -> int:
         """Ends the program as a user's session does. Returns its exit status."""
@@ -126,7 +126,7 @@ class Log:
         """How many messages are exactly this."""
         return self.messages().count(message)
 
-    def wait(self, message: str, times: int = 1, seconds: float = 10.0) -> None:
+    def wait(self, message: str, times: int = 1, seconds: float = PATIENCE) -> None:
         """Waits until so many messages are exactly this."""
         until(lambda: self.count(message) >= times, f"{times} × {message!r} in the log", seconds,
               seen=lambda: self.messages()[-8:])

@@ -12,7 +12,7 @@ from .x11 import Area
 # Less than any menu is high.
 _LEAST_HEIGHT = 100
 
-_PATIENCE = 30
+_PATIENCE = 60
 
 
 class PanelMenu:

@@ -12,7 +12,7 @@ from . import accessible, x11
 from .private_desktop import PrivateDesktop
 from .process import processor_ticks
 from .typist import Typist
-from .waiting import calm, equal, until
+from .waiting import PATIENCE, calm, equal, until
 
 
 class Spreadsheet(ABC):
@@ -60,19 +60,19 @@ class Spreadsheet(ABC):
     def _take_window_in_front(self, before: str, known: list[accessible.Element]) -> None:
         """Makes the new window in front this one's: not `before`, and none of the `known` frames."""
         until(lambda: x11.active_window() != before and self.window_class in x11.active_class(),
-              f"{self.name} in front", 40, seen=x11.active_class)
+              f"{self.name} in front", seen=x11.active_class)
         self.window = x11.active_window()
         self.process = int(x11.window_property(self.window, "_NET_WM_PID"))
         accessible.connect()
-        self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus", 20)
+        self._root = until(lambda: accessible.application(self.process), f"{self.name} on the bus")
         # The process may notice its new window in front later than the screen: until then a known frame is active.
-        self._frame = until(lambda: self._active_frame(known), f"the frame of {self.name}", 60)
-        until(self._has_menus, f"the menus of {self.name}", 20)
+        self._frame = until(lambda: self._active_frame(known), f"the frame of {self.name}")
+        until(self._has_menus, f"the menus of {self.name}")
         self._find_places()
 
     def _find_places(self) -> None:
         """Finds where the selection and the input are read."""
-        texts = until(self._find_texts, "the name box and the input line", 20)
+        texts = until(self._find_texts, "the name box and the input line")
         assert texts
         self._name_box, self._input_line = texts
 
@@ -96,14 +96,14 @@ class Spreadsheet(ABC):
         """What the input line shows: the selected cell's content, or what is being typed into it."""
         return accessible.text(self._input_line)
 
-    def select(self, typist: Typist, cell: str) -> None:
+    def select(self, typist: Typist, cell: str, seconds: float = PATIENCE) -> None:
         """Goes to a cell by keys, as a user does, and waits until it is there."""
         match = re.fullmatch(r"([A-Z])(\d+)", cell)
         assert match, cell
         right = ["Right"] * (ord(match[1]) - ord("A"))
         down = ["Down"] * (int(match[2]) - 1)
         typist.tap("Control+Home", *right, *down)
-        equal(self.selected, cell, "the selected cell")
+        equal(self.selected, cell, "the selected cell", seconds)
 
     def rest(self) -> None:
         """Waits until it takes keys without losing any, once a cell was left and another one selected."""
@@ -201,7 +201,7 @@ class Calc(Spreadsheet):
 
     def rest(self) -> None:
         """Escape is not yet all done when the next cell is selected: what is typed meanwhile may go with it."""
-        calm(lambda: processor_ticks(self.process), "Calc", 0.3, 30)
+        calm(lambda: processor_ticks(self.process), "Calc", 0.3)
 
     def shown(self, cell: str) -> str:
         """What a cell of the sheet shows, be it selected or not."""
@@ -253,7 +253,7 @@ class Calc(Spreadsheet):
         if self._tells_its_texts():
             super()._find_places()
         else:
-            until(lambda: accessible.find(self._frame, "table"), "the sheet's table", 20)
+            until(lambda: accessible.find(self._frame, "table"), "the sheet's table")
 
     def _find_texts(self) -> tuple[accessible.Element, accessible.Element] | None:
         bar = accessible.find(self._frame, "tool bar", "Formula Tool Bar")

@@ -7,13 +7,15 @@ Value = TypeVar("Value")
 
 # How often a condition is looked at, in seconds.
 INTERVAL = 0.01
+# How long a condition may take, in seconds: for a machine with several busy processes a core.
+PATIENCE = 60.0
 
 
 class Timeout(AssertionError):
     """A condition did not come about in time; says which, and what was seen last."""
 
 
-def until(condition: Callable[[], Value], what: str, seconds: float = 10.0,
+def until(condition: Callable[[], Value], what: str, seconds: float = PATIENCE,
           seen: Callable[[], object] | None = None) -> Value:
     """Returns the first true value of `condition`. Raises Timeout, with the last `seen()`, after `seconds`."""
     end = time.monotonic() + seconds
@@ -27,12 +29,12 @@ def until(condition: Callable[[], Value], what: str, seconds: float = 10.0,
         time.sleep(INTERVAL)
 
 
-def equal(read: Callable[[], Value], expected: Value, what: str, seconds: float = 10.0) -> None:
+def equal(read: Callable[[], Value], expected: Value, what: str, seconds: float = PATIENCE) -> None:
     """Waits until `read()` equals `expected`."""
     until(lambda: read() == expected, f"{what} to be {expected!r}", seconds, seen=read)
 
 
-def calm(read: Callable[[], Value], what: str, unchanged: float, seconds: float = 10.0) -> Value:
+def calm(read: Callable[[], Value], what: str, unchanged: float, seconds: float = PATIENCE) -> Value:
     """Waits until `read()` has given one and the same value for `unchanged` seconds, and returns that."""
     last, since = read(), time.monotonic()
 

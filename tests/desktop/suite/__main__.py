@@ -63,7 +63,7 @@ def parse() -> argparse.Namespace:
     parser.add_argument("--keyvora", type=Path, required=True, help="the program under test")
     parser.add_argument("--typist", type=Path, required=True, help="keyvora-typist")
     parser.add_argument("--artifacts", type=Path, default=Path("desktop-failures"))
-    parser.add_argument("--limit", type=float, default=280, help="seconds after which everything is ended")
+    parser.add_argument("--limit", type=float, default=580, help="seconds after which everything is ended")
     parser.add_argument("tests", nargs="*", help="test_bursts, test_watch.Watch, ...; all without")
     return parser.parse_args()
 

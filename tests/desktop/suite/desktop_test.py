@@ -1,6 +1,7 @@
 """What every end-to-end test stands on."""
 
 import shutil
+import time
 import unittest
 from dataclasses import dataclass
 from pathlib import Path
@@ -11,7 +12,7 @@ from harness.panels import Panel
 from harness.private_desktop import PrivateDesktop
 from harness.spreadsheet import Spreadsheet
 from harness.typist import Typist
-from harness.waiting import equal, until
+from harness.waiting import PATIENCE, equal, until
 from harness.x11 import active_class
 
 # The document of most tests: one sequence that types a letter, one that opens a dialog, an ambiguous pair.
@@ -28,6 +29,9 @@ DOCUMENT: Document = {
 }
 
 ARMED = "armed: Option tapped in Excel"
+
+# For how long a key is held while the program does not answer, in seconds.
+SHORTEST_HOLD = 1.0
 
 
 @dataclass
@@ -90,7 +94,7 @@ class DesktopTest(unittest.TestCase):
         DesktopTest._columns_used += 1
         self.typist.tap("Escape")
         # A dialog of the test before may just be closing, and would take the next keys along.
-        until(self.sheet.is_in_front, "the spreadsheet in front", 20, seen=active_class)
+        until(self.sheet.is_in_front, "the spreadsheet in front", seen=active_class)
         self.sheet.select(self.typist, f"{chr(ord('A') + self._columns_used % 26)}1")
         self.sheet.rest()
 
@@ -103,9 +107,20 @@ class DesktopTest(unittest.TestCase):
         """Types the sequence that types the letter x."""
         self.typist.tap("Option", "h", "f")
 
-    def expect_input(self, text: str, seconds: float = 20.0) -> None:
+    def expect_input(self, text: str, seconds: float = PATIENCE) -> None:
         """Waits until the cell's text is exactly this."""
         equal(self.sheet.input, text, "the cell's text", seconds)
+
+    def expect_no_key_is_held(self, text: str, *keys: str) -> str:
+        """Types keys behind the cell's text: they arrive sooner than one that is held. Gives what the cell holds then."""
+        for _ in range(10):  # on a busy machine some are late for other reasons
+            text += "".join(key for key in keys if len(key) == 1)
+            begin = time.monotonic()
+            self.typist.tap(*keys)
+            self.expect_input(text)
+            if time.monotonic() - begin < SHORTEST_HOLD:
+                return text
+        self.fail(f"a key is held: {keys}")
 
     def expect_everything_works(self) -> None:
         """One sequence fires and plain letters arrive: nothing is stuck, whatever happened before."""

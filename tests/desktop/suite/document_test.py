@@ -21,8 +21,8 @@ RESOURCES = Path(__file__).resolve().parents[3] / "resources"
 
 # How long a spreadsheet may take to begin a save, in seconds; when nothing has changed, it saves nothing.
 SAVE_LIMIT = 2.0
-# How long what a sequence does may take to be seen, in seconds: the machine may be busy.
-PATIENCE = 30.0
+# After so long without its effect a key was lost, and is typed again; in seconds.
+LOST_KEY = 10.0
 
 
 def read_document(name: str) -> dict[str, Any]:
@@ -148,7 +148,7 @@ class DocumentTest(unittest.TestCase):
 
     def go(self, cell: str) -> None:
         """Goes to a cell."""
-        self.insist(lambda: self.sheet.select(self.typist, cell))
+        self.insist(lambda: self.sheet.select(self.typist, cell, LOST_KEY))
 
     def extend(self, cell: str, last: str) -> None:
         """Selects from a cell, which is selected, down and right to the last."""
@@ -156,7 +156,7 @@ class DocumentTest(unittest.TestCase):
             self.typist.tap(*["Shift+Down"] * (int(last[1:]) - int(cell[1:])),
                             *["Shift+Right"] * (ord(last[0]) - ord(cell[0])))
             try:
-                equal(self.sheet.selected, self.range_name(cell, last), "the selected range", 3)
+                equal(self.sheet.selected, self.range_name(cell, last), "the selected range", LOST_KEY)
             except Timeout:
                 self.go(cell)
                 raise
@@ -192,9 +192,9 @@ class DocumentTest(unittest.TestCase):
 
     def answer(self, dialog: str, keys: list[str]) -> None:
         """Waits for a dialog, types keys into it and waits until it is gone."""
-        equal(self.sheet.dialog, dialog, "the dialog", PATIENCE)
+        equal(self.sheet.dialog, dialog, "the dialog")
         self.typist.tap(*keys)
-        until(self.sheet.has_noticed, "the spreadsheet's window in front", PATIENCE, seen=x11.active_class)
+        until(self.sheet.has_noticed, "the spreadsheet's window in front", seen=x11.active_class)
 
     def expect(self, outcome: Outcome, before: str) -> None:
         match outcome:
@@ -202,7 +202,7 @@ class DocumentTest(unittest.TestCase):
                 def title() -> str:
                     window = x11.active_window()
                     return x11.window_title(window) or "(untitled)" if window not in ("", self.sheet.window) else ""
-                until(lambda: re.fullmatch(pattern, title()) and title(), f"the window {pattern!r}", PATIENCE,
+                until(lambda: re.fullmatch(pattern, title()) and title(), f"the window {pattern!r}",
                       seen=title)
             case Cells(content):
                 self.expect_cells(content)
@@ -210,19 +210,18 @@ class DocumentTest(unittest.TestCase):
                 self.assertNotEqual(bool(re.search(pattern, before)), present, "was so before")
                 self.until_saved(pattern, present)
             case Recalculated():
-                until(lambda: self.random_number(self.save()) != self.random_number(before), "another random number",
-                      PATIENCE)
+                until(lambda: self.random_number(self.save()) != self.random_number(before), "another random number")
             case Selected(cells):
-                equal(self.sheet.selected, cells, "the selected range", PATIENCE)
+                equal(self.sheet.selected, cells, "the selected range")
             case Closed():
                 until(lambda: x11.active_window() != self.sheet.window or self.kind.window_class not in x11.active_class(),
-                      "the spreadsheet's window to be gone", PATIENCE, seen=x11.active_class)
+                      "the spreadsheet's window to be gone", seen=x11.active_class)
 
     def expect_cells(self, content: dict[str, str]) -> None:
         # A command is carried out some time after its key: who goes on at once takes the selection from it.
         for cell, value in content.items():
             if not value.startswith("=") and self.shown(cell) is not None:
-                equal(lambda: self.shown(cell) or "", value, f"what {cell} shows", PATIENCE)
+                equal(lambda: self.shown(cell) or "", value, f"what {cell} shows")
         for cell, value in content.items():
             self.go(cell)
             equal(self.sheet.input, value, f"the content of {cell}")
@@ -247,7 +246,7 @@ class DocumentTest(unittest.TestCase):
     def until_saved(self, pattern: str, present: bool) -> str:
         """Saves until the file has the pattern, or has it no more; gives what is in it."""
         what = f"{pattern!r} {'in the file' if present else 'gone from the file'}"
-        return until(lambda: text if bool(re.search(pattern, text := self.save())) == present else "", what, PATIENCE)
+        return until(lambda: text if bool(re.search(pattern, text := self.save())) == present else "", what)
 
     def end_all(self) -> None:
         """Ends the spreadsheet, whatever it is asking, and even if it never came to work."""
@@ -259,7 +258,7 @@ class DocumentTest(unittest.TestCase):
                 os.kill(int(process), signal.SIGKILL)
             except ProcessLookupError:
                 continue
-        until(lambda: not processes(), "the spreadsheet to be gone", PATIENCE)
+        until(lambda: not processes(), "the spreadsheet to be gone")
 
 
 def add_tests(test: type[DocumentTest], sequences: list[str]) -> None:

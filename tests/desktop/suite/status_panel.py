@@ -15,7 +15,7 @@ from .desktop_test import DesktopTest
 from .test_menu import AT_LAUNCH, LONGER
 
 # What is drawn takes its time on a busy machine.
-PATIENCE = 30
+PATIENCE = 60
 
 # The rows between the first, which changes, and the version.
 COMMANDS = [SEPARATOR, "Edit mappings.json", "Reload mappings", "Open Accessibility settings", "Show log", SEPARATOR,

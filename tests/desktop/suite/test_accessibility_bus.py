@@ -20,7 +20,7 @@ class AccessibilityBus(DesktopTest):
         self.dismiss()
         self.kill_bus()
         self.typist.tap("Option", "e")
-        self.keyvora.log.wait(f"{MENU} FAILED: no menu bar", seconds=30)
+        self.keyvora.log.wait(f"{MENU} FAILED: no menu bar")
         self.fire()
         self.keyvora.log.wait("HF  Type x (keystroke)")
         # A bus that comes back is nobody's loss either.

@@ -13,6 +13,8 @@ from .desktop_test import DesktopTest
 
 # How long an ambiguous sequence waits: enough to change the window meanwhile, on a busy machine too.
 WAIT_MILLISECONDS = 3000
+# After so long without its effect a key was lost, and is typed again; in seconds.
+LOST_KEY = 10.0
 
 
 def document_for(kind: type[Spreadsheet]) -> Document:
@@ -55,19 +57,19 @@ class DocumentsTest(DesktopTest):
     def end_process(self, sheet: Spreadsheet) -> None:
         with suppress(ProcessLookupError):
             os.kill(sheet.process, signal.SIGKILL)
-        until(lambda: not x11.window_area(sheet.window), "the spreadsheet to be gone", 20)
+        until(lambda: not x11.window_area(sheet.window), "the spreadsheet to be gone")
         self.bring_to_front(self.sheet)
 
     def bring_to_front(self, sheet: Spreadsheet) -> None:
         """Activates a workbook and waits until that shows on the screen and in the process."""
         x11.activate(sheet.window)
-        until(sheet.has_noticed, "the workbook in front", 20, seen=x11.active_window)
+        until(sheet.has_noticed, "the workbook in front", seen=x11.active_window)
 
     def go(self, sheet: Spreadsheet, cell: str) -> None:
         """Selects a cell of the workbook in front. Calc loses keys while it opens or changes windows, keyvora or not."""
         for _ in range(3):
             with suppress(Timeout):
-                return sheet.select(self.typist, cell)
+                return sheet.select(self.typist, cell, LOST_KEY)
         sheet.select(self.typist, cell)
 
     def fill(self, sheet: Spreadsheet) -> None:
@@ -182,7 +184,7 @@ class TwoWindows(DocumentsTest):
         second = self.new_window()
         self.fill(second)
         self.typist.tap(second.search_dialog)
-        until(second.dialog, "the dialog for searching", 20)
+        until(second.dialog, "the dialog for searching")
         self.fire()
         equal(second.dialog_text, "x", "what the dialog looks for")
         self.typist.tap("Option", "h", "d", "r")

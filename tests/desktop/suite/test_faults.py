@@ -28,7 +28,7 @@ class Faults(DesktopTest):
 
     def restart_tray(self) -> None:
         self.desktop.start_tray()
-        equal(self.keyvora.status, "⌥", "the status in the new tray", 20)
+        equal(self.keyvora.status, "⌥", "the status in the new tray")
 
     def restart_window_manager(self) -> None:
         self.desktop.start_window_manager()
@@ -165,7 +165,7 @@ class TwoAtOnce(DesktopTest):
             each.launch()
         has_it: Callable[[Keyvora], bool] = lambda each: each.log.has("tap installed, ")
         waits: Callable[[Keyvora], bool] = lambda each: each.log.has("tap not installed yet")
-        until(lambda: all(has_it(each) or waits(each) for each in both), "both to have started", 20)
+        until(lambda: all(has_it(each) or waits(each) for each in both), "both to have started")
         self.assertEqual(1, sum(map(has_it, both)))
         holder, waiting = both if has_it(both[0]) else reversed(both)
         self.typist.tap("k")

@@ -24,7 +24,8 @@ class Stopped(DesktopTest):
         """Waits until the program has done all that there was to do."""
         calm(lambda: counts(self.keyvora.process_id()).switches, "the program", 0.3)
 
-    def expect_a_working_keyboard_while_stopped(self) -> None:
+    def expect_a_working_keyboard_while_stopped(self) -> str:
+        """Gives what the cell holds then."""
         process = self.keyvora.process_id()
         state = Path(f"/proc/{process}/stat")
         until(lambda: state.read_text().rsplit(")", 1)[1].split()[0] == "T", "the program to be stopped")
@@ -32,15 +33,12 @@ class Stopped(DesktopTest):
         self.typist.tap("Option", "h", "f", "a")
         self.expect_input("kxhfa")
         self.assertLess(time.monotonic() - begin, LONGEST_HOLD)
-        again = time.monotonic()
-        self.typist.tap("b", "Option", "h", "f")
-        self.expect_input("kxhfabhf")
-        self.assertLess(time.monotonic() - again, 1.0)
+        return self.expect_no_key_is_held("kxhfa", "b", "Option", "h", "f")
 
-    def expect_nothing_late(self) -> None:
+    def expect_nothing_late(self, text: str) -> None:
         """What was typed meanwhile is not acted upon, and all works again."""
         self.await_rest()
-        self.expect_input("kxhfabhf")
+        self.expect_input(text)
         self.assertEqual(1, self.keyvora.log.count(FIRED))
         self.dismiss()
         self.expect_everything_works()
@@ -50,9 +48,9 @@ class Stopped(DesktopTest):
         self.fire()
         self.expect_input("kx")
         os.killpg(self.keyvora.process_id(), signal.SIGTSTP)
-        self.expect_a_working_keyboard_while_stopped()
+        text = self.expect_a_working_keyboard_while_stopped()
         os.killpg(self.keyvora.process_id(), signal.SIGCONT)
-        self.expect_nothing_late()
+        self.expect_nothing_late(text)
 
     def test_stopped_while_armed(self) -> None:
         self.typist.tap("k", "Option", "h", "f", "Option")

@@ -95,7 +95,7 @@ class Watch(DesktopTest):
             until(lambda: writer.writes > STREAM, "the stream")
             for _ in range(TIMES):
                 self.typist.tap("Option", "h", "f", "a")
-            self.expect_input("k" + "xa" * TIMES, 60)
+            self.expect_input("k" + "xa" * TIMES)
         self.assertGreaterEqual(writer.writes, STREAM * writer.seconds * 0.9)
         self.keyvora.log.wait("HF  Type x (keystroke)", TIMES)
 
@@ -128,7 +128,7 @@ class Watch(DesktopTest):
                 return False
             return True
 
-        until(quiet, "the reloads to end", 30)
+        until(quiet, "the reloads to end")
 
     def wait_for_refusal(self) -> None:
         until(lambda: self.keyvora.log.has("mappings.json not loaded, keeping the last good one: "),
