@@ -17,10 +17,11 @@ else()
     find_package(GTest REQUIRED)
   endif()
   if(KEYVORA_TESTS OR KEYVORA_BENCH)
-    pkg_check_modules(RAPIDJSON REQUIRED IMPORTED_TARGET RapidJSON)  # reads what tests expect; measured beside
+    pkg_check_modules(RAPIDJSON REQUIRED IMPORTED_TARGET RapidJSON)  # for tests' expectations and for comparison
     add_library(keyvora_rapidjson ALIAS PkgConfig::RAPIDJSON)
     if(KEYVORA_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-      # Version 1.1.0 asks whether its empty stack has room by adding to a null pointer, inside our own code.
+      # Version 1.1.0 adds to a null pointer to test for room on its empty stack, in headers compiled into keyvora's
+      # tests.
       target_compile_options(PkgConfig::RAPIDJSON INTERFACE -fno-sanitize=pointer-overflow)
     endif()
   endif()

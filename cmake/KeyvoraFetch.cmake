@@ -1,6 +1,6 @@
-# The libraries on a Mac: sources pinned by commit and compiled here, because the program is universal and a package
-# manager's libraries have one architecture. docs/release.md says how to build without the network.
-# SYSTEM stands first: before 3.26, CMake takes what follows GIT_TAG for one more thing to check out.
+# The libraries on a Mac: sources pinned by commit and compiled here, because the program is universal and package
+# managers' libraries have only one architecture. docs/release.md describes the build without the network. SYSTEM comes
+# first: CMake before 3.26 takes what follows GIT_TAG for another thing to check out.
 include(FetchContent)
 
 set(utf8proc_commit 34db3f7954e9298e89f42641ac78e0450f80a70d)    # 2.9.0
@@ -10,11 +10,11 @@ set(googletest_commit f8d7d77c06936315286eb55f8de22cd23c188571)  # 1.14.0
 
 FetchContent_Declare(utf8proc SYSTEM
   GIT_REPOSITORY https://github.com/JuliaStrings/utf8proc.git GIT_TAG ${utf8proc_commit})
-# Headers only: its own build file is not needed.
+# Headers only; its build file is not needed.
 FetchContent_Declare(fast_float
   GIT_REPOSITORY https://github.com/fastfloat/fast_float.git GIT_TAG ${fast_float_commit}
   SOURCE_SUBDIR include)
-set(CMAKE_POLICY_VERSION_MINIMUM 3.5)  # utf8proc asks for an older CMake than a new CMake still imitates
+set(CMAKE_POLICY_VERSION_MINIMUM 3.5)  # utf8proc requires an older policy version than new versions of CMake support
 FetchContent_MakeAvailable(utf8proc fast_float)
 unset(CMAKE_POLICY_VERSION_MINIMUM)
 add_library(keyvora_utf8proc ALIAS utf8proc)
@@ -26,8 +26,8 @@ if(KEYVORA_TESTS)
   FetchContent_Declare(googletest SYSTEM
     GIT_REPOSITORY https://github.com/google/googletest.git GIT_TAG ${googletest_commit})
   FetchContent_MakeAvailable(googletest)
-  # Reads what the tests expect. Headers only: its own build file would add its tests and documents, and its
-  # submodule is for those tests.
+  # For the tests' expectations. Headers only: its build file would add its tests and documents. Its submodule is for
+  # those tests.
   FetchContent_Declare(rapidjson
     GIT_REPOSITORY https://github.com/Tencent/rapidjson.git GIT_TAG ${rapidjson_commit} GIT_SUBMODULES ""
     SOURCE_SUBDIR include)
@@ -36,7 +36,7 @@ if(KEYVORA_TESTS)
   target_include_directories(keyvora_rapidjson SYSTEM INTERFACE ${rapidjson_SOURCE_DIR}/include)
 endif()
 
-# Sparkle: the release's own archive, checked against its published hash, or a folder that has Sparkle.framework.
+# Sparkle: the archive of its release, checked against the published hash, or a folder that contains Sparkle.framework.
 set(KEYVORA_SPARKLE_DIR "$ENV{KEYVORA_SPARKLE_DIR}" CACHE PATH "Folder that holds Sparkle.framework; empty to download it")
 if(NOT KEYVORA_SPARKLE_DIR)
   FetchContent_Declare(sparkle
@@ -45,7 +45,7 @@ if(NOT KEYVORA_SPARKLE_DIR)
   FetchContent_MakeAvailable(sparkle)
   file(GLOB sparkle_frameworks LIST_DIRECTORIES true
     "${sparkle_SOURCE_DIR}/Sparkle.xcframework/macos-*/Sparkle.framework"
-    "${sparkle_SOURCE_DIR}/macos-*/Sparkle.framework")  # where unpacking took off the one folder at the top
+    "${sparkle_SOURCE_DIR}/macos-*/Sparkle.framework")  # if unpacking removed the top folder
   if(NOT sparkle_frameworks)
     message(FATAL_ERROR "Sparkle's archive holds no framework for macOS in ${sparkle_SOURCE_DIR}")
   endif()

@@ -1,5 +1,5 @@
-# What makes a fault harder to exploit in a program that sees every key: position-independent code, guarded stacks,
-# checked calls of the C library, tables that are read-only once the program is loaded. Held to by
+# Protections against exploits, for a program that receives every key: position-independent code, stack protection,
+# checked calls of the C library, relocations that are read-only after loading. Tested by
 # tests/packaging/hardening_test.py.
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
@@ -9,7 +9,7 @@ check_pie_supported()
 
 target_compile_options(keyvora_options INTERFACE -fstack-protector-strong)
 if(APPLE)
-  return()  # whose linker does the rest by itself
+  return()  # Apple's linker does the rest by default
 endif()
 
 foreach(flag IN ITEMS -fstack-clash-protection -fcf-protection=full)
@@ -20,7 +20,7 @@ foreach(flag IN ITEMS -fstack-clash-protection -fcf-protection=full)
   endif()
 endforeach()
 target_compile_definitions(keyvora_options INTERFACE _GLIBCXX_ASSERTIONS)
-if(NOT KEYVORA_SANITIZE)  # sanitizers check the same calls, and better
+if(NOT KEYVORA_SANITIZE)  # sanitizers check the same calls more thoroughly
   target_compile_options(keyvora_options INTERFACE
     $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
 endif()

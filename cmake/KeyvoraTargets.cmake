@@ -1,4 +1,4 @@
-# How every target of the project is made.
+# Options and functions for all targets of the project.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -12,12 +12,13 @@ add_library(keyvora_options INTERFACE)
 target_include_directories(keyvora_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(keyvora_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2)
-# A function that no header declares and no other file calls belongs in an unnamed namespace, or is a second definition.
+# A function that no header declares and no other file calls belongs in an unnamed namespace, or is a duplicate
+# definition.
 target_compile_options(keyvora_options INTERFACE
   $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wmissing-declarations>
   $<$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>:-Wmissing-prototypes>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # GCC 12 warns at -O3 of overlapping copies inside std::string::operator=, wrongly: GCC bug 105651.
+  # At -O3, GCC 12 wrongly warns of overlapping copies inside std::string::operator=: GCC bug 105651.
   target_compile_options(keyvora_options INTERFACE -Wno-restrict)
 endif()
 if(KEYVORA_WERROR)
@@ -33,7 +34,7 @@ if(KEYVORA_COVERAGE)
   target_link_options(keyvora_options INTERFACE --coverage)
 endif()
 if(KEYVORA_FUZZ)
-  # Everything reports its coverage to the fuzzers.
+  # All code reports its coverage to the fuzzers.
   target_compile_options(keyvora_options INTERFACE -fsanitize=fuzzer-no-link)
   target_link_options(keyvora_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
@@ -46,8 +47,8 @@ function(keyvora_library name)
   target_link_libraries(keyvora_${name} PUBLIC keyvora_options ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
 endfunction()
 
-# keyvora_reports_at_exit(TARGET): a program that ends by _exit, which runs nothing registered for the end, still writes
-# its coverage and looks for leaks in the builds that are for that. Other builds are not touched.
+# keyvora_reports_at_exit(TARGET): makes a program that ends by _exit, which runs no exit handlers, write its coverage
+# or check for leaks, in the builds for that purpose. Does nothing in other builds.
 function(keyvora_reports_at_exit name)
   if(KEYVORA_COVERAGE)
     set(sources tests/support/exit_with_coverage.cpp)
@@ -61,13 +62,13 @@ function(keyvora_reports_at_exit name)
   target_link_options(${name} PRIVATE -Wl,--wrap=_exit)
 endfunction()
 
-# keyvora_test(NAME SOURCES... LINK targets...): a GoogleTest program that CTest runs test by test.
+# keyvora_test(NAME SOURCES... LINK targets...): a GoogleTest program whose tests CTest runs one by one.
 function(keyvora_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE keyvora_options ${ARG_LINK} GTest::gmock GTest::gtest_main)
-  if(NOT CMAKE_CROSSCOMPILING)  # which builds tests and cannot ask them what they hold
-    # A value without a name would stand in the test's as its bytes, which differ from build to build.
+  if(NOT CMAKE_CROSSCOMPILING)  # tests of a cross build cannot be run to list them
+    # CTest's name of a parameterised test would contain its value's bytes, which differ between builds.
     gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
   endif()
 endfunction()

@@ -22,7 +22,7 @@ from harness.typist import Typist  # noqa: E402
 from harness.waiting import Timeout, calm, equal, stays, until  # noqa: E402
 from harness.x11 import Area  # noqa: E402
 
-# How much is seen around the menu in its picture, in pixels.
+# The margin around the menu in its picture, in pixels.
 AROUND_MENU = 24
 
 # The document that a new user of this spreadsheet gets.
@@ -31,7 +31,7 @@ DOCUMENT = HERE.parent / "resources" / "gnumeric.json"
 # How long it waits for the next letter, in milliseconds: longer than a screenshot takes on a busy machine.
 TIMEOUT = 4000
 
-# What is shown before the scenario.
+# The cells shown before the scenario.
 CELLS = [[f"{column}{row}" for column in "ABCDEF"] for row in range(1, 5)]
 
 
@@ -45,8 +45,8 @@ class Player:
         self._typist = typist
         self._keyvora = keyvora
         self._pictures = pictures
-        self._shown = 0  # records of the log that were printed
-        self._seen = 0  # records of the log that the scenario has passed
+        self._shown = 0  # records of the log already printed
+        self._seen = 0  # records of the log already matched by the scenario
         self._steps = 0
 
     def play(self, line: str) -> None:
@@ -135,7 +135,7 @@ class Player:
         menu.wait_until_closed()
 
     def _picture(self, name: str) -> None:
-        # The tray makes room for a longer text a moment later, and the item shows less of it until then.
+        # The tray makes room for longer text a moment later; until then the item shows less of it.
         calm(StatusMenu(self._keyvora).item_area, "the status item in the tray", 0.5)
         print(f"      picture {self._desktop.screenshot(self._pictures / f'{name}.png')}")
 

@@ -1,5 +1,5 @@
-# The information dictionary, one for both hosts. Sparkle installs an update whose archive is signed with this key, or
-# whose code is signed like the installed application's; without a key the latter alone, from an https feed.
+# The information dictionary of both hosts. With a key, Sparkle accepts an archive signed with it, or an application
+# signed like the installed one; without a key only the latter, from an https feed.
 set(KEYVORA_UPDATE_FEED "" CACHE STRING "Address of the appcast; empty: a build that asks nobody for updates")
 set(KEYVORA_UPDATE_KEY "" CACHE STRING "Public EdDSA key that updates are signed with, in base64")
 if(KEYVORA_UPDATE_FEED)
@@ -23,7 +23,7 @@ function(keyvora_write_information_dictionary file)
   configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/Info.plist.in ${file} @ONLY)
 endfunction()
 
-# As a script, for a look at what a build would get: cmake -DOUTPUT=FILE -DPROJECT_VERSION=... -DKEYVORA_BUILD=... -P
+# As a script, to inspect the result for a build: cmake -DOUTPUT=FILE -DPROJECT_VERSION=... -DKEYVORA_BUILD=... -P
 if(CMAKE_SCRIPT_MODE_FILE STREQUAL CMAKE_CURRENT_LIST_FILE)
   keyvora_write_information_dictionary(${OUTPUT})
 endif()

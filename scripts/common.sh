@@ -1,11 +1,11 @@
-# Sourced by the project's commands: where the project is, which system this is, how to speak.
+# Sourced by the project's commands: the project's folder, the system, output functions.
 # shellcheck shell=bash
 
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck disable=SC2034  # for the scripts that source this file
 readonly project
 
-# The folder in scripts/ that holds what differs between systems.
+# The folder in scripts/ with the parts for this system.
 system() {
   case $(uname -s) in
     Linux) echo linux ;;
@@ -14,13 +14,13 @@ system() {
   esac
 }
 
-# How many processors this machine has.
+# The number of processors of this machine.
 processors() { getconf _NPROCESSORS_ONLN; }
 
-# One heading of a command's output.
+# Prints a heading.
 step() { printf '\n==> %s\n' "$*"; }
 
-# The one way a command ends early: why, and what to do.
+# Ends a command early: prints the reason and what to do.
 die() {
   printf '%s: %s\n' "$(basename "$0")" "$*" >&2
   exit 1

@@ -15,7 +15,7 @@ import sys
 def rows(path: pathlib.Path):
     for line in path.read_text(encoding="utf-8").splitlines():
         fields = [field.strip() for field in line.split("#")[0].split(";")]
-        if len(fields) == 5:  # a condition would be a sixth, between the mappings and the end
+        if len(fields) == 5:  # a sixth field would be a condition
             code, lower, _title, upper, _end = fields
             yield int(code, 16), [int(c, 16) for c in lower.split()], [int(c, 16) for c in upper.split()]
 

@@ -28,7 +28,7 @@ def main() -> int:
     with PrivateDesktop(tray=not arguments.panel) as desktop:
         if arguments.panel:
             PANELS[arguments.panel](desktop.children, desktop.home).start()
-        # Not before the desktop stands: what reads it joins the desktop that it finds.
+        # Imported only when the desktop is running, because the module joins the desktop that it finds.
         import delivery
         import idle
         import latency

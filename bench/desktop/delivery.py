@@ -16,10 +16,10 @@ from harness.waiting import calm
 SXHKD = "super + F9\n\ttrue\nsuper + F10\n\ttrue\nctrl + alt + F11\n\ttrue\n"
 XBINDKEYS = '"true"\n  Mod4 + F9\n"true"\n  Mod4 + F10\n"true"\n  Control + Mod1 + F11\n'
 
-# Each way has its turn in each round, so that no way is measured in a better hour than another.
+# Each configuration runs once in each round, so that changes of the machine's load affect all of them.
 ROUNDS = 5
 
-# Starts something, and tells its processes.
+# Starts something and returns its processes.
 Start = Callable[[ExitStack], list[int]]
 
 BARE = "grab and replay, Shift"
@@ -68,7 +68,7 @@ def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
         ("nothing running, Shift", nothing, "Shift", []),
         (BARE, bare, "Shift", []),
         (ARMED, keyvora, "Shift", ["armed"])]
-    # Where the server and the window run is the scheduler's mood, and worth 30 microseconds to a key.
+    # The processors that the server and the window run on change a measurement by 30 microseconds, so both are fixed.
     together = {min(os.sched_getaffinity(0))}
     server = desktop.children.named("Xvfb").pid
     os.sched_setaffinity(server, together)

@@ -12,8 +12,8 @@ from harness.process import Counts, children, counts
 
 # Without --minutes.
 MINUTES = 1.0
-# A start is over when nobody has been woken for so long: longer than the 16 s for which GTK's accessibility
-# bridge keeps what it showed when it registered. What is never quiet is measured all the same after the limit.
+# The start is over when no process has been woken for this long, which is longer than the 16 s after which GTK's
+# accessibility bridge releases what it registered. After the limit, the measurement begins anyway.
 QUIET = 20.0
 LIMIT = 120.0
 

@@ -10,7 +10,7 @@ from harness.process import counts
 
 STARTS = 30
 SAVES = 100
-# From a change to its reload, by design: editors write in several steps.
+# The delay before a reload, which exists because editors write in several steps.
 DELAY = 0.2
 
 
@@ -40,7 +40,7 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
             start = time.monotonic()
             beside.rename(path)
             times.append(keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY)
-            time.sleep(0.05)  # the file is watched anew after the line
+            time.sleep(0.05)  # the watch starts after the log line
             processor.append(counts(process).processor - before)
             main.append(main_thread(process) - main_before)
     print(f"change on disk to document loaded, beyond the fixed {DELAY} s: {in_milliseconds(times)}")

@@ -16,7 +16,7 @@ from harness.waiting import Timeout, equal
 SAMPLE = 60.0
 # Without --minutes.
 MINUTES = 10.0
-# Milliseconds after each key: twice as fast as the fastest hands.
+# Milliseconds after each key: twice as fast as the fastest typists.
 PACE = 30
 
 # Keys to tap, and what they add to the cell.
@@ -88,7 +88,7 @@ def one_round(choose: random.Random) -> list[Step]:
             ([letter], letter),
             (["Option", "h", "f"], "x"),
             (["Option", "m", "m"], "n"),
-            (["Option", "h", "Escape", letter], letter),  # a change of mind
+            (["Option", "h", "Escape", letter], letter),  # cancelled
             (["Option", "q", letter], letter),  # no such sequence
             (["Option", "Option", letter], letter),
         ]))

@@ -1,5 +1,5 @@
-# Builds the macOS program on Linux with the distribution's clang and lld, given a macOS SDK. What comes out was
-# compiled and linked against Apple's own headers and never run: it proves types, selectors, availability and symbols.
+# Builds the macOS program on Linux with the distribution's clang and lld, given a macOS SDK. The result is compiled and
+# linked with Apple's headers but never run: this checks types, selectors, availability and symbols.
 #
 #   MACOS_SDK=<sdk> KEYVORA_SPARKLE_DIR=<folder of Sparkle.framework> cmake -S . -B build/macos -G Ninja \
 #     -DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/macos-cross.cmake
@@ -14,7 +14,7 @@ set(CMAKE_SYSTEM_VERSION 22.0)  # the kernel of macOS 13
 set(CMAKE_SYSTEM_PROCESSOR arm64)
 
 set(macos_settings MACOS_SDK MACOS_LLVM MACOS_LIBCXX MACOS_RT)
-foreach(setting IN LISTS macos_settings)  # the environment may be gone when CMake runs again by itself
+foreach(setting IN LISTS macos_settings)  # CMake may run again by itself without this environment
   if(NOT DEFINED ${setting} AND DEFINED ENV{${setting}})
     set(${setting} "$ENV{${setting}}" CACHE STRING "Cross-building for macOS")
   endif()
@@ -34,7 +34,7 @@ set(CMAKE_OSX_SYSROOT "${MACOS_SDK}" CACHE PATH "")
 set(CMAKE_OSX_DEPLOYMENT_TARGET 13.0 CACHE STRING "")
 set(CMAKE_OSX_ARCHITECTURES "arm64;x86_64" CACHE STRING "")
 
-# macos_tool(VARIABLE NAME): the LLVM tool of the version asked for.
+# macos_tool(VARIABLE NAME): the LLVM tool of the selected version.
 function(macos_tool variable name)
   find_program(macos_${name} NAMES ${name}-${MACOS_LLVM} ${name}
     HINTS /usr/lib/llvm-${MACOS_LLVM}/bin REQUIRED NO_CMAKE_FIND_ROOT_PATH)
@@ -55,7 +55,7 @@ macos_tool(CMAKE_INSTALL_NAME_TOOL llvm-install-name-tool)
 macos_tool(CMAKE_DSYMUTIL dsymutil)
 set(CMAKE_OTOOL "${CMAKE_OBJDUMP}")
 
-# For two architectures at once the driver calls "lipo" and "dsymutil" by these very names.
+# For two architectures at once, the driver calls programs named "lipo" and "dsymutil".
 if(NOT MACOS_TOOLS)
   set(MACOS_TOOLS "${CMAKE_BINARY_DIR}/macos-tools" CACHE PATH "")
   file(MAKE_DIRECTORY "${MACOS_TOOLS}")
@@ -70,17 +70,17 @@ foreach(language C OBJC)
 endforeach()
 foreach(language CXX OBJCXX)
   set(CMAKE_${language}_COMPILER "${clangxx}")
-  # On Linux the driver would take libc++'s headers for Linux before the SDK's.
+  # On Linux the driver would search libc++'s headers for Linux before the SDK's.
   set(CMAKE_${language}_FLAGS_INIT "-B${MACOS_TOOLS} -nostdinc++ -cxx-isystem ${MACOS_LIBCXX}")
 endforeach()
 foreach(language C CXX OBJC OBJCXX)
   set(CMAKE_${language}_COMPILER_TARGET arm64-apple-darwin)
-  # llvm-ar cannot hold universal objects.
+  # llvm-ar does not support universal objects.
   set(CMAKE_${language}_CREATE_STATIC_LIBRARY
     "\"${libtool}\" -static -no_warning_for_no_symbols -o <TARGET> <OBJECTS>")
   set(CMAKE_${language}_ARCHIVE_FINISH "")
 endforeach()
-foreach(language C CXX OBJC OBJCXX)  # CMake knows this flag only on a Mac, and leaves rpaths out without it
+foreach(language C CXX OBJC OBJCXX)  # CMake sets this flag only on a Mac, and omits rpaths without it
   set(CMAKE_EXECUTABLE_RUNTIME_${language}_FLAG "-Wl,-rpath,")
 endforeach()
 foreach(kind EXE SHARED MODULE)

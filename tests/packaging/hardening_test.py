@@ -68,7 +68,7 @@ class Hardening(unittest.TestCase):
         if cached("CMAKE_BUILD_TYPE") in ("", "Debug") or cached("KEYVORA_SANITIZE"):
             self.skipTest("only in optimised builds without sanitizers")
         for program in self.programs:
-            # The tap's calls are all of sizes that the compiler sees to be right, or cannot know.
+            # In the tap, the compiler knows all calls' sizes to be right, or cannot know them.
             if not program.endswith("-tap"):
                 self.assertRegex(output("readelf", "--wide", "--dyn-syms", program), r"__\w+_chk\b(?<!__stack_chk)")
 

@@ -90,10 +90,10 @@ class Package(unittest.TestCase):
         version, build = information["CFBundleShortVersionString"], information["CFBundleVersion"]
         log = self.home / "Library/Logs/keyvora.log"
         inherited = {name: os.environ[name] for name in ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS") if name in os.environ}
-        # No spreadsheet is to be found: the document is Calc's then.
+        # Without an installed spreadsheet the document is Calc's.
         inherited["XDG_DATA_DIRS"] = str(self.home)
         with Display() as display:
-            # A proxy that is not there keeps the update check on this machine.
+            # A proxy that does not exist keeps the update check on this machine.
             program = subprocess.Popen(
                 [prefix / "bin/keyvora"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, cwd="/",
                 env={**inherited, "HOME": str(self.home), "DISPLAY": display, "NO_AT_BRIDGE": "1", "LANG": "C.UTF-8",

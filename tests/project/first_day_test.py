@@ -17,7 +17,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 SCRIPT = ROOT / "scripts" / "macos" / "first-day"
 JUDGE = ROOT / "scripts" / "macos" / "first_day" / "judge.py"
 
-# A Mac's commands, as far as the steps `versions` and `settings` use them.
+# The Mac commands that the steps `versions` and `settings` use.
 COMMANDS = {
     "uname": 'case $1 in -s) echo Darwin ;; *) echo "Darwin 25.0.0 arm64" ;; esac',
     "sw_vers": "echo 'ProductVersion: 26.0'",

@@ -12,7 +12,8 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 SOURCES = {".cpp", ".h", ".mm"}
 MAX_LINES = 400
 
-# Folder -> the folders of the project that it may include besides itself. hosts/ counts by host, and the tap by itself.
+# Folder -> the folders of the project that it may include besides itself. hosts/ counts by host, and the tap is a
+# folder of its own.
 FOLDERS = {
     "platform": set(),
     "text": set(),
@@ -31,10 +32,10 @@ FOLDERS = {
     "hosts/macos": {"platform"},
     "tools": {"json", "mapping", "runner", "tap", "text", "platform", "hosts/simulated"},
 }
-# Folders that look at everything; only libraries are not theirs to judge here.
+# Folders that may include everything; for them only the libraries are not checked.
 FREE = {"tests", "bench", "fuzz"}
 
-# Library -> how its headers' names begin. The standard library and the C library's own headers are everyone's.
+# Library -> the prefixes of its headers. Every folder may include the standard library and the C library's own headers.
 LIBRARIES = {
     "fast_float": ("fast_float/",),
     "utf8proc": ("utf8proc.h",),

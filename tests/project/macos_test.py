@@ -17,13 +17,13 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 HOST = ROOT / "hosts" / "macos"
 PACKAGING = ROOT / "packaging" / "macos"
 
-# A C function of the system that is called, and a class of the system that is sent a message or asked for a property.
+# A call of a C function of the system, and a message to a class of the system or a property read from it.
 FUNCTION = re.compile(
     r"(?<![\w:.>])(?:::)?((?:CG|AX|CF)[A-Z]\w+|NSLog|dispatch_\w+|std::(?:exit|atexit)|usleep)\("
     r"|(?<!\w)::(open|close|fcntl)\("
 )
 CLASS = re.compile(r"\[\[?((?:NS|SM|SPU)[A-Z]\w+) |\b((?:NS|SM|SPU)[A-Z]\w+)\.[a-z]")
-# Names of ours that look like the system's.
+# keyvora's names that look like the system's.
 OURS = {"AXElement"}
 # 32 bytes in base64.
 KEY = "A" * 43 + "="
@@ -159,7 +159,7 @@ class Audit(unittest.TestCase):
         for name, text in self.sections.items():
             source = code(self.sources[name])
             for call in calls_named(text):
-                # -[Class first:second:], a property, a function: every word of the name, with its colon.
+                # -[Class first:second:], a property, or a function: every word of the name, with its colon.
                 words = re.findall(r"\w+:?", call.split(" ", 1)[-1] if call[0] in "-+" else call.split("::")[-1])
                 missing = [word for word in words if not re.search(rf"\b{re.escape(word)}", source)]
                 if missing:

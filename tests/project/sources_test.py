@@ -19,7 +19,7 @@ project(sources LANGUAGES NONE)
 include("{FETCH.as_posix()}")
 """
 
-# Clones an empty project, and remembers which commit is checked out.
+# Clones an empty project and records which commit is checked out.
 GIT = """\
 #!/bin/sh
 echo "$*" >>"$GIT_CALLS"

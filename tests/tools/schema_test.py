@@ -15,7 +15,7 @@ SYSTEM_PYTHON = "/usr/bin/python3"
 try:
     import jsonschema
 except ImportError:
-    # The system's package belongs to the system's interpreter, which need not be the first one found.
+    # The distribution's Python packages belong to its own interpreter, which may not be the first on PATH.
     if os.path.exists(SYSTEM_PYTHON) and not os.path.samefile(sys.executable, SYSTEM_PYTHON):
         os.execv(SYSTEM_PYTHON, [SYSTEM_PYTHON, *sys.argv])
     print("python3-jsonschema is missing")
@@ -43,7 +43,7 @@ def no_constant(name):
 def strict(data: bytes):
     """The document, if it is JSON by the letter and not too deep."""
     document = json.loads(data.decode("utf-8"), object_pairs_hook=members, parse_constant=no_constant)
-    json.dumps(document, ensure_ascii=False).encode("utf-8")  # raises for half of a surrogate pair
+    json.dumps(document, ensure_ascii=False).encode("utf-8")  # raises an error for a lone surrogate
     if depth(document) > MAXIMUM_DEPTH:
         raise NotStrict("too deep")
     return document

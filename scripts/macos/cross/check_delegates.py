@@ -21,7 +21,7 @@ FOLDERS = (ROOT / "hosts" / "macos", ROOT / "tests" / "macos" / "stand_in")
 LABEL = re.compile(r"^(\S+):")
 DIRECTIVE = re.compile(r'^\s+\.(quad|long|asciz)\s+("(?:\\.|[^"\\])*"|[^\s;#]+)')
 PROTOCOL_METHODS = ("__OBJC_$_PROTOCOL_INSTANCE_METHODS_", "__OBJC_$_PROTOCOL_INSTANCE_METHODS_OPT_")
-# Every class has these, and says nothing by them.
+# Every class adopts this; it says nothing about a class.
 UNIVERSAL = "NSObject"
 
 
@@ -44,7 +44,7 @@ def read_tables(assembly: str) -> Tables:
             current.append(directive[2].strip('"'))
 
     def methods(label: str) -> dict[str, str]:
-        # Two numbers, then name, types and address of each.
+        # Two numbers, then name, types and address of each entry.
         entries = values.get(label, [])[2:]
         return {values[name][0]: values[types][0] for name, types in zip(entries[0::3], entries[1::3])}
 

@@ -6,7 +6,7 @@ import shlex
 import typing
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
-# What says where the result goes, and for which architectures: a value follows each.
+# Options followed by a value, among them those for the output and the architectures.
 WITH_VALUE = {"-o", "-MF", "-MT", "-arch"}
 ALONE = {"-c", "-MD"}
 

@@ -80,7 +80,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
             else:
                 self.send_error(404)
         except OSError:
-            pass  # the program has heard enough
+            pass  # the program closed the connection
 
     def answer(self, body: bytes, **headers: str):
         self.send_response(200)

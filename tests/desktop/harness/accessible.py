@@ -105,7 +105,7 @@ def area(element: Element) -> Area:
 def text(element: Element) -> str:
     """The text that the element holds."""
     try:
-        # By the interface's name: newer bindings have another get_text() on every element.
+        # Called through the interface's class, because newer bindings have another get_text() on every element.
         return Atspi.Text.get_text(element, 0, Atspi.Text.get_character_count(element)) or ""
     except GLib.Error:
         return ""

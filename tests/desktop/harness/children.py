@@ -20,7 +20,7 @@ class Children:
         self._logs = logs
         self._running: list[subprocess.Popen[bytes]] = []
         self._named: dict[str, subprocess.Popen[bytes]] = {}
-        # What children start and leave behind becomes ours too, to be stopped with the rest.
+        # Orphans of children become children of this process, and are stopped with the others.
         _libc.prctl(_PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
 
     def start(self, command: Sequence[str], *, name: str | None = None,

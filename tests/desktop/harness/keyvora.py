@@ -68,7 +68,7 @@ class Keyvora:
         """Ends the program as a user's session does. Returns its exit status."""
         if not self._process:
             return 0
-        status = stop(self._process, 30)  # a busy machine takes its time, and a sanitizer more
+        status = stop(self._process, 30)  # a busy machine needs time, and a sanitizer more
         self._process = None
         return status
 

@@ -22,7 +22,7 @@ def title(process: int) -> str:
     name = f"org.kde.StatusNotifierItem-{process}-1"
     owner = _call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner",
                   GLib.Variant("(s)", (name,)))
-    # Watchers list an item by its name or by the connection that has it.
+    # Some watchers list an item by its name, others by its connection.
     if not owner or not any(item.startswith((name, owner[0])) for item in items()):
         return ""
     tip = _property(name, "/StatusNotifierItem", "org.kde.StatusNotifierItem", "ToolTip")

@@ -9,7 +9,7 @@ from .typist import Typist
 from .waiting import calm, until
 from .x11 import Area
 
-# Less than any menu is high.
+# Every menu is higher than this.
 _LEAST_HEIGHT = 100
 
 _PATIENCE = 60

@@ -11,7 +11,7 @@ from .children import Children
 from .waiting import Timeout, until
 from .x11 import Area
 
-# How long a panel may take to show items, in seconds.
+# The time limit until a panel shows items, in seconds.
 PATIENCE = 60
 
 
@@ -20,16 +20,16 @@ class Panel(ABC):
 
     name: str
     program: str
-    # Whether a click asks the item for its own menu. Otherwise the panel shows its menu for every button.
+    # Whether a click requests the item's own menu. Otherwise the panel shows its menu for every button.
     asks_for_the_items_menu = True
-    # Whether its menu, when it is open, stays open with new rows. Otherwise it closes.
+    # Whether an open menu of the panel stays open when its rows change. Otherwise it closes.
     keeps_a_rebuilt_menu = True
     is_window_manager = False
-    # Whether it shows the icons of the X system tray, too.
+    # Whether it also shows icons of the X system tray.
     is_tray = True
-    # The part of the screen in which it shows items.
+    # The area of the screen in which it shows items.
     area = Area(640, 0, 640, 28)
-    # The part in which its menu opens.
+    # The area in which its menu opens.
     menu_area = Area(640, 30, 640, 400)
 
     def __init__(self, children: Children, home: Path) -> None:
@@ -161,7 +161,7 @@ enable-animations=false
         try:
             until(self._is_in_overview, "the shell's overview", 15)
         except Timeout:
-            return  # where windows are already, it begins without
+            return  # does not start beside existing windows
         self._ask("Set", "OverviewActive", "<false>")
         until(lambda: not self._is_in_overview(), "the shell to leave its overview", PATIENCE)
 

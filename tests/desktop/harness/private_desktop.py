@@ -15,10 +15,10 @@ from . import x11
 from .children import Children, exit_on_signals
 from .waiting import until
 
-# What is kept of the caller's environment: how programs are found, how they speak, how sanitizers report.
+# The variables kept of the caller's environment: search paths, terminal, time zone, options of sanitizers.
 _KEPT = ("PATH", "TERM", "TZ", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH")
 
-# The keyboard that hardware keys come from on this display server.
+# The source of hardware keys on this display server.
 KEYBOARD = "Xvfb keyboard"
 
 _OPENBOX = """<?xml version="1.0" encoding="UTF-8"?>
@@ -79,7 +79,7 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         """Writes a picture of the whole screen or of a part of it; returns `path`. Not under Wayland."""
         path.parent.mkdir(parents=True, exist_ok=True)
         if self._wayland:
-            return path  # the compositor shows its screen to nobody
+            return path  # the compositor's screen is not visible
         crop = ["-crop", f"{area.width}x{area.height}+{area.x}+{area.y}", "+repage"] if area else []
         subprocess.run(["import", "-silent", "-window", "root", *crop, str(path)], check=True)
         return path
@@ -154,7 +154,7 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
             os.environ["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
 
     def _start_accessibility_bus(self) -> None:
-        # The call starts the bus and answers when it is up.
+        # The call starts the bus and returns when it is running.
         subprocess.run(
             ["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
              "--method", "org.a11y.Bus.GetAddress"], check=True, stdout=subprocess.DEVNULL)

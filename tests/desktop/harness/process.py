@@ -11,7 +11,7 @@ class Counts:
 
     switches: int
     processor: float
-    # In memory; of it, what no other program has mapped just now; of that, what the process itself wrote.
+    # Resident memory; the part of it not mapped by other programs now; the part of that written by the process.
     resident: int
     private: int
     written: int

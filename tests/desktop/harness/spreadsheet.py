@@ -18,24 +18,24 @@ from .waiting import PATIENCE, calm, equal, until
 class Spreadsheet(ABC):
     """One window of a running spreadsheet. Made when it is in front and its menu bar is filled."""
 
-    # What it is called on a command line, and the program that it is.
+    # Its name on a command line, and its program.
     name: ClassVar[str]
     program: ClassVar[str]
-    # The desktop file that its package brings.
+    # The desktop file in its package.
     desktop_file: ClassVar[str]
-    # What it needs between two keys to lose none of them, keyvora or not; in milliseconds.
+    # The pause between two keys without which it loses keys, even without keyvora; in milliseconds.
     pace: ClassVar[int] = 0
-    # The window class and the path to the "format cells" command of its menus.
+    # The window class, and the path to the command "format cells" in its menus.
     window_class: ClassVar[str]
-    # The classes, by any of their names, of all windows that it may open.
+    # All classes of the windows that it may open.
     window_classes: ClassVar[list[str]]
     format_cells: ClassVar[list[str]]
     delete_rows: ClassVar[list[str]]
-    # The keys of a dialog beside which the menus can be used.
+    # The keys that open a dialog during which the menus can be used.
     search_dialog: ClassVar[str]
-    # Whether keys that are sent to one of its documents arrive there, whichever of them is in front.
+    # Whether keys sent to one of its documents arrive there even if another is the active one.
     hears_in_the_background: ClassVar[bool] = True
-    # Whether its windows stay what they are; one that may become another program's is listened to.
+    # Whether its windows keep their class. keyvora must watch windows that may change it.
     keeps_its_class: ClassVar[bool] = True
 
     @classmethod
@@ -44,7 +44,7 @@ class Spreadsheet(ABC):
         return shutil.which(cls.program) is not None
 
     def __init__(self, desktop: PrivateDesktop, *files: str) -> None:
-        # A window that is gone may leave its number to the next one.
+        # A new window may get the number of a closed one.
         before = x11.active_window() if x11.active_class() else ""
         desktop.children.start(self._command(desktop) + list(files))
         self._take_window_in_front(before, [])
@@ -246,7 +246,7 @@ class Calc(Spreadsheet):
         return next((accessible.name(cell) for cell in near if cell and accessible.is_focused(cell)), "")
 
     def _tells_its_texts(self) -> bool:
-        # Later ones have nothing on the bus where the name box and the input line are.
+        # Later versions do not expose the name box and the input line on the bus.
         return self.version() < (24, 8)
 
     def _find_places(self) -> None:

@@ -5,7 +5,7 @@ from pathlib import Path
 from .children import Children, stop
 from .private_desktop import KEYBOARD
 
-# The keyboard that programs type on, by the XTEST extension.
+# The keyboard of programs that type, by the XTEST extension.
 XTEST_KEYBOARD = "Virtual core XTEST keyboard"
 
 

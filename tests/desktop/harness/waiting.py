@@ -5,7 +5,7 @@ from typing import Callable, TypeVar
 
 Value = TypeVar("Value")
 
-# How often a condition is looked at, in seconds.
+# The interval between two tests of a condition, in seconds.
 INTERVAL = 0.01
 # How long a condition may take, in seconds: for a machine with several busy processes a core.
 PATIENCE = 60.0

@@ -22,7 +22,7 @@ def root_property(name: str) -> str:
 def window_property(window: str, name: str) -> str:
     """The text of one property of a window (an id, or "-root"); empty while it is not set, or for no window."""
     if not window:
-        return ""  # xprop, too, would wait for a click
+        return ""  # xprop would wait for a click
     which = [window] if window == "-root" else ["-id", window]
     answer = _output(["xprop", *which, "-notype", name])
     _, found, value = answer.partition("=") if "=" in answer else answer.partition("#")
@@ -60,7 +60,7 @@ def window_title(window: str) -> str:
 def window_area(window: str) -> Area | None:
     """Where a window is on the screen; None when it is gone, or the id empty."""
     if not window:
-        return None  # xwininfo would wait for somebody to click on one
+        return None  # xwininfo would wait for a click
     answer = _output(["xwininfo", "-id", window])
     numbers = [re.search(rf"{label}: +(-?\d+)", answer) for label in
                ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")]

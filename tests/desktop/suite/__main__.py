@@ -34,7 +34,7 @@ def main() -> int:
     if arguments.wayland and not (shutil.which("mutter") and shutil.which("Xwayland")):
         print("mutter or Xwayland is not installed")
         return SKIPPED
-    # A call into the accessibility library cannot be interrupted: say where it stands if it never returns.
+    # A call into the accessibility library cannot be interrupted: print a traceback if it never returns.
     faulthandler.dump_traceback_later(arguments.limit, exit=True)
     with PrivateDesktop(tray=not panel and not arguments.wayland, wayland=arguments.wayland,
                         window_manager=not panel or not panel.is_window_manager) as desktop:
@@ -72,7 +72,7 @@ def every_module() -> list[str]:
     return sorted(path.stem for path in HERE.glob("test_*.py"))
 
 
-# What unittest says of a failure.
+# unittest's description of a failure.
 Fault: TypeAlias = Any
 
 

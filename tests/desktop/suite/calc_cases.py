@@ -3,7 +3,7 @@
 from .document_case import (COPY_A2_TO_E5, GO_FROM_A2_TO_E5, Case, Cells, Closed, Recalculated, Saved, Window)
 
 PASTE_AT_E5 = [*GO_FROM_A2_TO_E5, "Control+v"]
-# D2 holds a formula, =B2*2: to the cell below the table.
+# D2 contains the formula =B2*2. Copies it down to the cell below the table.
 COPY_D2_TO_D5 = ["Control+c", "Down", "Down", "Down"]
 COPY_ROW_TO_A6 = ["Control+c", "Down", "Down", "Down", "Down"]
 
@@ -18,7 +18,7 @@ ROWS_ABOVE = Case(Cells({"A2": "", "A3": "Pear"}))
 COLUMNS_BEFORE = Case(Cells({"B1": "", "C1": "Amount"}))
 AUTO_FILTER = Case(Saved(r'table:display-filter-buttons="true"'))
 RESET_FILTER = Case(Saved(r"<table:filter-condition", present=False), variant="filtered")
-DELETE_SHEET = Case(Window(".*"))  # asks
+DELETE_SHEET = Case(Window(".*"))  # asks for confirmation
 COLLAPSED_ROW = r'<table:table-row [^>]*table:visibility="collapse"'
 COLLAPSED_COLUMN = r'<table:table-column [^>]*table:visibility="collapse"'
 GROUPED = r"<table:table-row-group"

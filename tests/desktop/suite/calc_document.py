@@ -14,12 +14,12 @@ from .document_test import DocumentTest, add_tests_of_all, read_document
 END = "</office:document>"
 CELLS: list[list[str | int | None]] = [["Name", "Amount", "City", "Twice"], ["Pear", 30, "Rome", "=[.B2]*2"],
                                        ["Apple", 10, "Oslo", "=RAND()"], ["Fig", 20, "Bern", None]]
-# Shows the pears only.
+# A filter that shows only the pears.
 FILTER = ('<table:database-ranges><table:database-range table:name="__Anonymous_Sheet_DB__0"'
           ' table:target-range-address="Fruit.A1:Fruit.D4" table:display-filter-buttons="true"><table:filter>'
           '<table:filter-condition table:field-number="0" table:value="Pear" table:operator="="/></table:filter>'
           "</table:database-range></table:database-ranges>")
-# Calc passes over one without a place.
+# Calc ignores an annotation without a position.
 COMMENT = ('<office:annotation xmlns:svg="urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0"'
            ' xmlns:dc="http://purl.org/dc/elements/1.1/" office:display="true" svg:width="2cm" svg:height="1cm"'
            ' svg:x="5cm" svg:y="0cm"><dc:date>2020-01-01T00:00:00</dc:date><text:p>x</text:p></office:annotation>')

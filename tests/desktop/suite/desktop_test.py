@@ -15,7 +15,7 @@ from harness.typist import Typist
 from harness.waiting import PATIENCE, equal, until
 from harness.x11 import active_class
 
-# The document of most tests: one sequence that types a letter, one that opens a dialog, an ambiguous pair.
+# The document of most tests: a sequence that types a letter, one that opens a dialog, and an ambiguous pair.
 DOCUMENT: Document = {
     "version": 1,
     "timeoutMilliseconds": 1000,
@@ -42,9 +42,9 @@ class Environment:
     keyvora: Path
     typist: Path
     sheet: Spreadsheet | None
-    # What shows the status item; a system tray when there is none.
+    # The panel with the status item; a system tray if None.
     panel: Panel | None = None
-    # Where pictures for a person go.
+    # The folder for pictures for people.
     pictures: Path = Path("pictures")
 
 
@@ -53,7 +53,7 @@ class DesktopTest(unittest.TestCase):
 
     environment: ClassVar[Environment]
     document: ClassVar[Document] = DOCUMENT
-    # Whether setUp starts keyvora; a test that has something to do before calls `self.start()` itself.
+    # Whether setUp starts keyvora. A test that must do something before calls `self.start()` itself.
     starts_keyvora: ClassVar[bool] = True
 
     _columns_used: ClassVar[int] = 0
@@ -93,7 +93,7 @@ class DesktopTest(unittest.TestCase):
         """Selects an empty cell of a column of its own, where no completion gets in the way."""
         DesktopTest._columns_used += 1
         self.typist.tap("Escape")
-        # A dialog of the test before may just be closing, and would take the next keys along.
+        # A dialog of the previous test may still be closing, and would get the next keys.
         until(self.sheet.is_in_front, "the spreadsheet in front", seen=active_class)
         self.sheet.select(self.typist, f"{chr(ord('A') + self._columns_used % 26)}1")
         self.sheet.rest()

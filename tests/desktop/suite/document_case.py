@@ -66,6 +66,6 @@ class Case:
     variant: str = ""
 
 
-# From the first cell to copy to the cell to paste into.
+# From the first cell to copy, to the cell to paste into.
 COPY_A2_TO_E5 = ["Control+c", "Right", "Right", "Right", "Right", "Down", "Down", "Down"]
 GO_FROM_A2_TO_E5 = COPY_A2_TO_E5[1:]

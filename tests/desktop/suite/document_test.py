@@ -19,7 +19,7 @@ from .document_case import Case, Cells, Closed, Outcome, Recalculated, Saved, Se
 
 RESOURCES = Path(__file__).resolve().parents[3] / "resources"
 
-# How long a spreadsheet may take to begin a save, in seconds; when nothing has changed, it saves nothing.
+# The time in which a spreadsheet begins to save, in seconds. When nothing has changed, it does not save.
 SAVE_LIMIT = 2.0
 # After so long without its effect a key was lost, and is typed again; in seconds.
 LOST_KEY = 10.0
@@ -35,11 +35,11 @@ class DocumentTest(unittest.TestCase):
     """Sequences in a spreadsheet, which each starts anew with the same small workbook. A class for one spreadsheet says
     how to make and read that; `add_tests` gives it a test for each sequence, `test_HFC` and so on."""
 
-    # The spreadsheet; its document, and what comes of each of its sequences.
+    # The spreadsheet; its document, and the expected effect of each of its sequences.
     kind: ClassVar[type[Spreadsheet]]
     document: ClassVar[dict[str, Any]]
     cases: ClassVar[dict[str, Case]]
-    # The file that the workbook is saved in, and the cell to change so that there is something to save.
+    # The type of the file for the workbook, and the cell to change so that there is something to save.
     suffix: ClassVar[str]
 
     @classmethod
@@ -218,7 +218,7 @@ class DocumentTest(unittest.TestCase):
                       "the spreadsheet's window to be gone", seen=x11.active_class)
 
     def expect_cells(self, content: dict[str, str]) -> None:
-        # A command is carried out some time after its key: who goes on at once takes the selection from it.
+        # A command runs some time after its key; an immediate next key would change its selection.
         for cell, value in content.items():
             if not value.startswith("=") and self.shown(cell) is not None:
                 equal(lambda: self.shown(cell) or "", value, f"what {cell} shows")
@@ -234,7 +234,7 @@ class DocumentTest(unittest.TestCase):
             until(lambda: self.file.stat().st_mtime_ns != stamp, "a save", SAVE_LIMIT)
             return until(self.whole, "the whole file")
         except Timeout:
-            return self.content(self.file)  # nothing had changed
+            return self.content(self.file)  # nothing has changed
 
     def whole(self) -> str:
         """What is in the file; empty while it is not whole."""

@@ -60,7 +60,7 @@ class OnGnumeric(DocumentTest):
         return text
 
     def shown(self, cell: str) -> str | None:
-        return None  # gnumeric draws its cells and tells nobody
+        return None  # gnumeric draws its cells itself and does not expose them
 
     def area(self, cell: str) -> x11.Area:
         raise NotImplementedError

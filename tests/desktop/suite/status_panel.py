@@ -27,7 +27,7 @@ RELOAD = 2
 
 class StatusPanel(DesktopTest):
     document = LONGER
-    # What the panel looks like without an item.
+    # The panel's picture without an item.
     empty: ClassVar[Picture]
 
     def setUp(self) -> None:
@@ -35,7 +35,7 @@ class StatusPanel(DesktopTest):
         self.panel = self.environment.panel
         if not hasattr(StatusPanel, "empty"):
             StatusPanel.empty = Picture(self.panel.area)
-        # Some panels take a while to let an item go.
+        # Some panels take a while to remove an item.
         until(lambda: not Picture(self.panel.area).difference(self.empty), "the panel to be empty", PATIENCE)
         super().setUp()
         self.place = self.find_item()

@@ -23,7 +23,7 @@ class AccessibilityBus(DesktopTest):
         self.keyvora.log.wait(f"{MENU} FAILED: no menu bar")
         self.fire()
         self.keyvora.log.wait("HF  Type x (keystroke)")
-        # A bus that comes back is nobody's loss either.
+        # The bus comes back, and keyvora must survive that too.
         self.session("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")
         self.fire()
         self.keyvora.log.wait("HF  Type x (keystroke)", 2)

@@ -15,7 +15,7 @@ class Bursts(DesktopTest):
         """What the spreadsheet itself makes of the keys, when nothing stands between."""
         self.typist.tap("k")
         self.typist.burst(times, *keys)
-        # The end of it: what comes next arrives after everything.
+        # A last key: when it has arrived, so have all others.
         self.typist.tap(";")
         equal(lambda: self.sheet.input()[-1:], ";", "the end of the cell's text", 30)
         text = self.sheet.input()[:-1]
@@ -35,7 +35,7 @@ class Bursts(DesktopTest):
         expected = self.text_without_keyvora("x", "x", "a", times=TIMES // 2)
         self.start()
         self.typist.tap("k")
-        # The next Option comes while the key of the sequence before is still being posted.
+        # The next Option comes while the key of the last sequence is still being posted.
         self.typist.burst(TIMES // 2, "Option", "h", "f", "Option", "h", "Escape", "Option", "h", "f", "a")
         self.expect_input(expected, 60)
         self.keyvora.log.wait("HF  Type x (keystroke)", TIMES)
@@ -86,7 +86,7 @@ class Bursts(DesktopTest):
         for _ in range(TIMES):
             self.typist.tap(*keys)
         other.finish()
-        # Its key ends a sequence and passes; the user's letters after it are then letters of the cell.
+        # Its key ends a sequence and passes; the user's letters after it then go into the cell.
         equal(lambda: self.sheet.input().count("-"), TIMES, "the second program's keys", 60)
         self.typist.tap(";")
         equal(lambda: self.sheet.input()[-1:], ";", "the end of the cell's text")

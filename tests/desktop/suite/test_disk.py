@@ -11,9 +11,9 @@ from harness.waiting import equal, stays, until
 from .desktop_test import DOCUMENT, DesktopTest
 
 DEFAULT = Path(__file__).parents[3] / "resources" / "calc.json"
-# What the disk gives out room by.
+# The disk's allocation unit.
 PAGE = 4096
-# More than fits on the page that a save in place gives back.
+# Needs more room than saving in place frees.
 LARGE: Document = DOCUMENT | {"notes": ["k" * 2 * PAGE]}
 
 

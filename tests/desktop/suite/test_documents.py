@@ -11,7 +11,7 @@ from harness.waiting import Timeout, equal, stays, until
 
 from .desktop_test import DesktopTest
 
-# How long an ambiguous sequence waits: enough to change the window meanwhile, on a busy machine too.
+# The wait on an ambiguous sequence: long enough to change the window, even on a busy machine.
 WAIT_MILLISECONDS = 3000
 # After so long without its effect a key was lost, and is typed again; in seconds.
 LOST_KEY = 10.0

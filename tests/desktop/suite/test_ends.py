@@ -24,7 +24,7 @@ class Ends(DesktopTest):
         self.keyvora.kill()
         self.typist.tap("f", "a", "Option", "b")
         self.expect_input("kfab")
-        # And the next one works.
+        # The next one works too.
         self.dismiss()
         self.start()
         self.expect_everything_works()

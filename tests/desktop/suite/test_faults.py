@@ -40,7 +40,7 @@ class Faults(DesktopTest):
             subprocess.run(["xdotool", "windowactivate", self.sheet.window], check=False, capture_output=True)
             focus = subprocess.run(["xdotool", "getwindowfocus", "getwindowpid"], check=False, capture_output=True)
             return focus.stdout.strip() == str(self.sheet.process).encode() and self.sheet.is_in_front()
-        # A new window manager knows of no active window until it has taken over.
+        # A new window manager sets no active window until it has taken over.
         until(lambda: x11.active_class() == "" or ask(), "the window manager to take over")
         until(ask, "the spreadsheet in front", seen=x11.active_class)
 
@@ -114,12 +114,12 @@ class Faults(DesktopTest):
         self.typist.tap("Option", "e")
         until(lambda: self.keyvora.log.has(f"{MENU} FAILED"), "the menu to be given up", 30,
               seen=self.keyvora.log.messages)
-        # The next sequence works at once: only the menu's was lost.
+        # The next sequence works at once: only the menu's press was lost.
         self.sequence_fires()
         child.send_signal(signal.SIGCONT)
         self.dismiss()
         self.expect_everything_works()
-        self.new_cell()  # menus are out of reach while a cell is edited
+        self.new_cell()  # menus are unavailable while a cell is edited
         self.typist.tap("Option", "e")
         self.keyvora.log.wait(f"{MENU} (menu)")
         until(lambda: self.sheet.dialog() != "", "the dialog")
@@ -135,7 +135,7 @@ class Faults(DesktopTest):
                 self.typist.tap(letter)
                 typed += letter
         self.expect_input(typed)
-        # The last one holds, and nothing is left of the others.
+        # The last save counts, and the earlier ones leave no effect.
         self.keyvora.write(WITH_MENU | {"sequences": []})
         self.keyvora.log.wait("mappings reloaded, 0 sequences")
         self.keyvora.write(WITH_MENU)

@@ -25,7 +25,7 @@ class KeyboardTest(DesktopTest):
         text = "bdb" * 20
         self.typist.tap(*text)
         self.expect_input("kxa" + text)
-        # Each press and each release would be more than one.
+        # Waking for each press and release would give more.
         self.assertLess(switches() - woken, 5)
         self.dismiss()
         self.expect_everything_works()
@@ -63,7 +63,7 @@ class KeyboardTest(DesktopTest):
         for last, fired in (("f", "kx"), ("q", "k")):
             with self.subTest(last=last):
                 self.typist.tap("k", "Option", "h")
-                # The sequence ends, the key is still held: a repetition would be a letter of the cell.
+                # The sequence ends while the key is held: a repetition would type a letter into the cell.
                 self.typist.down(last)
                 self.expect_input(fired)
                 stays(self.sheet.input, fired, "the cell's text", 1.0)
@@ -77,7 +77,7 @@ class KeyboardTest(DesktopTest):
         self.typist.up("h")
         self.typist.tap("f")
         self.expect_input("kx")
-        # At its next press the key repeats as it did before.
+        # When pressed again, the key repeats as before.
         self.typist.down("f")
         until(lambda: self.sheet.input().startswith("kxfff"), "repeated letters", seen=self.sheet.input)
         self.typist.up("f")
@@ -97,7 +97,7 @@ class KeyboardTest(DesktopTest):
             with self.subTest(first=first):
                 self.typist.down(first, second)
                 self.typist.up(second, first)
-        # Shift first is a lone Option tap while Shift is held: that one arms.
+        # With Shift pressed first, Option is tapped alone while Shift is held: that arms.
         self.keyvora.log.wait(ARMED)
         self.typist.tap("Escape")
         self.expect_everything_works()
@@ -135,7 +135,7 @@ class KeyboardTest(DesktopTest):
         second.pace(self.sheet.pace)
         second.tap("k", "Option", "h", "f", "a")
         self.expect_input("kxa")
-        # A sequence begun on one and ended on the other.
+        # A sequence begun in one and ended in the other.
         self.typist.tap("Option", "h")
         second.tap("f", "b")
         self.expect_input("kxaxb")

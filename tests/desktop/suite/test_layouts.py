@@ -8,7 +8,7 @@ from harness.waiting import equal
 
 from .desktop_test import ARMED, DesktopTest
 
-# Layout, variant, and what it makes of the keys that an American keyboard calls w, x and z.
+# Layout, variant, and the letters of the keys labelled w, x and z on an American keyboard.
 LAYOUTS = [("us", "", "wxz"), ("fr", "", "zxw"), ("de", "", "wxy"), ("us", "dvorak", ",q;")]
 
 
@@ -22,7 +22,7 @@ class Layouts(DesktopTest):
                 self.typist.tap("x", "w")
                 self.fire()
                 self.typist.tap("z")
-                # The keystroke presses the key that an American keyboard calls x.
+                # The keystroke presses the key labelled x on an American keyboard.
                 self.expect_input(x + w + x + z)
 
     def test_the_layout_changes_while_armed(self) -> None:
@@ -52,7 +52,7 @@ class Layouts(DesktopTest):
         self.assertEqual(0, self.keyvora.log.count(ARMED))
         self.typist.tap("Option", "h", "RightOption+q")
         self.expect_input("k@€@")
-        # The character ended nothing: the sequence goes on.
+        # The character ended nothing: the sequence continues.
         equal(self.keyvora.status, "⌥ H", "the status")
         self.typist.tap("f", "a")
         self.expect_input("k@€@xa")

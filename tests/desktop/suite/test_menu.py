@@ -19,10 +19,10 @@ from feed_server import FeedServer  # noqa: E402
 LONGER: Document = DOCUMENT | {"sequences": [
     *DOCUMENT["sequences"], {"keys": "QRS", "name": "Long", "action": {"kind": "keytips", "keys": "A"}}]}
 
-# As the bundle's information dictionary has it, and FeedServer's /none.xml.
+# The version in the bundle's information dictionary, and in FeedServer's /none.xml.
 VERSION, BUILD = "1.2", "42"
 
-# The menu is made before the tap is installed, and says so until something makes it anew.
+# The menu is built before the tap is installed, and is not rebuilt by that.
 AT_LAUNCH = "Accessibility granted, installing the tap"
 READY = "4 sequences, ready"
 

@@ -5,8 +5,8 @@ from pathlib import Path
 
 from .desktop_test import DesktopTest
 
-# How long a key may be held while the program does not answer, in seconds: one, and what a busy machine adds. What
-# keeps the program from answering lasts longer.
+# The time for which a key may be held while the program does not answer, in seconds: one, plus an allowance for a busy
+# machine. The program is kept from answering for longer.
 LONGEST_HOLD = 20.0
 
 
@@ -31,7 +31,7 @@ class Stall(DesktopTest):
         self.typist.tap("a")
         self.expect_input("ka")
         self.assertLess(time.monotonic() - begin, LONGEST_HOLD)
-        # After the first key the program is let go of: the next ones are not held at all.
+        # After the first key the tap gives up the program, and holds no further keys.
         self.expect_no_key_is_held("ka", "b", "Option", "b")
         self.assertEqual(0, self.keyvora.log.count("S  Script (applescript)"), "the script ended too early")
         end.touch()

@@ -62,7 +62,7 @@ class Stopped(DesktopTest):
         self.assertLess(time.monotonic() - begin, LONGEST_HOLD)
         os.kill(self.keyvora.process_id(), signal.SIGCONT)
         self.await_rest()
-        self.typist.tap("Escape")  # the sequence is still open: a time-out changes nothing of it
+        self.typist.tap("Escape")  # the sequence is still open: a time-out of the tap does not end it
         self.dismiss()
         self.expect_everything_works()
 

@@ -11,7 +11,7 @@ from harness.waiting import stays, until
 
 from .desktop_test import DOCUMENT, DesktopTest
 
-# Writes a second, and sequences typed meanwhile.
+# The number of writes per second, and of sequences typed meanwhile.
 STREAM = 2000
 TIMES = 30
 
@@ -81,7 +81,7 @@ class Watch(DesktopTest):
         for count in range(5, 105):
             self.keyvora.write(document_of(count))
         self.expect_reload(104)
-        # Every save noticed is a reload of its own; the last one comes last.
+        # Each noticed save causes a reload; the last save's comes last.
         self.wait_for_quiet()
         self.typist.tap("Option", "q", "9", "9")
         self.keyvora.log.wait("Q99  none (keytips A)")

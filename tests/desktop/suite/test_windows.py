@@ -96,7 +96,7 @@ class Windows(DesktopTest):
         self.keyvora.log.wait("no sequence HQ")
         self.typist.tap("Option", "h", "Escape")
         equal(self.keyvora.status, "⌥", "the status")
-        # The Escape was swallowed; the next one is the dialog's.
+        # The first Escape was swallowed; the next goes to the dialog.
         stays(self.sheet.dialog, title, "the dialog", 0.3)
         self.typist.tap("Escape")
         equal(self.sheet.dialog, "", "the dialog")

@@ -1,4 +1,4 @@
-# Finds what the rig is made of; RIG_LACKS says what is missing, when something is.
+# Finds the rig's requirements; RIG_LACKS lists those that are missing.
 set(RIG_LACKS "")
 
 find_program(RIG_CLANGXX NAMES clang++ clang++-19 clang++-16 clang++-14)
@@ -8,7 +8,7 @@ find_path(RIG_GNUSTEP_HEADERS NAMES AppKit/AppKit.h
   PATHS /usr/include/GNUstep /usr/include/${CMAKE_CXX_LIBRARY_ARCHITECTURE}/GNUstep NO_DEFAULT_PATH)
 find_file(RIG_BLOCKS NAMES Block.h)
 
-# gcc keeps the headers and the library of its Objective-C runtime in folders of its own version.
+# gcc keeps the headers and the library of its Objective-C runtime in folders named after its version.
 if(RIG_GCC)
   execute_process(COMMAND ${RIG_GCC} -print-file-name=include OUTPUT_VARIABLE RIG_OBJC_HEADERS
     OUTPUT_STRIP_TRAILING_WHITESPACE)

@@ -38,7 +38,7 @@ def environment(home: str, screen: str, **more: str) -> dict[str, str]:
         "TMPDIR": home,
         "LANG": "C.UTF-8",
         "DISPLAY": screen,
-        # GNUstep never frees some of what it makes, and neither do the recorders.
+        # GNUstep never frees some of its objects, nor do the recorders.
         "ASAN_OPTIONS": "detect_leaks=0",
         **more,
     }

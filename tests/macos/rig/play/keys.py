@@ -12,7 +12,7 @@ CODES = {
     "escape": 53,
     "left": 123,
 }
-# A modifier's key and its flag, with the bit that tells left from right.
+# A modifier's key and its flag, with the bit that distinguishes left and right.
 MODIFIERS = {
     "option": (58, 0x80020),
     "right-option": (61, 0x80040),

@@ -13,7 +13,7 @@ import tempfile
 from display import display, environment
 import record
 
-# The log's queue and the session's source of events are made once for the process.
+# The log's queue and the event source are created once per process.
 MAY_LIVE = {"serial queue", "event source"}
 
 

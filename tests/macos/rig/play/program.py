@@ -12,7 +12,7 @@ from typing import TypeVar
 from display import environment
 import record
 
-# How many seconds a condition may take, however busy the machine is.
+# The time limit for a condition in seconds, on a busy machine.
 PATIENCE = float(os.environ.get("KEYVORA_RIG_PATIENCE", "60"))
 
 
@@ -45,7 +45,7 @@ class Program:
         self.stderr_path = home / f"stderr-{number}"
         self.stdout_path = home / f"stdout-{number}"
         self.mappings = home / "Library" / "Application Support" / "keyvora" / "mappings.json"
-        # Records of the log that an earlier launch wrote.
+        # Log records of an earlier launch.
         self.log_start = len(self.log())
 
     def launch(self, command: list[str], screen: str, setup: list[list[str]]) -> None:

@@ -12,7 +12,7 @@ import record
 from program import Failed, Program, wait_for
 from script import Command
 
-# What lives at the end of a run from launch to quit; everything else must be gone.
+# The objects that exist at the end of a run; all others must have been released.
 LIVE_AT_THE_END = {
     "dispatch source": 1,
     "mach port": 1,
@@ -22,9 +22,9 @@ LIVE_AT_THE_END = {
     "status item": 1,
     "updater controller": 1,
 }
-# What may have been made or not: the source of events is made with the first of them.
+# Objects that may exist: the event source is created with the first event.
 LIVE_AT_MOST = {"event source": 1}
-# Commands that the program's driver knows under the same name, with as many words as they come.
+# Commands that are passed to the program's driver unchanged.
 FORWARDED = {
     "trust", "limit", "run", "quit", "front", "nomenus", "hang", "login", "feed", "disable", "kill",
     "wake", "active", "unlock", "track", "untrack", "sync", "answer",
@@ -46,7 +46,7 @@ class Session:
         self.posts = 0
         self.logged = 0
 
-    # What the script's commands are.
+    # The commands of the script:
 
     def play(self, command: Command) -> None:
         try:
@@ -62,7 +62,7 @@ class Session:
             self.setup.append(list(words))
             return
         answer = self.running().command(*words)
-        if answer != "done" and words != ("answer",):  # with which a probe ends
+        if answer != "done" and words != ("answer",):  # which ends a probe
             raise Failed(answer or "the program has ended")
 
     def do_fail(self, command: Command) -> None:
@@ -100,7 +100,7 @@ class Session:
     def mappings(self) -> pathlib.Path:
         return self.home / "Library" / "Application Support" / "keyvora" / "mappings.json"
 
-    # The keyboard.
+    # The keyboard:
 
     def do_tap(self, command: Command) -> None:
         """A modifier pressed and released by itself; both events reach the application."""
@@ -129,7 +129,7 @@ class Session:
         if answer != fate:
             raise Failed(f"the key {direction} was {answer or 'not answered'}, not {fate}")
 
-    # The status item.
+    # The status item:
 
     def do_title(self, command: Command) -> None:
         title = command.text.strip('"')
@@ -144,7 +144,7 @@ class Session:
         if answer not in ("done", ""):
             raise Failed(answer)
 
-    # What happened.
+    # Effects:
 
     def do_log(self, command: Command) -> None:
         """All that was logged since the last look."""
@@ -231,7 +231,7 @@ class Session:
         self.running().end()
         self.program = None
 
-    # Helpers.
+    # Helpers:
 
     def running(self) -> Program:
         if self.program is None:
