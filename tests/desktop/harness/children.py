@@ -18,7 +18,7 @@ class Children:
 
     def __init__(self, logs: Path) -> None:
         self._logs = logs
-        self._running: list[subprocess.Popen[bytes]] = []
+        self._running: list[tuple[str, subprocess.Popen[bytes]]] = []
         self._named: dict[str, subprocess.Popen[bytes]] = {}
         # Orphans of children become children of this process, and are stopped with the others.
         _libc.prctl(_PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
@@ -37,7 +37,7 @@ class Children:
                 list(command), env=environment, pass_fds=tuple(keep_open), preexec_fn=_die_with_parent,
                 stdin=subprocess.PIPE if interactive else subprocess.DEVNULL,
                 stdout=subprocess.PIPE if interactive else output, stderr=output, process_group=0 if own_group else None)
-        self._running.append(child)
+        self._running.append((command[0], child))
         self._named[name] = child
         return child
 
@@ -47,7 +47,7 @@ class Children:
 
     def running(self) -> list[str]:
         """The programs that were started and have not ended."""
-        return [str(child.args[0]) for child in self._running if child.poll() is None]
+        return [program for program, child in self._running if child.poll() is None]
 
     def log(self, name: str) -> Path:
         """Where the output of the program started under `name` goes."""
@@ -55,7 +55,7 @@ class Children:
 
     def stop_all(self) -> None:
         """Asks every child to end, the last first, and ends by force what does not, strays included."""
-        for child in reversed(self._running):
+        for _, child in reversed(self._running):
             stop(child)
         self._running.clear()
         _kill_strays()
