@@ -105,14 +105,11 @@ class Keyboard {
 
   /// Calls `report`, on the main thread, with faults of the tap that belong in the log, a sentence each. A
   /// host whose tap has no such faults never calls it. Main thread.
-  virtual void onFault(std::function<void(const std::string& sentence)> report) { (void)report; }
+  virtual void onFault(std::function<void(const std::string& sentence)> /*report*/) {}
 
   /// The keyboard layout that the system's own settings call by this name; none when there is no such
   /// layout, or the host cannot look layouts up. May read files. Main thread.
-  virtual std::optional<KeyboardLayout> layout(const std::string& name) {
-    (void)name;
-    return std::nullopt;
-  }
+  virtual std::optional<KeyboardLayout> layout(const std::string& /*name*/) { return std::nullopt; }
 
   /// Names of common layouts, as examples; empty when the host cannot look layouts up.
   virtual std::vector<std::string> commonLayouts() { return {}; }

@@ -69,7 +69,7 @@ std::vector<unsigned char> plainPixels(const unsigned char* data, int stride, in
   std::vector<unsigned char> bytes;
   bytes.reserve(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * 4);
   for (int y = 0; y < size; ++y) {
-    const auto* row = reinterpret_cast<const std::uint32_t*>(data + y * stride);
+    const auto* row = reinterpret_cast<const std::uint32_t*>(data + std::ptrdiff_t(y) * stride);
     for (int x = 0; x < size; ++x) {
       const unsigned alpha = row[x] >> 24;
       bytes.push_back(static_cast<unsigned char>(alpha));
