@@ -1,7 +1,8 @@
 # Sourced: clean Debian systems in folders, made by debootstrap. Takes root.
 # shellcheck shell=bash
 
-# Where the systems that others are copied from, and the packages that they fetched, are kept between runs.
+# Where the systems that others are copied from, and the packages that they fetched, are kept between runs. Several runs may
+# use it at once.
 chroot_cache=${KEYVORA_CHROOTS:-${XDG_CACHE_HOME:-$HOME/.cache}/keyvora/chroots}
 # KEYVORA_DEBIAN_MIRROR names another mirror than debootstrap's own.
 
@@ -35,12 +36,27 @@ chroot_make() {
   ) 9>"$chroot_cache/$suite.lock" || exit 1
   cp -a "$base" "$2"
   cp -L /etc/resolv.conf "$2/etc/resolv.conf"
+  # apt locks the folder of the packages that it fetches, so each system has its own.
+  find "$chroot_cache/$suite-packages" -maxdepth 1 -name '*.deb' -exec cp --archive --link -t "$2/var/cache/apt/archives" {} + 2>/dev/null ||
+    find "$chroot_cache/$suite-packages" -maxdepth 1 -name '*.deb' -exec cp --archive -t "$2/var/cache/apt/archives" {} +
+}
+
+# Keeps the packages that a system fetched for the systems after it. usage: chroot_keep_packages FOLDER
+chroot_keep_packages() {
+  local packages deb
+  packages=$chroot_cache/$(chroot_suite "$1")-packages
+  for deb in "$1"/var/cache/apt/archives/*.deb; do
+    [[ -e $deb && ! -e $packages/${deb##*/} ]] || continue
+    # Another run sees a whole file or none.
+    cp "$deb" "$packages/$$.part"
+    mv "$packages/$$.part" "$packages/${deb##*/}"
+  done
 }
 
 # Runs a command in a system, as root and with little environment; its processes and mounts end with it. Folders named by
 # --bind are seen there as /mnt/NAME. usage: chroot_run FOLDER [--bind NAME=FOLDER]... COMMAND...
 chroot_run() {
-  local root=$1 binds=()
+  local root=$1 binds=() result=0
   shift
   while [[ ${1:-} == --bind ]]; do
     binds+=("$2")
@@ -48,13 +64,12 @@ chroot_run() {
   done
   # shellcheck disable=SC2016  # expanded by the inner shell
   unshare --mount --pid --fork --kill-child --uts -- /bin/bash -euc '
-    root=$1 packages=$2
-    shift 2
+    root=$1
+    shift
     mount --make-rprivate /
     mount -t proc proc "$root/proc"
     mount -t sysfs -o ro sysfs "$root/sys"
     mount --rbind /dev "$root/dev"
-    mount --bind "$packages" "$root/var/cache/apt/archives"
     while [[ $1 != -- ]]; do
       mkdir -p "$root/mnt/${1%%=*}"
       mount --bind "${1#*=}" "$root/mnt/${1%%=*}"
@@ -63,7 +78,9 @@ chroot_run() {
     shift
     exec chroot "$root" /usr/bin/env -i HOME=/root LANG=C.UTF-8 DEBIAN_FRONTEND=noninteractive \
       PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin "$@"
-  ' bash "$root" "$chroot_cache/$(chroot_suite "$root")-packages" ${binds[@]+"${binds[@]}"} -- "$@"
+  ' bash "$root" ${binds[@]+"${binds[@]}"} -- "$@" || result=$?
+  chroot_keep_packages "$root"
+  return "$result"
 }
 
 # Which release a system is of, by its Debian name.
