@@ -21,11 +21,11 @@ chroot_make() {
   suite=$(suite_of "$1")
   base=$chroot_cache/$suite
   ((EUID == 0)) || die "only root makes Debian systems in folders"
-  command -v debootstrap >/dev/null || die "debootstrap is missing: apt-get install debootstrap"
   mkdir -p "$chroot_cache" "$chroot_cache/$suite-packages"
   (
     flock 9
     [[ ! -d $base ]] || exit 0
+    command -v debootstrap >/dev/null || die "debootstrap is missing: apt-get install debootstrap"
     rm -rf "$base.part"
     debootstrap --variant=minbase --include=build-essential,ca-certificates,debhelper,fakeroot "$suite" "$base.part" \
       ${KEYVORA_DEBIAN_MIRROR:+"$KEYVORA_DEBIAN_MIRROR"} >"$base.log" 2>&1 || die "debootstrap failed: see $base.log"

@@ -21,6 +21,7 @@ from xml.etree import ElementTree
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tests/app/updates"))
 from installation import Display  # noqa: E402
+from installed import INSTALLED, SHEETS  # noqa: E402
 
 CMAKE = pathlib.Path(sys.argv.pop(1))
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
@@ -28,34 +29,6 @@ PATIENCE = 60  # seconds until a test gives up
 
 METADATA = ROOT / "packaging/linux/org.keyvora.keyvora.metainfo.xml"
 DEBIAN = ROOT / "packaging/linux/debian"
-
-# Ready-made cheat sheets and the documents that they are of.
-SHEETS = {
-    "share/doc/keyvora/cheatsheet.html": "mappings.json",
-    "share/doc/keyvora/cheatsheet-calc.html": "calc.json",
-    "share/doc/keyvora/cheatsheet-gnumeric.html": "gnumeric.json",
-}
-
-# Everything below the prefix.
-INSTALLED = {
-    "bin/keyvora",
-    "bin/keyvora-mappings",
-    "libexec/keyvora/keyvora-tap",
-    "share/applications/org.keyvora.keyvora.desktop",
-    "share/bash-completion/completions/keyvora-mappings",
-    *SHEETS,
-    "share/fish/vendor_completions.d/keyvora-mappings.fish",
-    "share/icons/hicolor/scalable/apps/keyvora.svg",
-    "share/keyvora/Info.plist",
-    "share/keyvora/keyvora_keyvora.bundle/calc.json",
-    "share/keyvora/keyvora_keyvora.bundle/gnumeric.json",
-    "share/keyvora/keyvora_keyvora.bundle/mappings.json",
-    "share/keyvora/mappings.schema.json",
-    "share/man/man1/keyvora-mappings.1",
-    "share/man/man1/keyvora.1",
-    "share/metainfo/org.keyvora.keyvora.metainfo.xml",
-    "share/zsh/site-functions/_keyvora-mappings",
-}
 
 
 def run(*command, **options) -> str:

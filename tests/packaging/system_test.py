@@ -2,7 +2,8 @@
 
 usage: system_test.py RELEASE [PACKAGES]
 
-Takes root, debootstrap and the network; ends with 77 where it may not. Without PACKAGES, a folder, it builds them first.
+Takes root that may mount, debootstrap and the network; ends with 77 where it may not. Without PACKAGES, a folder, it builds
+them first, twice, and both builds must be the same.
 """
 
 import os
@@ -12,12 +13,22 @@ import subprocess
 import sys
 import tempfile
 
+from installed import INSTALLED
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SKIPPED = 77
 # What drives the program and reads what came of it, beside what the package needs.
 DESKTOP = ("gnumeric, xvfb, openbox, trayer, dbus, at-spi2-core, fonts-dejavu-core, x11-xkb-utils, x11-xserver-utils, xkb-data, "
-           "x11-utils, libglib2.0-bin, python3, python3-gi, gir1.2-atspi-2.0, imagemagick, libx11-dev, libxi-dev, libxtst-dev")
+           "x11-utils, libglib2.0-bin, libgtk-3-bin, dex, python3, python3-gi, gir1.2-atspi-2.0, imagemagick, libx11-dev, "
+           "libxi-dev, libxtst-dev")
 DOCUMENT = "/home/person/Library/Application Support/keyvora/mappings.json"
+# What Debian has in other places, or compressed, and what it wants besides.
+PLACES = {
+    "share/zsh/site-functions/_keyvora-mappings": "share/zsh/vendor-completions/_keyvora-mappings",
+    "share/man/man1/keyvora.1": "share/man/man1/keyvora.1.gz",
+    "share/man/man1/keyvora-mappings.1": "share/man/man1/keyvora-mappings.1.gz",
+}
+DEBIAN = {"share/doc/keyvora/copyright", "share/doc/keyvora/changelog.gz", "share/doc/keyvora/changelog.Debian.gz"}
 # Every file of the system but users' own, what the package manager notes, and what is seen from outside.
 LISTING = ("find / -xdev \\( -path /home -o -path /mnt -o -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path /run "
            "-o -path /root -o -path /var/cache -o -path /var/log -o -path /var/lib/dpkg -o -path /var/lib/apt \\) -prune "
@@ -44,14 +55,15 @@ def earlier(package: pathlib.Path, folder: pathlib.Path) -> pathlib.Path:
 
 def main() -> int:
     release = sys.argv[1]
-    if os.geteuid() != 0 or not shutil.which("debootstrap"):
-        print("takes root and debootstrap")
+    may_mount = subprocess.run(["unshare", "--mount", "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0
+    if os.geteuid() != 0 or not may_mount or not shutil.which("debootstrap"):
+        print("takes root that may mount, and debootstrap")
         return SKIPPED
     with tempfile.TemporaryDirectory(prefix="keyvora-system-") as name:
         folder = pathlib.Path(name)
         packages = pathlib.Path(sys.argv[2]) if len(sys.argv) > 2 else folder / "built"
         if len(sys.argv) <= 2:
-            shell('"$project/scripts/linux/package" --release "$1" --output "$2"', release, packages)
+            print(shell('"$project/scripts/linux/package" --release "$1" --output "$2" --twice', release, packages))
         (package,) = packages.glob(f"keyvora_*~deb{release}_*.deb")
         system, debs = folder / "system", folder / "debs"
         debs.mkdir()
@@ -63,22 +75,35 @@ def main() -> int:
             return shell('chroot_run "$1" --bind "debs=$2" --bind "project=$3" /bin/sh -euc "$4"', system, debs, ROOT, script)
 
         inside("apt-get update; useradd --create-home person; apt-get satisfy --yes --no-install-recommends "
-               f'"$(dpkg-deb --field /mnt/debs/keyvora.deb Depends), {DESKTOP}"; '
+               '"$(dpkg-deb --field /mnt/debs/keyvora.deb Depends)"')
+        missing = inside("dpkg-deb --extract /mnt/debs/keyvora.deb /tmp/files; cd /tmp/files/usr; "
+                         "for program in bin/* libexec/keyvora/*; do ldd $program; done; rm -r /tmp/files")
+        if "not found" in missing:
+            sys.exit(f"the package depends on too little:\n{missing}")
+        inside(f'apt-get satisfy --yes --no-install-recommends "{DESKTOP}"; '
                "c++ -std=c++20 -I/mnt/project /mnt/project/tests/desktop/typist/*.cpp -lX11 -lXi -lXtst -o /opt/typist")
         before = inside(LISTING)
 
-        inside("dpkg --install /mnt/debs/earlier.deb")
+        inside("apt-get install --yes --no-install-recommends /mnt/debs/earlier.deb")
+        files = set(inside("dpkg --listfiles keyvora").splitlines())
+        absent = sorted({f"/usr/{PLACES.get(name, name)}" for name in INSTALLED | DEBIAN} - files)
+        if absent:
+            sys.exit("not in the package:\n" + "\n".join(absent))
         inside(f"su person -c 'mkdir -p \"$(dirname \"{DOCUMENT}\")\"; "
                f"sed s/Format/Shape/ /usr/share/keyvora/keyvora_keyvora.bundle/gnumeric.json >\"{DOCUMENT}\"'")
         document = inside(f'sha256sum "{DOCUMENT}"')
-        inside("dpkg --install /mnt/debs/keyvora.deb; dpkg --audit; dpkg --verify keyvora")
+        inside("apt-get install --yes --no-install-recommends /mnt/debs/keyvora.deb")
+        wrong = inside("dpkg --audit; dpkg --verify keyvora")
+        if wrong:
+            sys.exit(f"wrong after the upgrade:\n{wrong}")
         if inside(f'sha256sum "{DOCUMENT}"') != document:
             sys.exit("the upgrade changed the user's document")
         inside(f"su person -c 'keyvora-mappings check \"{DOCUMENT}\"'")
         print(inside("cd /mnt/project/tests/desktop; su person -c '/usr/bin/python3 -B -u -m suite --target gnumeric "
-                     "--keyvora /usr/bin/keyvora --typist /opt/typist --artifacts /tmp/failures test_first_day'"))
+                     "--keyvora /usr/bin/keyvora --typist /opt/typist --artifacts /tmp/failures "
+                     "test_first_day test_desktop_entry.FromTheApplications'"))
 
-        inside("dpkg --remove keyvora; dpkg --purge keyvora")
+        inside("apt-get remove --yes keyvora; apt-get purge --yes keyvora; ! ls -d /var/lib/dpkg/info/keyvora* 2>/dev/null")
         left = sorted(set(inside(LISTING).splitlines()) - set(before.splitlines()))
         if left:
             sys.exit("left after the purge:\n" + "\n".join(left))
