@@ -17,7 +17,7 @@ suite_of() {
 
 # Makes a new system of a release in a folder that is not there yet. usage: chroot_make RELEASE FOLDER
 chroot_make() {
-  local suite base
+  local suite base archives=$2/var/cache/apt/archives deb
   suite=$(suite_of "$1")
   base=$chroot_cache/$suite
   ((EUID == 0)) || die "only root makes Debian systems in folders"
@@ -37,8 +37,9 @@ chroot_make() {
   cp -a "$base" "$2"
   cp -L /etc/resolv.conf "$2/etc/resolv.conf"
   # apt locks the folder of the packages that it fetches, so each system has its own.
-  find "$chroot_cache/$suite-packages" -maxdepth 1 -name '*.deb' -exec cp --archive --link -t "$2/var/cache/apt/archives" {} + 2>/dev/null ||
-    find "$chroot_cache/$suite-packages" -maxdepth 1 -name '*.deb' -exec cp --archive -t "$2/var/cache/apt/archives" {} +
+  for deb in "$chroot_cache/$suite-packages"/*.deb; do
+    [[ ! -e $deb ]] || ln -f "$deb" "$archives/" 2>/dev/null || cp "$deb" "$archives/"
+  done
 }
 
 # Keeps the packages that a system fetched for the systems after it. usage: chroot_keep_packages FOLDER
