@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Plays scenario.txt on a private desktop and says step by step what happened.
+"""Plays scenario.txt on a private desktop and prints step by step what happened.
 
-Ends with 0 only if everything that the scenario wants to see was seen. See `./run --demo`.
+Exits with 0 only if everything that the scenario expects happened. See `./run --demo`.
 """
 
 import argparse
@@ -36,7 +36,7 @@ CELLS = [[f"{column}{row}" for column in "ABCDEF"] for row in range(1, 5)]
 
 
 class Player:
-    """Does what one line of the scenario says after the other."""
+    """Carries out the scenario line by line."""
 
     def __init__(self, desktop: PrivateDesktop, sheet: Gnumeric, typist: Typist, keyvora: Keyvora,
                  pictures: Path) -> None:
@@ -50,7 +50,7 @@ class Player:
         self._steps = 0
 
     def play(self, line: str) -> None:
-        """One line. Raises AssertionError for what was to be seen and was not."""
+        """Plays one line. Raises AssertionError if an expected effect does not happen."""
         verb, _, rest = line.partition(" ")
         {"step": self._step, "cell": self._cell, "keys": self._keys, "add": self._add, "see": self._see,
          "menu": self._menu, "picture": self._picture}[verb](rest)
@@ -116,7 +116,7 @@ class Player:
                 raise ValueError(f"cannot see {kind}")
 
     def _passes(self, text: str) -> bool:
-        """Whether a record after the last one seen is this; goes on behind it."""
+        """Whether one of the records after the last matched one is this; if so, continues after it."""
         messages = self._keyvora.log.messages()
         for number in range(self._seen, len(messages)):
             if messages[number] == text or text.endswith("...") and messages[number].startswith(text[:-3]):

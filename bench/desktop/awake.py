@@ -6,11 +6,11 @@ from types import TracebackType
 
 
 class Awake:
-    """A loop for each processor, at the lowest priority there is: it gives way to anything else at once.
+    """A loop on each processor, at the lowest priority, so that any other process interrupts it at once.
 
-    Waking a processor that sleeps takes a virtual machine tens of microseconds, far more than what is measured. Who
-    pays for that, and when, depends on what else runs: a program that wakes up for each key would make the key's window
-    seem faster.
+    In a virtual machine, waking a sleeping processor takes tens of microseconds, far more than the measured times. Which
+    process waits for it depends on what else runs: a program that wakes up for each key would make the key's window seem
+    faster.
     """
 
     def __enter__(self) -> "Awake":

@@ -1,4 +1,4 @@
-"""keyvora started so that each of its lines is seen at once: on the console copy, through a pipe."""
+"""Starts keyvora and reads its log lines without delay: from the console copy, through a pipe."""
 
 import os
 import subprocess
@@ -13,7 +13,7 @@ DOCUMENT = """{"version": 1, "timeoutMilliseconds": 800, "tabs": {}, "sequences"
 
 
 def mappings(home: Path) -> Path:
-    """Where the document of this home is; its folder is made."""
+    """The path of this home's document; creates its folder."""
     path = home / "Library" / "Application Support" / "keyvora" / "mappings.json"
     path.parent.mkdir(parents=True, exist_ok=True)
     return path
@@ -35,7 +35,7 @@ class Console:
         self.process.communicate()
 
     def wait(self, text: str) -> float:
-        """Reads on to the line that holds `text`; returns when it came."""
+        """Reads until a line contains `text`; returns the time at which it came."""
         stderr = self.process.stderr
         assert stderr
         for line in stderr:
@@ -52,6 +52,6 @@ def percentiles(values: list[float]) -> tuple[float, float, float]:
 
 
 def in_milliseconds(seconds: list[float]) -> str:
-    """The percentiles of what was taken in seconds, for a person."""
+    """The percentiles of times in seconds, formatted in milliseconds."""
     p50, p95, p99 = (value * 1000 for value in percentiles(seconds))
     return f"p50 {p50:.2f} ms, p95 {p95:.2f} ms, p99 {p99:.2f} ms, {len(seconds)} times"

@@ -1,4 +1,4 @@
-"""From a key's injection to its delivery in a window: by itself, with keyvora, with other key programs."""
+"""From a key's injection to its delivery in a window: without other programs, with keyvora, with other key programs."""
 
 import argparse
 import os
@@ -27,7 +27,7 @@ ARMED = "keyvora armed, Shift"
 
 
 def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
-    """One row for each way; `f` is an ordinary key, Shift one that passes while a sequence is open."""
+    """One row for each configuration; `f` is an ordinary key, Shift one that passes while a sequence is open."""
     mappings(desktop.home).write_text(DOCUMENT)
 
     def keyvora(stack: ExitStack) -> list[int]:

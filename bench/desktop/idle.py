@@ -1,4 +1,4 @@
-"""What it costs to do nothing, beside sxhkd in the same time."""
+"""The cost of an idle keyvora, compared with sxhkd at the same time."""
 
 import argparse
 import os
@@ -19,7 +19,7 @@ LIMIT = 120.0
 
 
 def measure(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
-    """Context switches are wake-ups: a thread that waits is switched to only when it is woken."""
+    """Counts context switches as wake-ups: a waiting thread is switched to only when it is woken."""
     mappings(desktop.home).write_text(DOCUMENT)
     configuration = desktop.folder / "sxhkdrc"
     configuration.write_text(SXHKD)
@@ -54,7 +54,7 @@ def all_counts(processes: dict[str, int]) -> dict[str, Counts]:
 
 
 def wait_for_quiet(processes: dict[str, int]) -> float:
-    """Waits until nobody has been woken for a while; returns when somebody was, last."""
+    """Waits until no process has been woken for a while; returns the time of the last wake-up."""
     begin = last = time.monotonic()
     before = all_counts(processes)
     while (now := time.monotonic()) - last < QUIET and now - begin < LIMIT:

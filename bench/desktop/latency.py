@@ -1,4 +1,4 @@
-"""How long the user waits: for the tap after a start, for a saved document to take effect."""
+"""Times that a user waits: until the tap is installed after a start, and until a saved document takes effect."""
 
 import argparse
 import time
@@ -15,7 +15,7 @@ DELAY = 0.2
 
 
 def startup(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
-    """From the start of the process to the line that says that the tap is installed."""
+    """From the start of the process to the log line of the installed tap."""
     mappings(desktop.home).write_text(DOCUMENT)
     times = []
     for _ in range(STARTS):
@@ -25,7 +25,7 @@ def startup(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
 
 
 def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
-    """From a document renamed into place to the line that says that it was loaded, less the fixed delay."""
+    """From a document renamed into place to the log line of the reload, without the fixed delay."""
     path = mappings(desktop.home)
     path.write_text(DOCUMENT)
     times = []

@@ -1,4 +1,4 @@
-"""The real program with a spreadsheet and a simulated typist, for as long as asked: every outcome is checked."""
+"""The real program with a spreadsheet and a simulated typist, for a given time; every result is checked."""
 
 import argparse
 import json
@@ -24,7 +24,7 @@ Step = tuple[list[str], str]
 
 
 def run(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
-    """Fills a cell again and again with plain letters and sequences; it must hold the outcome of every key."""
+    """Fills cells with plain letters and sequences; each cell must contain the result of every key."""
     document = json.loads(DOCUMENT)
     keyvora = Keyvora(desktop, arguments.programs / "app/keyvora")
     keyvora.write(document)
@@ -71,7 +71,7 @@ def run(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
 
 
 def expect(sheet: Gnumeric, keyvora: Keyvora, text: str) -> None:
-    """Waits until the cell holds this; else says what keyvora said last."""
+    """Waits until the cell contains this; on failure reports keyvora's last log lines."""
     try:
         equal(sheet.input, text, "the cell's text", 30)
     except Timeout as timeout:
@@ -80,7 +80,7 @@ def expect(sheet: Gnumeric, keyvora: Keyvora, text: str) -> None:
 
 
 def one_round(choose: random.Random) -> list[Step]:
-    """What is typed into one cell."""
+    """The steps for one cell."""
     steps: list[Step] = [(["k"], "k")]
     for _ in range(choose.randrange(3, 12)):
         letter = choose.choice("abcdefgh")

@@ -3,10 +3,10 @@
 
 usage: check_delegates.py BUILD    a cross-build's folder, which has a compile_commands.json
 
-The frameworks ask a delegate at run time which optional methods it has: one that is misspelt is never called, and no
-compiler says so. Here each class that adopts a protocol is compiled to assembly, in which the compiler has laid down the
-methods of the class and of its protocols as Apple's headers declare them. A method of the class must be in one of the
-protocols, with the same encoding, or be declared in the class's own @interface.
+The frameworks ask a delegate at run time which optional methods it has. A misspelt one is never called, without a warning
+from the compiler. So each class that adopts a protocol is compiled to assembly, which lists the methods of the class and
+of its protocols as declared in Apple's headers. A method of the class must be in one of the protocols, with the same
+encoding, or be declared in the class's own @interface.
 """
 
 import pathlib
@@ -34,7 +34,7 @@ class Tables(typing.NamedTuple):
 
 
 def read_tables(assembly: str) -> Tables:
-    """What an object file's assembly says of its classes."""
+    """Reads the classes from an object file's assembly."""
     values: dict[str, list[str]] = {}
     current: list[str] = []
     for line in assembly.splitlines():
@@ -72,7 +72,7 @@ def match(text: str, pattern: str) -> str | None:
 
 
 def methods_of_protocols(tables: Tables, name: str) -> dict[str, str]:
-    """Everything that a class of this name may implement by the protocols it adopts, and those that they adopt."""
+    """All methods of the protocols that this class adopts, directly or through another protocol."""
     found: dict[str, str] = {}
     for protocol in tables.adopted.get(name, []):
         if protocol != UNIVERSAL:
@@ -91,7 +91,7 @@ def own_selectors(source: str, name: str) -> set[str]:
 
 
 def check(tables: Tables, source: str) -> tuple[list[str], list[str]]:
-    """What agrees, and what does not."""
+    """The methods that match a protocol, and those that do not."""
     agreed, faults = [], []
     for name, methods in tables.classes.items():
         wanted = methods_of_protocols(tables, name)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compiles the sources of a cross-build once more in other ways, and ends with 1 when one of them says anything.
+"""Compiles the sources of a cross-build again in other ways, and exits with 1 when one of them gives a diagnostic.
 
 usage: check_sources.py BUILD [--clang VERSION] [--libcxx FOLDER] [--analyze] [--under FOLDER] [--jobs N]
 
@@ -30,7 +30,7 @@ def with_libcxx(arguments: list[str], folder: str) -> list[str]:
 
 
 def passes(options: argparse.Namespace) -> dict[str, list[str]]:
-    """Title of each pass -> what it adds to a command; the analyzer's report is text."""
+    """Title of each pass -> the arguments that it adds to a command; the analyzer reports as text."""
     found: dict[str, list[str]] = {}
     if options.clang:
         found[f"clang {options.clang}"] = ["-fsyntax-only", "-Werror"]

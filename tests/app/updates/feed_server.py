@@ -1,4 +1,4 @@
-"""A web server on this machine that offers update feeds of every kind, good and bad."""
+"""A local web server with update feeds of every kind, good and bad."""
 
 import gzip
 import http.server
@@ -46,7 +46,7 @@ MEBIBYTE = b" " * (1 << 20)
 
 
 class Server(http.server.ThreadingHTTPServer):
-    """Notes the paths that are asked for, in order; a program that hears enough and leaves is no error."""
+    """Records the requested paths, in order. A client that closes the connection early is no error."""
 
     daemon_threads = True
 
@@ -61,7 +61,7 @@ class Server(http.server.ThreadingHTTPServer):
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
-    """Each path is a story."""
+    """Each path has its own behaviour."""
 
     server: Server
 
@@ -125,7 +125,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
 
 class FeedServer:
-    """Serves until it is left; with a certificate over HTTPS."""
+    """Serves as a context manager; with a certificate, over HTTPS."""
 
     def __init__(self, certificate: pathlib.Path | None = None, plain_address: str = ""):
         self.server = Server(plain_address)
@@ -150,7 +150,7 @@ class FeedServer:
 
 
 def make_certificate(file: pathlib.Path, address: str) -> pathlib.Path:
-    """A certificate for an IP address, signed by itself, with its key in the same file."""
+    """A self-signed certificate for an IP address, with its key in the same file."""
     key = file.with_suffix(".key")
     subprocess.run(
         ["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes", "-days", "2",

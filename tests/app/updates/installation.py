@@ -11,7 +11,7 @@ PATIENCE = 20  # seconds until a test gives up
 
 
 class Installation:
-    """The program in a prefix of its own, with a home of its own."""
+    """The program in its own prefix, with its own home."""
 
     def __init__(self, folder: pathlib.Path, program: pathlib.Path):
         self.prefix = folder / "prefix"
@@ -44,12 +44,12 @@ class Installation:
                               timeout=PATIENCE, check=False, env=self.environment(**environment))
 
     def files(self) -> list[str]:
-        """What the program left in the home."""
+        """The files that the program wrote to the home."""
         return sorted(path.relative_to(self.home).as_posix() for path in self.home.rglob("*") if path.is_file())
 
 
 class Display:
-    """An X server of its own, until it is left."""
+    """A private X server, as a context manager."""
 
     def __enter__(self) -> str:
         reader, writer = os.pipe()

@@ -1,4 +1,4 @@
-"""Asks the real program for updates, against a web server on this machine.
+"""Runs the real program's update probe against a local web server.
 
 usage: probe_test.py KEYVORA [unittest arguments]
 """
@@ -31,7 +31,7 @@ class ProbeTest(unittest.TestCase):
         self.assertNotIn("Sanitizer", answer.stderr)
 
     def assert_error(self, path: str, explanation: str):
-        """The probe says why in one line, and nothing else happened."""
+        """Checks that the probe gives a reason in one line and does nothing else."""
         self.assert_answer(self.installed.probe(self.server.address + path), "error " + explanation, 1)
         self.assert_nothing_else_changed()
 

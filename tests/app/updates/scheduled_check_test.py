@@ -1,4 +1,4 @@
-"""The check that runs by itself, in the real program on a display of its own.
+"""The scheduled check, in the real program on a private display.
 
 usage: scheduled_check_test.py KEYVORA [unittest arguments]
 """
@@ -42,13 +42,13 @@ class ScheduledCheck(unittest.TestCase):
             time.sleep(0.02)
 
     def windows(self) -> list[str]:
-        """Our windows that show."""
+        """The program's visible windows."""
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^keyvora update$"], capture_output=True,
                                text=True, check=False, env=self.installed.environment(DISPLAY=self.display))
         return found.stdout.split()
 
     def end(self, program: subprocess.Popen):
-        """A request to end is obeyed at once, whatever the updater is doing."""
+        """The program must end at once on request, whatever the updater is doing."""
         asked = time.monotonic()
         program.terminate()
         self.assertEqual(program.wait(PATIENCE), 0)

@@ -1,5 +1,5 @@
-"""A private desktop on which keyvora and a spreadsheet run, a simulated user, and readers of what happened.
+"""A private desktop with keyvora and a spreadsheet, a simulated user, and functions that read the results.
 
-Importing this package touches nothing. `PrivateDesktop` sets this process's environment, so a process has
-one desktop in its life; import nothing of GTK or AT-SPI before it stands.
+Importing this package has no side effects. `PrivateDesktop` sets this process's environment, so a process can have only
+one desktop. Import GTK or AT-SPI only after the desktop is running.
 """

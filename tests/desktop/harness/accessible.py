@@ -1,6 +1,6 @@
-"""Other programs' accessible trees, as they are now: what changes is read past the library's cache.
+"""Other programs' accessible trees in their present state: properties that change are read past the library's cache.
 
-Never ask the library for an empty cache mask instead: the next read then waits for ever (at-spi2-core 2.46).
+Do not set an empty cache mask in the library instead: the next read would then wait for ever (at-spi2-core 2.46).
 """
 
 from collections.abc import Iterator
@@ -34,7 +34,7 @@ def application(process: int) -> Element | None:
 
 
 def children(element: Element) -> list[Element]:
-    """The children there are now; those that go away meanwhile are left out."""
+    """The present children, without those that disappear meanwhile."""
     try:
         found = [element.get_child_at_index(index) for index in range(element.get_child_count())]
     except GLib.Error:
@@ -43,7 +43,7 @@ def children(element: Element) -> list[Element]:
 
 
 def descendants(element: Element, deepest: int = 20) -> Iterator[Element]:
-    """Everything below an element, depth first; tables are not entered, they have too many cells."""
+    """All descendants of an element, depth first, without the content of tables, which have too many cells."""
     for child in children(element):
         yield child
         if deepest > 0 and role(child) != "table":
@@ -51,7 +51,7 @@ def descendants(element: Element, deepest: int = 20) -> Iterator[Element]:
 
 
 def role(element: Element) -> str:
-    """What the element is: "menu item", "push button"."""
+    """The element's role: "menu item", "push button"."""
     try:
         return element.get_role_name()
     except GLib.Error:
@@ -59,7 +59,7 @@ def role(element: Element) -> str:
 
 
 def name(element: Element) -> str:
-    """The element's name: what it is titled."""
+    """The element's name, such as its title."""
     try:
         return element.get_name() or ""
     except GLib.Error:
@@ -67,7 +67,7 @@ def name(element: Element) -> str:
 
 
 def is_active(element: Element) -> bool:
-    """Whether a window has the keyboard."""
+    """Whether a window has the keyboard focus."""
     return _has_state(element, Atspi.StateType.ACTIVE)
 
 
@@ -87,7 +87,7 @@ def is_showing(element: Element) -> bool:
 
 
 def is_enabled(element: Element) -> bool:
-    """Whether it can be chosen; what is disabled is shown grey."""
+    """Whether it is enabled."""
     return _has_state(element, Atspi.StateType.SENSITIVE)
 
 
@@ -103,7 +103,7 @@ def area(element: Element) -> Area:
 
 
 def text(element: Element) -> str:
-    """The text that the element holds."""
+    """The element's text."""
     try:
         # Called through the interface's class, because newer bindings have another get_text() on every element.
         return Atspi.Text.get_text(element, 0, Atspi.Text.get_character_count(element)) or ""
@@ -130,7 +130,7 @@ def selected_children(element: Element, most: int = 100) -> list[Element]:
 
 
 def attribute(element: Element, key: str) -> str:
-    """What the element says of itself under a key; empty when it says nothing."""
+    """An attribute of the element; empty when it does not have it."""
     try:
         return (element.get_attributes() or {}).get(key, "")
     except GLib.Error:
@@ -146,7 +146,7 @@ def find(element: Element, wanted: str, title: str | None = None) -> Element | N
 
 
 def dump(element: Element, depth: int = 0, deepest: int = 8) -> str:
-    """The tree as indented lines, for a person who debugs."""
+    """The tree as indented lines, for debugging."""
     line = f"{'  ' * depth}{role(element)} {name(element)!r} {text(element)!r}\n"
     if depth == deepest or role(element) == "table":
         return line

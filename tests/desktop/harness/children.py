@@ -1,4 +1,4 @@
-"""Child processes that never outlive this one, whatever ends it."""
+"""Child processes that never outlive this one, however it ends."""
 
 import ctypes
 import os
@@ -14,7 +14,7 @@ _libc = ctypes.CDLL(None, use_errno=True)
 
 
 class Children:
-    """Starts programs and stops them, the last started first. Their output goes to files in one folder."""
+    """Starts programs, and stops them in reverse order. Their output goes to files in one folder."""
 
     def __init__(self, logs: Path) -> None:
         self._logs = logs
@@ -28,7 +28,7 @@ class Children:
               interactive: bool = False, own_group: bool = False) -> subprocess.Popen[bytes]:
         """Starts `command`; its standard error, and its output unless `interactive`, go to `name`.log.
 
-        With `own_group` it leads a process group, as what a shell starts does.
+        With `own_group` it leads a process group, as a command started by a shell does.
         """
         name = name or Path(command[0]).name
         log = self.log(name)
@@ -50,11 +50,11 @@ class Children:
         return [program for program, child in self._running if child.poll() is None]
 
     def log(self, name: str) -> Path:
-        """Where the output of the program started under `name` goes."""
+        """The file with the output of the program started under `name`."""
         return self._logs / f"{name}.log"
 
     def stop_all(self) -> None:
-        """Asks every child to end, the last first, and ends by force what does not, strays included."""
+        """Ends every child, the last first, and kills those that do not end, including orphans of children."""
         for _, child in reversed(self._running):
             stop(child)
         self._running.clear()
@@ -62,7 +62,7 @@ class Children:
 
 
 def stop(child: subprocess.Popen[bytes], seconds: float = 3.0) -> int:
-    """Ends one child: by SIGTERM, then by force. Returns its exit status."""
+    """Ends one child by SIGTERM, then by SIGKILL. Returns its exit status."""
     for stream in (child.stdin, child.stdout):
         if stream:
             stream.close()
@@ -76,7 +76,7 @@ def stop(child: subprocess.Popen[bytes], seconds: float = 3.0) -> int:
 
 
 def exit_on_signals() -> None:
-    """Makes SIGTERM, SIGINT and SIGHUP end this process by an exception, so that everything is torn down."""
+    """Makes SIGTERM, SIGINT and SIGHUP raise an exception, so that everything is cleaned up."""
     def leave(number: int, _frame: object) -> None:
         sys.exit(128 + number)
 
@@ -89,7 +89,7 @@ def _die_with_parent() -> None:
 
 
 def _kill_strays() -> None:
-    """Ends and reaps every process that is a child of this one: what our children left behind."""
+    """Ends and reaps the remaining children of this process, which are orphans of its children."""
     while strays := _children_of_this_process():
         for stray in strays:
             try:

@@ -17,9 +17,9 @@ Document = dict[str, Any]
 
 
 class Keyvora:
-    """keyvora on a private desktop; it runs between `start` and `stop`. A second one has a home of its own.
+    """keyvora on a private desktop; it runs between `start` and `stop`. A second instance has its own home.
 
-    `desktop_file` names the one desktop file that it finds, in place of those that are installed.
+    `desktop_file` is the only desktop file that it finds, instead of the installed ones.
     """
 
     def __init__(self, desktop: PrivateDesktop, program: Path, home: Path | None = None,
@@ -35,12 +35,12 @@ class Keyvora:
         self.console = desktop.children.log("keyvora")
 
     def write(self, document: Document) -> None:
-        """Saves the document in place, as a plain editor does."""
+        """Saves the document in place, as simple editors do."""
         self.mappings.parent.mkdir(parents=True, exist_ok=True)
         self.mappings.write_text(json.dumps(document, indent=2, ensure_ascii=False) + "\n")
 
     def launch(self, extra_path: Path | None = None) -> subprocess.Popen[bytes]:
-        """Starts the program and waits for nothing; `extra_path` comes first on its PATH."""
+        """Starts the program without waiting; `extra_path` comes first on its PATH."""
         environment = dict(os.environ, HOME=str(self._home))
         if self._desktop_file is not None:
             data = self._desktop.folder / "data"
@@ -65,7 +65,7 @@ class Keyvora:
         until(lambda: self.status() == "⌥", "the status item in the tray or panel", seen=self.status)
 
     def stop(self) -> int:
-        """Ends the program as a user's session does. Returns its exit status."""
+        """Ends the program as a logout does. Returns its exit status."""
         if not self._process:
             return 0
         status = stop(self._process, 30)  # a busy machine needs time, and a sanitizer more
@@ -73,7 +73,7 @@ class Keyvora:
         return status
 
     def kill(self) -> None:
-        """Ends the program by force, as a crash would."""
+        """Kills the program, as in a crash."""
         assert self._process
         self._process.send_signal(signal.SIGKILL)
         self._process.wait()
@@ -89,7 +89,7 @@ class Keyvora:
         return self._process.pid
 
     def status(self) -> str:
-        """The text of its status item as a panel or the tray has it; empty when none has."""
+        """The text of its status item in a panel or the tray; empty without one."""
         return self._status_item()[1] or self._notifier_title()
 
     def _notifier_title(self) -> str:
@@ -107,7 +107,7 @@ class Keyvora:
 
 
 class Log:
-    """The program's log file, read anew every time."""
+    """The program's log file, read at every call."""
 
     def __init__(self, path: Path) -> None:
         self.path = path

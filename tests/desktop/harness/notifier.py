@@ -8,17 +8,17 @@ _WATCHER = "org.kde.StatusNotifierWatcher"
 
 
 def items() -> list[str]:
-    """What is registered with the watcher; empty where there is none."""
+    """The items registered with the watcher; empty without a watcher."""
     return _property(_WATCHER, "/StatusNotifierWatcher", _WATCHER, "RegisteredStatusNotifierItems") or []
 
 
 def has_host() -> bool:
-    """Whether a panel that shows them is there."""
+    """Whether there is a panel that shows them."""
     return bool(_property(_WATCHER, "/StatusNotifierWatcher", _WATCHER, "IsStatusNotifierHostRegistered"))
 
 
 def title(process: int) -> str:
-    """The text of the item of a process, as its tool tip has it; empty while no watcher lists it."""
+    """The text of a process's item, from its tool tip; empty while no watcher lists it."""
     name = f"org.kde.StatusNotifierItem-{process}-1"
     owner = _call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner",
                   GLib.Variant("(s)", (name,)))
@@ -30,7 +30,7 @@ def title(process: int) -> str:
 
 
 def rows(process: int) -> list[str]:
-    """The rows of its menu as a panel is given them: a title with what is special about it, or a dash."""
+    """The rows of its menu as a panel receives them: a title with its special states, or a dash."""
     answer = _call(f"org.kde.StatusNotifierItem-{process}-1", "/MenuBar", "com.canonical.dbusmenu", "GetLayout",
                    GLib.Variant("(iias)", (0, -1, [])))
     return [_describe(properties) for _, properties, _ in answer[1][2]] if answer else []

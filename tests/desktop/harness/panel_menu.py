@@ -1,5 +1,5 @@
-"""The item's menu as a panel draws it. Not every panel tells assistive tools of it: it is judged by what is seen,
-by what the panel was given to draw, and by what choosing a row does.
+"""The item's menu as a panel draws it. Not every panel exposes it to assistive tools, so it is checked by pictures, by
+the rows that the panel received, and by the effect of choosing a row.
 """
 
 from . import notifier, x11
@@ -37,7 +37,7 @@ class PanelMenu:
         return changed is not None and changed.height > _LEAST_HEIGHT
 
     def rows(self) -> list[str]:
-        """What the panel was given, as StatusMenu has it."""
+        """The rows that the panel received, in the form of StatusMenu."""
         return notifier.rows(self._keyvora.process_id())
 
     def await_other_rows(self, before: Picture) -> None:
@@ -46,7 +46,7 @@ class PanelMenu:
         self._rests()
 
     def picture(self) -> Picture:
-        """What it looks like."""
+        """A picture of it."""
         return Picture(self._area)
 
     def choose_by_keys(self, number: int) -> None:
@@ -61,12 +61,12 @@ class PanelMenu:
         x11.click(Area(first.x, first.y + (number - 1) * first.height, first.width, first.height))
 
     def close(self) -> None:
-        """Leaves it without choosing."""
+        """Closes it without choosing."""
         self._typist.tap("Escape")
         self.wait_until_closed()
 
     def wait_until_closed(self) -> None:
-        """Waits until nothing of it is seen."""
+        """Waits until it is invisible."""
         until(lambda: not self.is_open(), "the panel's menu to close", _PATIENCE)
 
     def _step_down(self) -> Area:

@@ -1,4 +1,4 @@
-"""The panels of today's desktops, each on a private desktop, with nothing in it but status items."""
+"""The panels of current desktops, on a private desktop, with only status items in them."""
 
 import os
 import shutil
@@ -16,7 +16,7 @@ PATIENCE = 60
 
 
 class Panel(ABC):
-    """A panel that shows status notifier items; it starts and stops on the desktop that is up."""
+    """A panel that shows status notifier items on the running desktop."""
 
     name: str
     program: str
@@ -42,12 +42,12 @@ class Panel(ABC):
         return shutil.which(cls.program) is not None
 
     def start(self) -> None:
-        """Starts the panel and waits until it takes items."""
+        """Starts the panel and waits until it accepts items."""
         self._start(self._children)
         until(notifier.has_host, f"{self.program} to take status notifier items", PATIENCE)
 
     def kill(self) -> None:
-        """Ends it by force, as a crash would."""
+        """Kills it, as in a crash."""
         process = self._children.named(self.program)
         process.kill()
         process.wait()
@@ -156,7 +156,7 @@ enable-animations=false
             LIBGL_ALWAYS_SOFTWARE="1"))
 
     def start(self) -> None:
-        """Starts the shell, and leaves the overview that it begins with."""
+        """Starts the shell, and closes the overview that it shows first."""
         super().start()
         try:
             until(self._is_in_overview, "the shell's overview", 15)
@@ -178,7 +178,7 @@ enable-animations=false
 
     @staticmethod
     def _start_system_bus(children: Children) -> None:
-        """The shell does not start without a login manager: a stand-in on a bus of its own."""
+        """Provides a stand-in for the login manager on a private bus, without which the shell does not start."""
         if "DBUS_SYSTEM_BUS_ADDRESS" in os.environ:
             return
         read, write = os.pipe()

@@ -1,4 +1,4 @@
-"""What is to be seen on a part of the screen, pixel by pixel."""
+"""The pixels of a part of the screen."""
 
 import subprocess
 
@@ -6,7 +6,7 @@ from .x11 import Area
 
 
 class Picture:
-    """A part of the screen as it was when this was made."""
+    """A part of the screen at the time of construction."""
 
     def __init__(self, area: Area) -> None:
         self.area = area

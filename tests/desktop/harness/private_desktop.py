@@ -1,6 +1,6 @@
-"""A desktop of its own: display, session bus, accessibility bus, window manager and tray.
+"""A private desktop: display, session bus, accessibility bus, window manager and tray.
 
-Nothing of the user's session is used or touched: home, runtime folder, display and buses are private.
+It does not use or change the user's session: home, runtime folder, display and buses are private.
 """
 
 import os
@@ -38,11 +38,11 @@ _OPENBOX = """<?xml version="1.0" encoding="UTF-8"?>
 
 
 class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
-    """Stands from `with` to its end. `home` is the user's home, `folder` holds everything that was written.
+    """A context manager. `home` is the user's home; `folder` contains all files written.
 
-    `tray`, `window_manager` and `accessibility` leave out a part, for what happens on a desktop without it. The
-    folder is removed at the end, unless `keep` names one. With `wayland` it is a session of Wayland without a screen,
-    and the display is the one that its compositor runs for X programs.
+    `tray`, `window_manager` and `accessibility` can omit that part of the desktop. The folder is removed at the end,
+    unless `keep` names one. With `wayland` it is a Wayland session without a screen, and the display is the one that its
+    compositor provides for X programs.
     """
 
     def __init__(self, *, size: str = "1280x800", keep: Path | None = None, tray: bool = True,
@@ -85,7 +85,7 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         return path
 
     def set_layout(self, layout: str, variant: str = "", option: str = "") -> None:
-        """Changes the layout of every keyboard, and what its special keys do, as a user's settings do."""
+        """Changes the layout and options of every keyboard, as a user's settings do."""
         subprocess.run(["setxkbmap", "-layout", layout, "-variant", variant, "-option", "", "-option", option],
                        check=True)
 

@@ -1,4 +1,4 @@
-"""What the system counts of a process: wake-ups, processor time, memory, open files."""
+"""The system's statistics of a process: wake-ups, processor time, memory, open files."""
 
 import os
 from dataclasses import dataclass
@@ -44,6 +44,6 @@ def processor_ticks(process: int) -> int:
 
 
 def children(process: int) -> list[int]:
-    """The processes that it started and that are still there."""
+    """Its running child processes."""
     return [int(child) for task in Path(f"/proc/{process}/task").iterdir()
             for child in (task / "children").read_text().split()]

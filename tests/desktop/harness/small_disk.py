@@ -11,10 +11,10 @@ _libc = ctypes.CDLL(None, use_errno=True)
 
 
 class SmallDisk:
-    """A file system in memory at `folder`, which is made.
+    """A file system in memory at `folder`, which is created.
 
-    Only this process and what it starts from now on see it: from here on its mounts are its own. Raises
-    PermissionError where the system does not allow that.
+    Only this process and its later children see it, because this process gets its own mount namespace. Raises
+    PermissionError if the system does not allow that.
     """
 
     def __init__(self, folder: Path, kibibytes: int = 256) -> None:
@@ -27,12 +27,12 @@ class SmallDisk:
         _mount("-t", "tmpfs", "-o", f"size={kibibytes}k", "tmpfs", str(folder))
 
     def unmount(self) -> None:
-        """Takes it away with everything that is on it; nobody may have a file of it open."""
+        """Removes it with its content; no file on it may be open."""
         subprocess.run(["umount", str(self.folder)], check=True)
         self.folder.rmdir()
 
     def fill(self, free: int = 0) -> None:
-        """Takes up all room but so many bytes, to a whole page."""
+        """Uses all room except this many bytes, in whole pages."""
         with self._filler.open("wb", buffering=0) as filler:
             try:
                 while filler.write(bytes(4096)):
@@ -43,7 +43,7 @@ class SmallDisk:
             filler.truncate(filler.tell() - free)
 
     def make_room(self) -> None:
-        """Gives back what `fill` took."""
+        """Frees the room that `fill` used."""
         self._filler.unlink()
 
 

@@ -16,7 +16,7 @@ from .waiting import PATIENCE, calm, equal, until
 
 
 class Spreadsheet(ABC):
-    """One window of a running spreadsheet. Made when it is in front and its menu bar is filled."""
+    """One window of a running spreadsheet. Constructed when it is active and its menu bar has items."""
 
     # Its name on a command line, and its program.
     name: ClassVar[str]
@@ -40,7 +40,7 @@ class Spreadsheet(ABC):
 
     @classmethod
     def is_installed(cls) -> bool:
-        """Whether it can be started at all."""
+        """Whether it is installed."""
         return shutil.which(cls.program) is not None
 
     def __init__(self, desktop: PrivateDesktop, *files: str) -> None:
@@ -50,7 +50,7 @@ class Spreadsheet(ABC):
         self._take_window_in_front(before, [])
 
     def new_window(self, typist: Typist) -> "Spreadsheet":
-        """A second workbook of the same process, made as a user does."""
+        """Opens a second workbook of the same process, as a user does."""
         known = accessible.children(self._root)
         typist.tap("Control+n")
         second = copy.copy(self)
@@ -58,7 +58,7 @@ class Spreadsheet(ABC):
         return second
 
     def _take_window_in_front(self, before: str, known: list[accessible.Element]) -> None:
-        """Makes the new window in front this one's: not `before`, and none of the `known` frames."""
+        """Takes the new active window as this one's: not `before`, and none of the `known` frames."""
         until(lambda: x11.active_window() != before and self.window_class in x11.active_class(),
               f"{self.name} in front", seen=x11.active_class)
         self.window = x11.active_window()
@@ -71,7 +71,7 @@ class Spreadsheet(ABC):
         self._find_places()
 
     def _find_places(self) -> None:
-        """Finds where the selection and the input are read."""
+        """Finds the elements from which the selection and the input are read."""
         texts = until(self._find_texts, "the name box and the input line")
         assert texts
         self._name_box, self._input_line = texts
@@ -85,7 +85,7 @@ class Spreadsheet(ABC):
         return x11.active_window() == self.window
 
     def has_noticed(self) -> bool:
-        """Whether it knows, too, that its main window is the active one."""
+        """Whether the spreadsheet itself knows that its main window is active."""
         return self.is_in_front() and accessible.is_active(self._frame)
 
     def selected(self) -> str:
@@ -106,10 +106,10 @@ class Spreadsheet(ABC):
         equal(self.selected, cell, "the selected cell", seconds)
 
     def rest(self) -> None:
-        """Waits until it takes keys without losing any, once a cell was left and another one selected."""
+        """Waits until it loses no keys any more, after another cell was selected."""
 
     def content(self, typist: Typist, cell: str) -> str:
-        """Goes to a cell and reads what it holds."""
+        """Selects a cell and reads its content."""
         self.select(typist, cell)
         return self.input()
 
@@ -200,11 +200,12 @@ class Calc(Spreadsheet):
                 f"-env:UserInstallation=file://{desktop.home}/office"]
 
     def rest(self) -> None:
-        """Escape is not yet all done when the next cell is selected: what is typed meanwhile may go with it."""
+        """Waits for the end of Escape's effect, which continues after the next cell is selected and may discard keys
+        typed meanwhile."""
         calm(lambda: processor_ticks(self.process), "Calc", 0.3)
 
     def shown(self, cell: str) -> str:
-        """What a cell of the sheet shows, be it selected or not."""
+        """What a cell of the sheet shows, selected or not."""
         found = self.cell(cell)
         return accessible.text(found) if found else ""
 
@@ -226,7 +227,7 @@ class Calc(Spreadsheet):
         return super().selected() if self._tells_its_texts() else self._selected_cells()
 
     def input(self) -> str:
-        """As ever; where Calc tells nothing of its input line, the selected cell's formula or text."""
+        """The content of the input line; if Calc does not expose it, the selected cell's formula or text."""
         if self._tells_its_texts():
             return super().input()
         found = self.cell(self._selected_cells().partition(":")[0] or "A1")

@@ -25,7 +25,7 @@ class StatusMenu:
         return self._menu() is not None
 
     def wait_until_closed(self) -> None:
-        """Waits until it cannot."""
+        """Waits until it is invisible."""
         until(lambda: not self.is_open(), "the menu to close")
 
     def rows(self) -> list[str]:

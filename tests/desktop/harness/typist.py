@@ -1,4 +1,4 @@
-"""The simulated user's hands."""
+"""The simulated user's keyboard input."""
 
 from pathlib import Path
 
@@ -10,10 +10,10 @@ XTEST_KEYBOARD = "Virtual core XTEST keyboard"
 
 
 class Typist:
-    """Types on one keyboard of the display; every call returns when the display has taken the keys.
+    """Types on one keyboard of the display; every call returns when the display has processed the keys.
 
-    Keys are called by what an American keyboard has printed on them, whatever the layout. `device` is
-    another keyboard: XTEST_KEYBOARD is the one that other programs type on.
+    Keys are named by their labels on an American keyboard, whatever the layout. `device` selects another keyboard:
+    XTEST_KEYBOARD is the one on which programs type.
     """
 
     def __init__(self, children: Children, program: Path, device: str = KEYBOARD) -> None:
@@ -21,11 +21,11 @@ class Typist:
         self._expect_ok("start")
 
     def end(self) -> None:
-        """Ends the program; what it holds down stays down."""
+        """Ends the program; keys that it holds stay down."""
         stop(self._process)
 
     def pace(self, milliseconds: int) -> None:
-        """From now on waits so long after every key."""
+        """Sets the pause after every key."""
         self.send(f"pace {milliseconds}")
 
     def tap(self, *keys: str) -> None:
@@ -33,7 +33,7 @@ class Typist:
         self.send("tap " + " ".join(keys))
 
     def burst(self, times: int, *keys: str) -> None:
-        """Taps the keys so many times over, all sent at once."""
+        """Taps the keys this many times, all sent at once."""
         self.send(f"burst {times} " + " ".join(keys))
 
     def down(self, *keys: str) -> None:

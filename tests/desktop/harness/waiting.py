@@ -1,4 +1,4 @@
-"""Waiting for conditions. Nothing here sleeps for a time that somebody guessed."""
+"""Waiting for conditions, never for a fixed time."""
 
 import time
 from typing import Callable, TypeVar

@@ -1,4 +1,4 @@
-"""What the display tells about its windows, and the mouse, by the display's own small tools."""
+"""Properties of the display's windows, and the mouse, through X's command-line tools."""
 
 import re
 import subprocess
@@ -69,7 +69,7 @@ def window_area(window: str) -> Area | None:
 
 
 def activate(window: str) -> None:
-    """Asks the window manager to bring a window to the front, as a task bar does."""
+    """Requests that the window manager activates a window, as a task bar does."""
     subprocess.run(["xdotool", "windowactivate", window], check=True)
 
 

@@ -1,1 +1,1 @@
-"""End-to-end tests: keyvora, a real spreadsheet and a simulated user, judged by what can be seen."""
+"""End-to-end tests: keyvora, a real spreadsheet and a simulated user. They check visible results."""

@@ -1,6 +1,6 @@
 """Runs the end-to-end tests: `python3 -m suite --keyvora PROGRAM --typist PROGRAM [MODULE|MODULE.CLASS.TEST ...]`
 
-Brings up one private desktop with one spreadsheet for all of them. A failed test leaves a screenshot and the
+Starts one private desktop with one spreadsheet for all of them. A failed test leaves a screenshot and the
 logs of everything that ran in the folder of --artifacts. Exit status 77: the spreadsheet is not
 installed, or the system does not allow any of these tests.
 """
@@ -77,7 +77,7 @@ Fault: TypeAlias = Any
 
 
 class Result(unittest.TextTestResult):
-    """Keeps what a person needs who was not there: the screen and the logs at the moment of a failure."""
+    """Saves the screen and the logs at the moment of a failure."""
 
     artifacts: Path
 

@@ -1,4 +1,4 @@
-"""What comes of each sequence of resources/calc.json."""
+"""The expected effect of each sequence in resources/calc.json."""
 
 from .document_case import (COPY_A2_TO_E5, GO_FROM_A2_TO_E5, Case, Cells, Closed, Recalculated, Saved, Window)
 

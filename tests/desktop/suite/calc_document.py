@@ -1,4 +1,4 @@
-"""The document for Calc: every sequence of resources/calc.json, typed by a user, does its work in the real Calc."""
+"""The document for Calc: every sequence in resources/calc.json is typed and checked in the real Calc."""
 
 import re
 from pathlib import Path

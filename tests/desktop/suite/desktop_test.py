@@ -1,4 +1,4 @@
-"""What every end-to-end test stands on."""
+"""The base of every end-to-end test."""
 
 import shutil
 import time
@@ -36,7 +36,7 @@ SHORTEST_HOLD = 1.0
 
 @dataclass
 class Environment:
-    """What the runner was given and has brought up."""
+    """The runner's arguments, and the desktop and programs that it started."""
 
     desktop: PrivateDesktop
     keyvora: Path
@@ -49,7 +49,7 @@ class Environment:
 
 
 class DesktopTest(unittest.TestCase):
-    """A fresh keyvora with `document`, and an empty cell selected in the spreadsheet that is in front."""
+    """A new keyvora with `document`, and an empty cell selected in the active spreadsheet."""
 
     environment: ClassVar[Environment]
     document: ClassVar[Document] = DOCUMENT
@@ -80,17 +80,17 @@ class DesktopTest(unittest.TestCase):
         self.keyvora.start(extra_path)
 
     def end(self) -> None:
-        """Ends keyvora, which must still be alive and end cleanly: a sanitizer's report is a status, too."""
+        """Ends keyvora, which must still be running and exit with 0. A sanitizer's report changes the status."""
         self.assertEqual(0, self.keyvora.stop(), "keyvora's exit status")
 
     def new_typist(self, **options: str) -> Typist:
-        """Another pair of hands, for this test."""
+        """Another typist, for this test."""
         typist = Typist(self.desktop.children, self.environment.typist, **options)
         self.addCleanup(typist.end)
         return typist
 
     def new_cell(self) -> None:
-        """Selects an empty cell of a column of its own, where no completion gets in the way."""
+        """Selects an empty cell in a new column, where no completion interferes."""
         DesktopTest._columns_used += 1
         self.typist.tap("Escape")
         # A dialog of the previous test may still be closing, and would get the next keys.
@@ -99,7 +99,7 @@ class DesktopTest(unittest.TestCase):
         self.sheet.rest()
 
     def dismiss(self) -> None:
-        """Leaves the cell, a menu or a dialog without a trace."""
+        """Leaves the cell, a menu or a dialog without changing anything."""
         if self.environment.sheet:
             self.typist.tap("Escape", "Escape")
 
@@ -123,7 +123,7 @@ class DesktopTest(unittest.TestCase):
         self.fail(f"a key is held: {keys}")
 
     def expect_everything_works(self) -> None:
-        """One sequence fires and plain letters arrive: nothing is stuck, whatever happened before."""
+        """One sequence fires and plain letters arrive, so nothing is stuck."""
         self.new_cell()
         fired = self.keyvora.log.count("HF  Type x (keystroke)")
         self.typist.tap("k")

@@ -1,25 +1,25 @@
-"""What a sequence of a shipped document is to do, as a person would see it."""
+"""The expected visible effect of a sequence in a shipped document."""
 
 from dataclasses import dataclass, field
 
 
 @dataclass
 class Window:
-    """Another window is in front, with a title like this; "(untitled)" stands for none."""
+    """Another window is active, with a title that matches this; "(untitled)" stands for none."""
 
     title: str
 
 
 @dataclass
 class Cells:
-    """Cells hold this: what the input line shows, a formula's text or a value."""
+    """Cells contain this: the text of the input line, a formula or a value."""
 
     content: dict[str, str]
 
 
 @dataclass
 class Saved:
-    """The saved file has this, which it had not before; or has it no more."""
+    """The saved file contains this and did not before, or no longer contains it."""
 
     pattern: str
     present: bool = True
@@ -47,7 +47,7 @@ Outcome = Window | Cells | Saved | Recalculated | Selected | Closed
 
 @dataclass
 class Case:
-    """Where the user is, what is done before and after the sequence, and what comes of it.
+    """The initial state, the steps before and after the sequence, and the expected effect.
 
     The user is in `cell`, with all cells down and right to `last` selected; `first` and `then` are keys. `fire_first`
     are other sequences, after which the selection stays as it is if `stay`; `click` is a cell that is clicked on

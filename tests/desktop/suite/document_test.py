@@ -1,4 +1,4 @@
-"""Carries the sequences of a shipped document out in the spreadsheet that it is for."""
+"""Carries out the sequences of a shipped document in its spreadsheet."""
 
 import json
 import os
@@ -48,7 +48,7 @@ class DocumentTest(unittest.TestCase):
         raise NotImplementedError
 
     def content(self, file: Path) -> str:
-        """What is in a file that was saved; raises EOFError while it is not whole."""
+        """The content of a saved file; raises EOFError while it is incomplete."""
         raise NotImplementedError
 
     def shown(self, cell: str) -> str | None:
@@ -125,7 +125,7 @@ class DocumentTest(unittest.TestCase):
         self.expect(case.outcome, before)
 
     def carry_out_twice(self, keys: str, case: Case) -> None:
-        """What a sequence switches on, it switches off again."""
+        """A sequence that enables something disables it when typed again."""
         assert isinstance(case.outcome, Saved)
         self.carry_out(keys, case)
         self.change_something()
@@ -141,7 +141,7 @@ class DocumentTest(unittest.TestCase):
         self.sheet = self.kind(self.desktop, str(self.file))
 
     def select(self, case: Case) -> None:
-        """Selects what a case is about."""
+        """Selects the cells of a case."""
         self.go(case.cell)
         if case.last:
             self.extend(case.cell, case.last)
@@ -169,7 +169,7 @@ class DocumentTest(unittest.TestCase):
 
     @staticmethod
     def insist(step: Callable[[], None]) -> None:
-        """Takes a step again when a key was lost: Calc does while it loads or saves, keyvora or not."""
+        """Repeats a step when a key was lost, which happens in Calc while it loads or saves, even without keyvora."""
         for _ in range(3):
             try:
                 return step()
@@ -178,7 +178,7 @@ class DocumentTest(unittest.TestCase):
         step()
 
     def change_something(self) -> None:
-        """Changes a cell far off: what is not changed is not saved, and settings of the view do not count."""
+        """Changes a distant cell: without a change the file is not saved, and settings of the view do not count as one."""
         self.go("F1")
         self.typist.tap("z", "Return")
 
@@ -249,7 +249,7 @@ class DocumentTest(unittest.TestCase):
         return until(lambda: text if bool(re.search(pattern, text := self.save())) == present else "", what)
 
     def end_all(self) -> None:
-        """Ends the spreadsheet, whatever it is asking, and even if it never came to work."""
+        """Ends the spreadsheet, even if it shows a dialog or has not finished starting."""
         def processes() -> set[str]:
             windows = [window for name in self.kind.window_classes for window in x11.windows_of_class(name)]
             return {x11.window_property(window, "_NET_WM_PID") for window in windows} - {""}

@@ -1,4 +1,4 @@
-"""The document for gnumeric: every sequence of resources/gnumeric.json, typed by a user, does its work in gnumeric."""
+"""The document for gnumeric: every sequence in resources/gnumeric.json is typed and checked in gnumeric."""
 
 import gzip
 import zlib
