@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Writes special_casing.h, the full case mappings that are more than one code point long.
+"""Writes special_casing.h: the full case mappings with more than one code point.
 
     generate_special_casing.py SpecialCasing.txt > special_casing.h
 
-SpecialCasing.txt is a file of the Unicode Character Database. Its unconditional lines are taken whose mapping
-has several code points; single ones are the simple mappings that the program has from its Unicode library.
-Lines with a condition (a language, a final sigma) are left out: the mappings here know neither locale nor context.
+SpecialCasing.txt is a file of the Unicode Character Database. The script takes the unconditional lines whose mapping has
+several code points; mappings to one code point come from the program's Unicode library. Lines with a condition (a
+language, a final sigma) are left out, because the mappings do not depend on locale or context.
 """
 
 import pathlib

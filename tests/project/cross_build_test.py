@@ -1,4 +1,4 @@
-"""scripts/cross-build-macos where there is nothing to build with: it says so and ends with 77, which CI shows as skipped."""
+"""scripts/cross-build-macos without an SDK: it prints that and exits with 77, which CTest shows as skipped."""
 
 import os
 import pathlib

@@ -1,4 +1,4 @@
-"""The cross-build's comparison of delegates with their protocols, on a class of the test's own that needs no SDK."""
+"""The cross-build's comparison of delegates with their protocols, on a class of this test that needs no SDK."""
 
 import pathlib
 import subprocess

@@ -1,6 +1,6 @@
-"""scripts/macos/first-day as far as it goes without a Mac: what it says and leaves out, and how its judge judges.
+"""scripts/macos/first-day as far as it runs without a Mac: its output, the skipped steps, and the judgements.
 
-The session's record is made here, in the form in which the stand-in writes it; each rule is then broken once.
+The test writes a record in the form of the stand-in's, and then breaks each rule once.
 """
 
 import json

@@ -1,7 +1,6 @@
-"""Fails when an include breaks the table of docs/architecture.md: who may include whom, and which library.
-
-The core never includes a host, and outside the hosts and the build files nothing asks which system it is on. A rule
-that no include uses fails as well, so that the table says what is.
+"""Fails when an include breaks the table in docs/architecture.md, which lists the folders and libraries that each folder
+may include. The core never includes a host, and outside the hosts and the build files no code tests for the operating
+system. A rule that no include uses fails too, so that the table matches the tree.
 """
 
 import pathlib

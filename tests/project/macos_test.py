@@ -1,4 +1,4 @@
-"""Holds what the macOS bundle is made of, and the audit of its system calls, against the tree. Needs no Mac.
+"""Checks the parts of the macOS bundle, and the review of its system calls, against the source tree. Needs no Mac.
 
 The bundle: the information dictionary's template, the entitlements, and how the signing scripts sign. The audit:
 docs/macos-review.md has a section for each file that calls the system; the calls it names must be in that file, and the

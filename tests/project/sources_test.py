@@ -1,6 +1,5 @@
-"""The libraries that a Mac builds from sources: what git is asked for, and that local folders need no git at all.
-
-Git is a stand-in here that writes down what it is called with, so that nothing is fetched.
+"""The libraries that a Mac builds from sources: the calls of git, and that local folders need no git. A stand-in for git
+records its arguments, so that nothing is fetched.
 """
 
 import os

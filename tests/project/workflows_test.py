@@ -1,4 +1,4 @@
-"""What every workflow of continuous integration keeps to: least rights, and actions pinned by commit."""
+"""Rules for all workflows of continuous integration: least permissions, and actions pinned by commit."""
 
 import pathlib
 import re

@@ -1,4 +1,4 @@
-"""Holds the JSON schema against the decode vectors that are strict JSON, and against what is shipped.
+"""Checks the JSON schema with the decode vectors that are strict JSON, and with the shipped documents.
 
 What a schema cannot see is left out: bytes that are not UTF-8 JSON by the letter (a trailing comma, another
 encoding, half of a surrogate pair), a key that stands twice, and nesting deeper than the decoder goes.

@@ -1,4 +1,4 @@
-"""The vector runner must fail when it should: it is what the other checks stand on."""
+"""Checks that the vector runner fails when it should, since other checks depend on it."""
 
 import os
 import pathlib

@@ -1,4 +1,4 @@
-"""keyvora in a session of Wayland, with the spreadsheet as an X program. Run with --wayland."""
+"""keyvora in a Wayland session, with the spreadsheet as an X program. Run with --wayland."""
 
 from harness.typist import XTEST_KEYBOARD, Typist
 from harness.waiting import until
@@ -10,7 +10,7 @@ class Wayland(DesktopTest):
     starts_keyvora = False
 
     def new_typist(self, **options: str) -> Typist:
-        """The compositor has the keyboard; programs type on another."""
+        """The compositor uses the hardware keyboard, so this typist uses XTEST's."""
         return super().new_typist(device=XTEST_KEYBOARD, **options)
 
     def setUp(self) -> None:

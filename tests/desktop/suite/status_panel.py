@@ -1,4 +1,4 @@
-"""The status item in a panel for status notifier items: what is seen of it, its menus, and the panel's end.
+"""The status item in a panel for status notifier items: its picture, its menus, and the end of the panel.
 
 Run with --panel. Leaves pictures of every state in the folder of --pictures, for a person to look at.
 """
@@ -42,7 +42,7 @@ class StatusPanel(DesktopTest):
         self.idle = Picture(self.panel.area)
 
     def find_item(self) -> x11.Area:
-        """Where the panel has drawn the item."""
+        """The area in which the panel has drawn the item."""
         def drawn() -> x11.Area | None:
             changed = Picture(self.panel.area).difference(self.empty)
             return changed if changed and changed.width > 5 and changed.height > 5 else None
@@ -53,7 +53,7 @@ class StatusPanel(DesktopTest):
         return place
 
     def await_new_look(self, before: Picture, name: str) -> Picture:
-        """Waits until the panel looks different and rests, and keeps a picture of it."""
+        """Waits until the panel's picture has changed and is stable, and saves it."""
         until(lambda: Picture(self.panel.area).difference(before), f"{name} to be drawn", PATIENCE)
         calm(lambda: Picture(self.panel.area), f"the panel with {name}", 0.3, PATIENCE)
         self.keep_picture(name, self.panel.area)
@@ -69,7 +69,7 @@ class StatusPanel(DesktopTest):
         return menu
 
     def items_menu(self) -> StatusMenu:
-        """The menu that the item opens itself when it is clicked, where the panel lets it."""
+        """The item's own menu, which it opens when it is clicked, if the panel allows that."""
         if not self.panel.asks_for_the_items_menu:
             self.skipTest("this panel shows no other menu than its own")
         menu = StatusMenu(self.keyvora)

@@ -1,4 +1,4 @@
-"""The accessibility bus is killed. Spreadsheets do not come back to a new one, so this ends its desktop."""
+"""Kills the accessibility bus. Spreadsheets do not connect to a new one, so the desktop is useless afterwards."""
 
 import os
 import signal

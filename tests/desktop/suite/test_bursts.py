@@ -1,4 +1,4 @@
-"""Keys at the highest pace: none is lost, none leaks, none changes its place."""
+"""Keys at the highest speed: none is lost, passes wrongly or changes its place."""
 
 from harness.typist import XTEST_KEYBOARD
 from harness.waiting import equal
@@ -12,7 +12,7 @@ class Bursts(DesktopTest):
     starts_keyvora = False
 
     def text_without_keyvora(self, *keys: str, times: int = TIMES) -> str:
-        """What the spreadsheet itself makes of the keys, when nothing stands between."""
+        """The spreadsheet's text for the keys when keyvora does not run."""
         self.typist.tap("k")
         self.typist.burst(times, *keys)
         # A last key: when it has arrived, so have all others.

@@ -19,7 +19,7 @@ GENERATOR = Path("/usr/lib/systemd/user-generators/systemd-xdg-autostart-generat
 
 
 def processes_of(program: Path) -> list[int]:
-    """Those that run this file."""
+    """The processes that run this file."""
     found = []
     for link in Path("/proc").glob("[0-9]*/exe"):
         try:
@@ -31,7 +31,7 @@ def processes_of(program: Path) -> list[int]:
 
 
 class StartedByTheDesktop(DesktopTest):
-    """What every start has in common: the process is a stranger's child, and must end as one that we started."""
+    """Common to all starts: the process is not a child of this one, and must be ended at the end."""
 
     starts_keyvora = False
     program: Path

@@ -1,4 +1,4 @@
-"""The user's home is on a disk that is full: nothing breaks, and with room it is as if nothing had been."""
+"""The user's home is on a full disk: nothing breaks, and with room again everything works as before."""
 
 import json
 from pathlib import Path
@@ -31,7 +31,7 @@ class FullDisk(DesktopTest):
                                desktop_file=Calc.desktop_file)
 
     def expect_said(self, text: str, since: int) -> None:
-        """Waits for a line of the console copy, all that can tell what happens where no log is written."""
+        """Waits for a line of the console copy, because the log cannot be written."""
         until(lambda: text in self.console()[since:], f"{text!r} on the console", 20,
               seen=lambda: self.console()[since:])
 
@@ -100,7 +100,7 @@ class FullDisk(DesktopTest):
         self.expect_input("kxa")
 
     def save_what_fits(self, document: Document) -> None:
-        """Saves in place as an editor does that finds out too late that the disk is full."""
+        """Saves in place like an editor that notices too late that the disk is full."""
         whole = json.dumps(document).encode()
         with self.keyvora.mappings.open("wb", buffering=0) as file:
             written = file.write(whole)

@@ -1,4 +1,4 @@
-"""Several documents: what a sequence does, it does to the one that it was typed into."""
+"""Several documents: a sequence acts on the one that it was typed into."""
 
 import os
 import signal
@@ -32,7 +32,7 @@ def document_for(kind: type[Spreadsheet]) -> Document:
 
 
 class DocumentsTest(DesktopTest):
-    """Has ways of opening further documents and of going from one to the other."""
+    """Can open further documents and change between them."""
 
     def setUp(self) -> None:
         assert self.environment.sheet
@@ -61,7 +61,7 @@ class DocumentsTest(DesktopTest):
         self.bring_to_front(self.sheet)
 
     def bring_to_front(self, sheet: Spreadsheet) -> None:
-        """Activates a workbook and waits until that shows on the screen and in the process."""
+        """Activates a workbook and waits until the screen and the process show that."""
         x11.activate(sheet.window)
         until(sheet.has_noticed, "the workbook in front", seen=x11.active_window)
 
@@ -83,12 +83,13 @@ class DocumentsTest(DesktopTest):
         equal(sheet.input, "k", "the first cell")
 
     def leave(self, sheet: Spreadsheet) -> None:
-        """Leaves the cell of the workbook in front: a key that waits for its verdict goes to what is in front then."""
+        """Leaves the cell of the active workbook: a key that waits for its verdict goes to the window that is active
+        then."""
         self.typist.tap("Escape")
         equal(sheet.input, "", "the text of the cell that was left")
 
     def expect_first_cell(self, sheet: Spreadsheet, content: str) -> None:
-        """Goes there: what the input line shows is otherwise no news."""
+        """Selects the first cell and checks it: otherwise the input line would show an old value."""
         self.bring_to_front(sheet)
         self.typist.tap("Escape")
         self.go(sheet, "B1")
@@ -96,7 +97,7 @@ class DocumentsTest(DesktopTest):
         equal(sheet.input, content, "the first cell")
 
     def expect_background_input(self, text: str, in_front: Spreadsheet, own: str = "") -> None:
-        """What was meant for the first document is there, and not in the one in front, which has its `own` text."""
+        """Checks that the input is in the first document, and that the active one still has its `own` text."""
         if self.sheet.hears_in_the_background:
             self.expect_input(text)
         equal(in_front.input, own, "the text of the one in front")

@@ -1,4 +1,4 @@
-"""When the program ends, however it ends, the user's keyboard goes on."""
+"""However the program ends, the user's keyboard keeps working."""
 
 import os
 import signal

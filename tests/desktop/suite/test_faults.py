@@ -1,4 +1,4 @@
-"""What keyvora stands on is killed under it and comes back: singly and in pairs."""
+"""Programs that keyvora depends on are killed and started again, alone and in pairs."""
 
 import json
 import signal
@@ -21,7 +21,7 @@ class Faults(DesktopTest):
     document = WITH_MENU
 
     def kill(self, name: str) -> None:
-        """Ends a part of the desktop by force."""
+        """Kills a part of the desktop."""
         child = self.desktop.children.named(name)
         child.kill()
         child.wait()
@@ -35,7 +35,7 @@ class Faults(DesktopTest):
         self.bring_to_front()
 
     def bring_to_front(self) -> None:
-        """Gives the spreadsheet the keyboard, as a click on it does."""
+        """Gives the spreadsheet the keyboard focus, as a click on it does."""
         def ask() -> bool:
             subprocess.run(["xdotool", "windowactivate", self.sheet.window], check=False, capture_output=True)
             focus = subprocess.run(["xdotool", "getwindowfocus", "getwindowpid"], check=False, capture_output=True)

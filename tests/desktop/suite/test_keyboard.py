@@ -1,4 +1,4 @@
-"""What hands do on a keyboard besides one key after the other."""
+"""Overlapping, repeated and held keys, several keyboards."""
 
 import subprocess
 from collections.abc import Callable

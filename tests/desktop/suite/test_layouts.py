@@ -1,4 +1,4 @@
-"""Keyboard layouts: the letters of a sequence are keys of the keyboard, the cell gets what the layout makes."""
+"""Keyboard layouts: the letters of a sequence are places on the keyboard, while the cell gets the layout's characters."""
 
 import json
 import re

@@ -1,4 +1,4 @@
-"""The status item and its menu, as the mouse, the keys and assistive technology meet them."""
+"""The status item and its menu, used with the mouse, keys and assistive technology."""
 
 import plistlib
 import shutil
@@ -39,7 +39,7 @@ def rows(status: str, error: str = "", login: bool = False) -> list[str]:
 
 
 class MenuTest(DesktopTest):
-    """keyvora with a bundle of its own, and stand-ins for the programs that its commands open."""
+    """keyvora with its own bundle, and stand-ins for the programs that its commands open."""
 
     feed = ""
 
@@ -60,14 +60,14 @@ class MenuTest(DesktopTest):
         super().start(folder / "bin")
 
     def _record(self, name: str, record: Path) -> None:
-        """Makes a program that writes down what it was given."""
+        """Creates a program that records its arguments."""
         program = record.parent / "bin" / name
         program.parent.mkdir(parents=True, exist_ok=True)
         program.write_text(f"#!/bin/sh\necho \"$@\" >>'{record}'\n")
         program.chmod(0o755)
 
     def _handle_files_with(self, program: Path) -> None:
-        """Makes it what this desktop opens documents and logs with."""
+        """Makes it the desktop's program for documents and logs."""
         applications = self.desktop.home / ".local" / "share" / "applications"
         applications.mkdir(parents=True, exist_ok=True)
         (applications / "recorder.desktop").write_text(
@@ -78,7 +78,7 @@ class MenuTest(DesktopTest):
             "[Default Applications]\n" + "".join(f"{kind}=recorder.desktop\n" for kind in types))
 
     def _install(self, folder: Path) -> Path:
-        """The program under test with an information dictionary that names no server but this test's."""
+        """Installs the program under test with an information dictionary that names only this test's server."""
         folder.mkdir(parents=True)
         information = {"CFBundleIdentifier": "org.keyvora.keyvora", "CFBundleShortVersionString": VERSION,
                        "CFBundleVersion": BUILD, "SUEnableAutomaticChecks": False, "SUFeedURL": self.feed}

@@ -1,4 +1,5 @@
-"""A document is held against the spreadsheet that runs: a path that is not in its menus is found, and nothing acts."""
+"""Compares a document with the running spreadsheet: a path that is not in its menus is reported, and nothing is carried
+out."""
 
 import json
 import re
@@ -14,7 +15,7 @@ class Rehearse(DesktopTest):
     starts_keyvora = False
 
     def end(self) -> None:
-        """There is no keyvora."""
+        """Does nothing: these tests start no keyvora."""
 
     def rehearse(self, *arguments: str) -> subprocess.CompletedProcess[str]:
         program = self.environment.keyvora.with_name("keyvora-mappings")

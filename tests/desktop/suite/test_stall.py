@@ -1,4 +1,4 @@
-"""When the program does not answer, the user's keyboard goes on."""
+"""When the program does not answer, the user's keyboard keeps working."""
 
 import time
 from pathlib import Path

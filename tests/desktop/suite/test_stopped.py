@@ -1,4 +1,4 @@
-"""When the program stands still, or the small one that holds keys back is killed, the user's keyboard goes on."""
+"""When the program is stopped, or the tap's program is killed, the user's keyboard keeps working."""
 
 import os
 import signal
@@ -17,11 +17,11 @@ LOST = "The keyboard's program was ended by signal 9; another one is started."
 
 class Stopped(DesktopTest):
     def tap(self) -> int:
-        """The process that holds keys back; 0 for none."""
+        """The process of the tap's program; 0 for none."""
         return next(iter(children(self.keyvora.process_id())), 0)
 
     def await_rest(self) -> None:
-        """Waits until the program has done all that there was to do."""
+        """Waits until the program is idle."""
         calm(lambda: counts(self.keyvora.process_id()).switches, "the program", 0.3)
 
     def expect_a_working_keyboard_while_stopped(self) -> str:
@@ -36,7 +36,7 @@ class Stopped(DesktopTest):
         return self.expect_no_key_is_held("kxhfa", "b", "Option", "h", "f")
 
     def expect_nothing_late(self, text: str) -> None:
-        """What was typed meanwhile is not acted upon, and all works again."""
+        """Checks that keys typed meanwhile have no late effect, and that everything works again."""
         self.await_rest()
         self.expect_input(text)
         self.assertEqual(1, self.keyvora.log.count(FIRED))

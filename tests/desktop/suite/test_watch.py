@@ -17,7 +17,7 @@ TIMES = 30
 
 
 def document_of(count: int) -> Document:
-    """A document with so many sequences, by which its reload is told from others."""
+    """A document with this many sequences, by which its reload is recognised."""
     sequences = [{"keys": f"Q{number}", "name": "none", "action": {"kind": "keytips", "keys": "A"}}
                  for number in range(count - len(DOCUMENT["sequences"]))]
     return DOCUMENT | {"sequences": [*DOCUMENT["sequences"], *sequences]}

@@ -17,7 +17,7 @@ class Windows(DesktopTest):
         super().setUp()
 
     def open_other_program(self) -> subprocess.Popen[bytes]:
-        """A program that is not the target, in front, that writes every key it gets to its log."""
+        """Opens an active program that is not the target and logs every key it gets."""
         self.desktop.children.log("xev").unlink(missing_ok=True)
         other = self.desktop.children.start(["xev", "-name", "other", "-event", "keyboard"])
         self.addCleanup(self._close, other)
@@ -33,11 +33,11 @@ class Windows(DesktopTest):
         return bool(window) and x11.window_title(window) == "other"
 
     def switch_window(self) -> None:
-        """What the window manager does on Option and Tab."""
+        """Changes the window with Option and Tab, by the window manager."""
         self.window_manager_key("Tab")
 
     def window_manager_key(self, key: str) -> None:
-        """Option and a key as a hand presses them; window managers need to see Option held for a moment."""
+        """Presses Option and a key slowly: window managers require that Option is held for a moment."""
         self.typist.pace(30)
         self.typist.down("Option", key)
         self.typist.up(key, "Option")

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """usage: lines.py FOLDER < the output of `llvm-cov export`
 
-Prints, for each file in the folder, how many of its lines ran, and on which lines something did not: a whole line, or a
-part of one. Fails when fewer than 97 % of all lines ran.
+Prints for each file in the folder the number of executed lines, and the lines that were not executed completely. Fails
+when fewer than 97 % of all lines were executed.
 """
 
 import json
@@ -13,7 +13,7 @@ ENOUGH = 97.0
 
 
 def not_run(segments: list[list]) -> list[int]:
-    """Lines with counted code that did not run, from the places where a count changes."""
+    """Lines with code that was not executed, computed from the places where a count changes."""
     missing: list[int] = []
     for (line, column, count, counted, *_), following in zip(segments, segments[1:]):
         if counted and count == 0:

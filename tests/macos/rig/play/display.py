@@ -1,4 +1,4 @@
-"""A display of one's own: GNUstep's AppKit draws on an X server."""
+"""A private display: GNUstep's AppKit draws on an X server."""
 
 import contextlib
 import os
@@ -7,7 +7,7 @@ import subprocess
 
 @contextlib.contextmanager
 def display():
-    """Name of a new display, which ends with the context."""
+    """Starts a display, which ends with the context; gives its name."""
     read, write = os.pipe()
     server = subprocess.Popen(
         ["Xvfb", "-displayfd", str(write), "-screen", "0", "640x480x24", "-nolisten", "tcp"],
@@ -29,7 +29,7 @@ def display():
 
 
 def environment(home: str, screen: str, **more: str) -> dict[str, str]:
-    """What a program of the rig finds, and nothing of the caller's but its sanitizers' and its profile's settings."""
+    """The environment of a program in the rig. Of the caller's it contains only the settings of sanitizers and profiles."""
     kept = {name: value for name, value in os.environ.items() if name in ("UBSAN_OPTIONS", "LLVM_PROFILE_FILE")}
     return {
         **kept,

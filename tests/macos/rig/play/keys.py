@@ -1,4 +1,4 @@
-"""Keys by name: virtual key codes and flags, as the keyboard makes them."""
+"""Keys by name: virtual key codes and flags, as the keyboard sends them."""
 
 CODES = {
     **{letter: code for code, letter in enumerate("asdfhgzxcv")},

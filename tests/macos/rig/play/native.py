@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """usage: native.py PROGRAM [arguments of GoogleTest...]
 
-Runs native tests of the macOS host on a display and in a home of their own. Fails when a test fails, when a rule of a
-framework is broken, when an object is left without a pool, and when one lives at the end.
+Runs native tests of the macOS host with a private display and home. Fails when a test fails, when a rule of a framework
+is broken, when an object is autoreleased without a pool, and when an object is not released at the end.
 """
 
 import pathlib

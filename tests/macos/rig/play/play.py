@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """usage: play.py EXECUTABLE SCRIPT
 
-Plays a session of keyvora.app: launches it in the rig, does what the script says and judges what happened. When it fails,
-the record, the log and standard error are printed.
+Plays a run of keyvora.app: launches it in the rig, carries out the script and checks the effects. On failure prints the
+record, the log and standard error.
 """
 
 import pathlib

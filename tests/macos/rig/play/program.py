@@ -1,4 +1,4 @@
-"""keyvora.app while it runs in the rig: its keys, its menu, its files, its log."""
+"""keyvora.app running in the rig: its keys, its menu, its files, its log."""
 
 import os
 import pathlib
@@ -20,11 +20,11 @@ T = TypeVar("T")
 
 
 class Failed(Exception):
-    """What the session expects is not what happened."""
+    """Something did not happen as the script expects."""
 
 
 def wait_for(what: str, condition: Callable[[], T]) -> T:
-    """The condition's value, once it holds."""
+    """Waits until the condition is true and returns its value."""
     end = time.monotonic() + PATIENCE
     while True:
         value = condition()
@@ -36,7 +36,7 @@ def wait_for(what: str, condition: Callable[[], T]) -> T:
 
 
 class Program:
-    """One launch; `number` tells its files from those of the others in the same home."""
+    """One launch; `number` distinguishes its files from those of other launches in the same home."""
 
     def __init__(self, home: pathlib.Path, number: int):
         self.home = home
@@ -49,7 +49,7 @@ class Program:
         self.log_start = len(self.log())
 
     def launch(self, command: list[str], screen: str, setup: list[list[str]]) -> None:
-        """Starts it, with what the driver is to do before `main`."""
+        """Starts it, with commands for the driver to run before `main`."""
         ours, theirs = socket.socketpair()
         self.process = subprocess.Popen(
             command,
@@ -73,7 +73,7 @@ class Program:
         self.command("go")
 
     def command(self, *words: str) -> str:
-        """Has the program's driver carry a command out; its answer, or "" when the program ended meanwhile."""
+        """Sends a command to the program's driver; returns its answer, or "" when the program ended meanwhile."""
         try:
             self.socket.sendall(("\t".join(words) + "\n").encode())
             return self.answers.readline().rstrip("\n")

@@ -1,4 +1,4 @@
-"""The record that a program of the rig writes: one line per call, and what is left at the end."""
+"""The record of a program in the rig: one line per call, and the objects not released at the end."""
 
 import dataclasses
 import pathlib
@@ -16,7 +16,7 @@ class Line:
 
 
 def read(path: pathlib.Path) -> list[Line]:
-    """The lines so far; one that is still being written is left for later."""
+    """The complete lines so far."""
     if not path.exists():
         return []
     text = path.read_text(encoding="utf-8", errors="replace")
@@ -28,12 +28,12 @@ def read(path: pathlib.Path) -> list[Line]:
 
 
 def live(lines: list[Line]) -> dict[str, int]:
-    """Kind of object -> how many lived at the end."""
+    """Kind of object -> number of objects at the end."""
     found = [re.fullmatch(r"end: (.*): \d+ made, (-?\d+) live", line.text) for line in lines]
     return {match.group(1): int(match.group(2)) for match in found if match}
 
 
 def faults(lines: list[Line], stderr: str) -> list[str]:
-    """What no run may show: broken rules, and objects that no pool took."""
+    """Faults in any run: broken rules, and objects autoreleased without a pool."""
     broken = [line.text for line in lines if line.text.startswith("VIOLATION")]
     return broken + [line for line in stderr.splitlines() if "autorelease called without pool" in line]

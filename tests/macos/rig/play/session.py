@@ -1,4 +1,4 @@
-"""Plays the commands of a script and holds what happened against what it expects."""
+"""Plays the commands of a script and compares the effects with its expectations."""
 
 import json
 import os
@@ -82,12 +82,12 @@ class Session:
         self.program, self.setup = program, []
 
     def do_document(self, command: Command) -> None:
-        """The mapping document as an editor writes it in place; before a launch, the one that is found."""
+        """Writes the mapping document in place, as an editor does; before a launch, the initial document."""
         self.mappings().parent.mkdir(parents=True, exist_ok=True)
         self.mappings().write_text(self.document(command), encoding="utf-8")
 
     def do_rename(self, command: Command) -> None:
-        """The mapping document as most editors save it: a new file moved over the old."""
+        """Saves the mapping document as most editors do: by renaming a new file over it."""
         beside = self.mappings().with_suffix(".new")
         beside.write_text(self.document(command), encoding="utf-8")
         os.rename(beside, self.mappings())
@@ -147,7 +147,7 @@ class Session:
     # Effects:
 
     def do_log(self, command: Command) -> None:
-        """All that was logged since the last look."""
+        """All records logged since the last check."""
         expected = self.filled(command.block)
         end = self.logged + len(expected)
         self.attempt("log", lambda: self.running().log()[self.logged : end], expected)
@@ -159,17 +159,17 @@ class Session:
             self.seen = wait_for(expected, partial(self.after, expected))
 
     def do_posts(self, command: Command) -> None:
-        """All that was posted since the last look, with the pauses between."""
+        """All events posted since the last check, with the pauses between them."""
         self.attempt("posts", self.new_posts, command.block)
         self.posts = len(self.running().lines())
 
     def do_never(self, command: Command) -> None:
-        """No line of the record so far is this one."""
+        """The record so far does not contain this line."""
         if any(line.text == command.text for line in self.running().lines()):
             raise Failed("it was")
 
     def do_times(self, command: Command) -> None:
-        """`times N TEXT`: the line was in the record as often as that so far."""
+        """`times N TEXT`: the record so far contains the line N times."""
         number, text = command.text.split(" ", 1)
 
         def found() -> int:
@@ -180,7 +180,7 @@ class Session:
             raise Failed(f"{found()} times")
 
     def do_quiet(self, command: Command) -> None:
-        """`quiet SECONDS TEXT`: for so long no such line comes."""
+        """`quiet SECONDS TEXT`: no such line comes within this time."""
         seconds, text = command.text.split(" ", 1)
         start = len(self.running().lines())
         time.sleep(float(seconds))
@@ -188,7 +188,7 @@ class Session:
             raise Failed("it came")
 
     def do_typing(self, command: Command) -> None:
-        """`typing LETTERS`: what was posted since the last look is a part of so many letters, not all of them."""
+        """`typing LETTERS`: the events posted since the last check type some of this many letters, but not all."""
         letters = sum(": keyUp" in line for line in self.new_posts())
         if not 0 < letters < int(command.text):
             raise Failed(f"{letters} letters were posted")
@@ -200,17 +200,17 @@ class Session:
             raise Failed(f"standard output is {self.running().stdout()!r}")
 
     def do_most(self, command: Command) -> None:
-        """`most N KIND`: at the end of this launch, up to as many."""
+        """`most N KIND`: at the end of this launch there are at most N such objects."""
         number, kind = command.text.split(" ", 1)
         self.most[kind] = int(number)
 
     def do_live(self, command: Command) -> None:
-        """`live N KIND`: at the end of this launch, other than usual."""
+        """`live N KIND`: at the end of this launch there are N such objects, instead of the usual number."""
         number, kind = command.text.split(" ", 1)
         self.live[kind] = int(number)
 
     def do_exit(self, command: Command) -> None:
-        """The program ends with this status, having kept all rules, logged nothing more and left nothing behind."""
+        """The program ends with this status, without a broken rule, further log records or unreleased objects."""
         status = self.running().wait()
         lines, stderr = self.running().lines(), self.running().stderr()
         problems = record.faults(lines, stderr)
@@ -239,7 +239,7 @@ class Session:
         return self.program
 
     def after(self, expected: str) -> int:
-        """The place behind the next line of the record that is this one; 0 when there is none."""
+        """The position after the next such line of the record; 0 when there is none."""
         lines = self.running().lines()
         return next((index + 1 for index in range(self.seen, len(lines)) if str(lines[index]) == expected), 0)
 
@@ -247,7 +247,7 @@ class Session:
         return [str(line) for line in self.running().lines()[self.posts :] if line.text.startswith(("post ", "usleep "))]
 
     def attempt(self, what: str, actual: Callable[[], list[str]], expected: list[str], grows: bool = True) -> None:
-        """Waits until it is as expected; what only grows is given up as soon as it goes another way."""
+        """Waits until the value is as expected; for a growing value, fails as soon as it can no longer become so."""
 
         def settled() -> bool:
             now = actual()
