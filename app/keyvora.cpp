@@ -70,8 +70,14 @@ void Keyvora::installTap() {
   trustPoll_ = scheduled.timer;
 }
 
-/// Logs each finding once, however often it is found.
 void Keyvora::reportFindings() {
+  platform::current().diagnosis.whenDesktopIsUp([delegate = weak_from_this()] {
+    if (const auto self = delegate.lock()) self->logFindings();
+  });
+}
+
+/// Logs each finding once, however often it is found.
+void Keyvora::logFindings() {
   for (const auto& finding : platform::current().diagnosis.findings(MappingStore::shared().url())) {
     if (!reported_.insert(finding.name).second) continue;
     Log::line(finding.name + ": " + finding.sentence + " " + finding.remedy);

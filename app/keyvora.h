@@ -29,6 +29,7 @@ class Keyvora : public std::enable_shared_from_this<Keyvora> {
 
   void installTap();
   void reportFindings();
+  void logFindings();
   static void pollTrust(const std::weak_ptr<Keyvora>& delegate, platform::Timer& timer);
   void showState(bool armed, const std::string& text);
   void rebuildMenu();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,11 @@ class Diagnosis {
   /// All conditions found now, the worst first; empty on systems that inform the user themselves.
   /// `document` is the path of the mapping document, which need not exist.
   virtual std::vector<Finding> findings(const std::filesystem::path& document) = 0;
+
+  /// Runs the block once, when those parts of the desktop that findings depend on have started: at once when
+  /// they have, else later on the main loop, after a limited time in any case. For a program that starts with
+  /// the desktop. A block that still waits is dropped by a later call.
+  virtual void whenDesktopIsUp(std::function<void()> block) { block(); }
 
   /// The facts behind the findings, and facts about the target, given by its bundle identifier.
   virtual std::vector<Fact> facts(std::string_view target) = 0;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "hosts/simulated/world.h"
 #include "platform/diagnosis.h"
 
@@ -16,6 +19,19 @@ class Diagnosis final : public platform::Diagnosis {
   std::filesystem::path document;
   std::string target;
 
+  /// Whether the desktop has started. When it has not, `startDesktop` runs what waits for it.
+  bool desktopIsUp = true;
+
+  void startDesktop() {
+    desktopIsUp = true;
+    if (const auto block = std::exchange(waiting_, nullptr)) block();
+  }
+
+  void whenDesktopIsUp(std::function<void()> block) override {
+    if (desktopIsUp) return block();
+    waiting_ = std::move(block);
+  }
+
   std::vector<platform::Finding> findings(const std::filesystem::path& named) override {
     document = named;
     if (world_.fails(Call::findings)) return {};
@@ -30,6 +46,7 @@ class Diagnosis final : public platform::Diagnosis {
 
  private:
   World& world_;
+  std::function<void()> waiting_;
 };
 
 }  // namespace keyvora::simulated

@@ -13,7 +13,7 @@ Host::Host()
       fileSystem_(mainLoop_),
       applications_("", targetWindow_),
       accessibility_(notices_, applications_, currentTap_),
-      diagnosis_("", applications_),
+      diagnosis_("", applications_, mainLoop_),
       keyboard_("", tapProgramOf(executableFile()), currentTap_, targetWindow_),
       loginService_(executableFile()),
       scripts_(currentTap_),

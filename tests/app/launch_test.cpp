@@ -147,6 +147,17 @@ TEST_F(LaunchTest, WhatIsFoundIsLoggedAfterTheTapsLine) {
                                                "Wayland: Some work. Start it otherwise."));
 }
 
+TEST_F(LaunchTest, WhatIsFoundIsLoggedWhenTheDesktopIsUp) {
+  host.diagnosis.found = {{"no window manager", "Nothing starts.", "Start one.", true}};
+  host.diagnosis.desktopIsUp = false;
+  launch();
+  EXPECT_EQ(host.trace.logged().back(), "tap installed, 2 sequences, log at " + std::string(logPath));
+  host.diagnosis.found = {{"Sticky Keys", "They are on.", "Switch them off.", true}};
+  host.diagnosis.startDesktop();
+  EXPECT_EQ(host.trace.logged().back(), "Sticky Keys: They are on. Switch them off.");
+  EXPECT_EQ(host.trace.logged().size(), 4U);
+}
+
 TEST_F(LaunchTest, WhatIsFoundIsLoggedWithoutATapToo) {
   withholdTrust();
   host.diagnosis.found = {{"Sticky Keys", "They are on.", "Switch them off.", true}};

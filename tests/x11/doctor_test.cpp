@@ -86,6 +86,38 @@ TEST_F(DoctorTest, BesideARunningKeyvoraItFindsNothingInTheWay) {
   EXPECT_EQ(keyvora.wait(), 0);
 }
 
+/// Programs of others that take Option alone, and how each names the key.
+struct Grabber {
+  std::string program;
+  std::string options;
+  std::string configuration;
+};
+
+class GrabberTest : public DoctorTest, public testing::WithParamInterface<Grabber> {};
+
+TEST_P(GrabberTest, IsFoundByDoctorAndAtTheStart) {
+  const auto& [name, options, configuration] = GetParam();
+  const auto file = session.home() / "configuration";
+  writeFile(file, configuration);
+  ASSERT_EQ(doctor(), 0) << output;
+  const Child grabber({"sh", "-c", "exec " + name + " " + options + " \"$HOME/configuration\""}, {});
+  const auto finding =
+      "another program holds the Option key: A tap of Option goes to that program and starts no sequence.";
+  ASSERT_TRUE(runUntil([&] { return doctor() == 1; })) << output;
+  EXPECT_THAT(output, HasSubstr("\n" + std::string(finding) + "\n  Take Option (Alt) alone out of "));
+
+  Child keyvora({KEYVORA_PROGRAM}, {});
+  const auto log = session.home() / "Library/Logs/keyvora.log";
+  EXPECT_TRUE(runUntil([&] { return readFile(log).find(finding) != std::string::npos; })) << readFile(log);
+  kill(keyvora.pid(), SIGTERM);
+  EXPECT_EQ(keyvora.wait(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Real, GrabberTest,
+                         testing::Values(Grabber{"sxhkd", "-c", "Alt_L\n  true\n"},
+                                         Grabber{"xbindkeys", "-n -f", "\"true\"\n  Alt_L\n"}),
+                         [](const auto& test) { return test.param.program; });
+
 TEST_F(DoctorTest, WithoutADocumentOtherCommandsTakeThatOfTheInstalledSpreadsheet) {
   const auto share = session.home() / "share";
   const auto list = [&] { return run("list --tab HDS", {"XDG_DATA_DIRS=" + share.string()}); };

@@ -2,9 +2,11 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 
 #include "hosts/x11/applications/desktop_windows.h"
+#include "hosts/x11/diagnosis/diagnosis.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/screen.h"
 
@@ -113,6 +115,37 @@ TEST_F(ProgramTest, WhatKeepsSequencesFromWorkingIsLoggedAfterTheTapsLine) {
   start();
   EXPECT_TRUE(awaitLog("mappings.json is writable by all: "));
   EXPECT_LT(log().find("tap installed"), log().find("mappings.json is writable by all: "));
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(endStatus(), 0);
+}
+
+TEST_F(ProgramTest, StartedBeforeTheWindowManagerItReportsNoneThatIsMissing) {
+  auto& display = const_cast<PrivateDisplay&>(session.display());
+  display.endWindowManager();
+  const auto folder = session.home() / "Library" / "Application Support" / "keyvora";
+  writeFile(folder / "mappings.json", R"({"version": 1, "tabs": {}, "sequences": []})");
+  std::filesystem::permissions(folder / "mappings.json", std::filesystem::perms::others_write,
+                               std::filesystem::perm_options::add);
+  const auto started = std::chrono::steady_clock::now();
+  start();
+  ASSERT_TRUE(awaitLog("tap installed"));
+  display.startWindowManager();
+  EXPECT_TRUE(awaitLog("mappings.json is writable by all: "));
+  // A machine that is too busy to start one in that time has none for keyvora either.
+  if (std::chrono::steady_clock::now() - started < Diagnosis::startUp) {
+    EXPECT_EQ(log().find("no window manager"), std::string::npos) << log();
+  }
+  kill(program.pid(), SIGTERM);
+  EXPECT_EQ(endStatus(), 0);
+}
+
+TEST_F(ProgramTest, WithoutAWindowManagerItSaysSoInTheEnd) {
+  const_cast<PrivateDisplay&>(session.display()).endWindowManager();
+  start();
+  ASSERT_TRUE(
+      awaitLog("no window manager: Nothing tells which window is in front, so no sequence starts. Start a "
+               "window manager that sets _NET_ACTIVE_WINDOW and _NET_CLIENT_LIST, such as openbox.\n"));
+  EXPECT_LT(log().find("tap installed"), log().find("no window manager: "));
   kill(program.pid(), SIGTERM);
   EXPECT_EQ(endStatus(), 0);
 }

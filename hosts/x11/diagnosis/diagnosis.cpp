@@ -84,6 +84,15 @@ std::vector<Finding> Diagnosis::findings(const std::filesystem::path& document) 
   return findings;
 }
 
+/// A program that starts at login may be there before the window manager.
+void Diagnosis::whenDesktopIsUp(std::function<void()> block) {
+  wait_ = WindowManagerWait::start(displayName_, loop_, limit_, [this, block] {
+    wait_.reset();
+    block();
+  });
+  if (!wait_) block();
+}
+
 std::vector<platform::Fact> Diagnosis::facts(std::string_view target) {
   std::vector<platform::Fact> facts;
   if (const auto connection = Connection::open(displayName_)) {

@@ -9,6 +9,7 @@
 #include "hosts/x11/diagnosis/diagnosis.h"
 #include "hosts/x11/gobject.h"
 #include "hosts/x11/keyboard/current_tap.h"
+#include "hosts/x11/main_loop.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/recording_console.h"
 
@@ -31,6 +32,7 @@ TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsFound) {
   Notices notices(console);
   CurrentTap tap;
   TargetWindow targetWindow;
+  MainLoop loop;
   Applications applications("", targetWindow);
   Accessibility accessibility(notices, applications, tap);
   for (int time = 0; time < 2; ++time) {
@@ -38,7 +40,7 @@ TEST(NoAccessibilityBus, ThereIsNoMenuBarAndThatIsFound) {
     EXPECT_TRUE(accessibility.isTrustedPrompting()) << "key sequences work all the same";
   }
   EXPECT_EQ(console.records, std::vector<std::string>{}) << "it is among the findings";
-  const auto found = Diagnosis("", applications).findings(session.home() / "Library" / "mappings.json");
+  const auto found = Diagnosis("", applications, loop).findings(session.home() / "Library" / "mappings.json");
   ASSERT_EQ(found.size(), 1U);
   EXPECT_EQ(found[0].name, "no accessibility bus");
   EXPECT_EQ(found[0].sentence, "Actions of the kind menu do not work, all others do.");

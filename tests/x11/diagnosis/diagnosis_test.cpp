@@ -9,6 +9,7 @@
 
 #include "hosts/x11/applications/desktop_windows.h"
 #include "hosts/x11/diagnosis/facts.h"
+#include "hosts/x11/main_loop.h"
 #include "hosts/x11/tap/key_devices.h"
 #include "hosts/x11/tap/tap_claim.h"
 #include "tests/x11/keyboard/client_window.h"
@@ -58,7 +59,8 @@ class DiagnosisTest : public testing::Test {
   Display* display = connection->get();
   TargetWindow target;
   Applications applications{"", target};
-  Diagnosis diagnosis{"", applications};
+  MainLoop loop;
+  Diagnosis diagnosis{"", applications, loop};
 };
 
 TEST_F(DiagnosisTest, OnASoundDesktopThereIsNothingToFind) {
@@ -82,6 +84,54 @@ TEST_F(DiagnosisTest, AWindowManagerThatEndedTellsNothing) {
   display_.endWindowManager();
   EXPECT_THAT(names(), ElementsAre("no window manager"));
   EXPECT_EQ(fact("window manager"), "none");
+}
+
+TEST_F(DiagnosisTest, ADesktopWithAWindowManagerIsUpAtOnce) {
+  int times = 0;
+  diagnosis.whenDesktopIsUp([&] { ++times; });
+  EXPECT_EQ(times, 1);
+}
+
+TEST_F(DiagnosisTest, AWindowManagerThatStartsLaterIsWaitedForAndNotSaidToBeMissing) {
+  auto& desktop = const_cast<PrivateDisplay&>(session.display());
+  desktop.endWindowManager();
+  Diagnosis waiting("", applications, loop, patience);
+  int times = 0;
+  std::vector<std::string> found{"not asked"};
+  waiting.whenDesktopIsUp([&] {
+    ++times;
+    found = names();
+  });
+  runUntil([&] { return times > 0; }, std::chrono::milliseconds(300));
+  EXPECT_EQ(times, 0);
+  desktop.startWindowManager();
+  EXPECT_TRUE(runUntil([&] { return times > 0; }));
+  EXPECT_THAT(found, IsEmpty());
+  XStoreName(display, connection->root(), "a property of the root window");
+  XSync(display, False);
+  runUntil([&] { return times > 1; }, std::chrono::milliseconds(300));
+  EXPECT_EQ(times, 1);
+}
+
+TEST_F(DiagnosisTest, ADesktopWithoutAWindowManagerIsNotWaitedForForEver) {
+  const_cast<PrivateDisplay&>(session.display()).endWindowManager();
+  Diagnosis impatient("", applications, loop, platform::Seconds(0.2));
+  int times = 0;
+  impatient.whenDesktopIsUp([&] { ++times; });
+  EXPECT_EQ(times, 0);
+  EXPECT_TRUE(runUntil([&] { return times > 0; }));
+  EXPECT_THAT(names(), ElementsAre("no window manager"));
+}
+
+TEST_F(DiagnosisTest, OnlyTheLatestBlockIsRun) {
+  const_cast<PrivateDisplay&>(session.display()).endWindowManager();
+  Diagnosis impatient("", applications, loop, platform::Seconds(0.2));
+  int earlier = 0;
+  int later = 0;
+  impatient.whenDesktopIsUp([&] { ++earlier; });
+  impatient.whenDesktopIsUp([&] { ++later; });
+  EXPECT_TRUE(runUntil([&] { return later > 0; }));
+  EXPECT_EQ(earlier, 0);
 }
 
 TEST_F(DiagnosisTest, UnderWaylandItSaysWhatWorksAndHowToStartTheSpreadsheet) {
@@ -215,10 +265,14 @@ TEST_F(DiagnosisTest, TheLanguageOfAProcessIsWhatItsEnvironmentSays) {
 TEST(Diagnosis, WithoutADisplayThatIsWhatIsFound) {
   TargetWindow target;
   Applications applications(":4711", target);
-  Diagnosis diagnosis(":4711", applications);
+  MainLoop loop;
+  Diagnosis diagnosis(":4711", applications, loop);
   const auto found = diagnosis.findings("/nowhere/mappings.json");
   EXPECT_THAT(found, Contains(AllOf(Field(&platform::Finding::name, "no display to work on"),
                                     Field(&platform::Finding::stopsSequences, true))));
+  int times = 0;
+  diagnosis.whenDesktopIsUp([&] { ++times; });
+  EXPECT_EQ(times, 1);
   EXPECT_FALSE(diagnosis.facts(excel).empty());
 }
 
