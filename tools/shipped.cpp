@@ -41,6 +41,25 @@ std::string canonicalForm(const json::Value& value) {
   }
 }
 
+/// A line of resources/shipped.txt.
+struct Line {
+  int edition = 0;
+  std::string fingerprint;
+  std::string keys;
+};
+
+/// The lines about one document.
+std::vector<Line> linesOf(std::string_view documentName) {
+  std::vector<Line> found;
+  std::istringstream lines{std::string(embedded::shippedEntries)};
+  std::string document;
+  Line line;
+  while (lines >> document >> line.edition >> line.fingerprint >> line.keys) {
+    if (document == documentName) found.push_back(line);
+  }
+  return found;
+}
+
 }  // namespace
 
 std::span<const ShippedDocument> shippedDocuments() {
@@ -72,15 +91,17 @@ std::string fingerprint(const json::Value& value) {
 
 ShippedEntries everShipped(std::string_view documentName) {
   ShippedEntries entries;
-  std::istringstream lines{std::string(embedded::shippedEntries)};
-  std::string document;
-  std::string hash;
-  std::string keys;
-  int edition = 0;
-  while (lines >> document >> edition >> hash >> keys) {
-    if (document == documentName) entries.emplace(hash, edition);
-  }
+  for (auto& line : linesOf(documentName)) entries.emplace(std::move(line.fingerprint), line.edition);
   return entries;
+}
+
+std::map<std::string, int, std::less<>> firstEditions(std::string_view documentName) {
+  std::map<std::string, int, std::less<>> editions;
+  for (auto& line : linesOf(documentName)) {
+    const auto [first, isNew] = editions.emplace(std::move(line.keys), line.edition);
+    if (!isNew) first->second = std::min(first->second, line.edition);
+  }
+  return editions;
 }
 
 }  // namespace keyvora::tools

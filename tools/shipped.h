@@ -35,4 +35,7 @@ using ShippedEntries = std::map<std::string, int, std::less<>>;
 /// The entries of resources/shipped.txt for the document with this name.
 ShippedEntries everShipped(std::string_view documentName);
 
+/// By the keys of a sequence: the edition in which a document with this name first had one with them.
+std::map<std::string, int, std::less<>> firstEditions(std::string_view documentName);
+
 }  // namespace keyvora::tools

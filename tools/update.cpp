@@ -152,6 +152,7 @@ std::optional<Update> update(const Document& document, std::string_view bytes,
   if (!text::isWellFormed(text) || text.find('\0') != std::string_view::npos) return std::nullopt;
   const auto mark = bytes.substr(0, bytes.size() - text.size());
   const auto known = everShipped(shipped.name);
+  const auto firsts = firstEditions(shipped.name);
   const auto edition = editionOf(document, known);
   const auto own = firing(document);
   const Document current{std::string(shipped.bytes)};
@@ -165,8 +166,8 @@ std::optional<Update> update(const Document& document, std::string_view bytes,
       result.changes.push_back({kind, joined(each->letters), each->sequence.name});
     };
     if (mine == own.end()) {
-      const auto first = known.find(print);
-      if (first != known.end() && first->second <= edition) continue;
+      const auto first = firsts.find(joined(letters));
+      if (first != firsts.end() && first->second <= edition) continue;
       note(Change::Kind::added);
       added.emplace_back(textOf(entry->source, shipped.bytes));
       continue;

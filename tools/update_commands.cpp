@@ -29,16 +29,32 @@ fs::path backupOf(const fs::path& file) {
   }
 }
 
+/// The file that a name leads to, through links; it need not exist.
+fs::path targetOf(const fs::path& named, std::error_code& failed) {
+  constexpr int most = 40;  // as many as Linux follows
+  auto file = named;
+  for (int links = 0; links < most; ++links) {
+    if (!fs::is_symlink(fs::symlink_status(file, failed))) {
+      failed.clear();  // what is wrong otherwise, the next call on the file says
+      return file;
+    }
+    const auto next = fs::read_symlink(file, failed);
+    if (failed) return file;
+    file = file.parent_path() / next;
+  }
+  failed = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  return file;
+}
+
 /// Replaces a file's content in one step, keeping its permissions and a backup beside it. Returns an error,
 /// or none. For a link, replaces the file that it leads to.
 std::optional<std::string> replaceFile(const fs::path& named, const std::string& bytes,
                                        const Streams& streams) {
   std::error_code failed;
-  fs::path file = named;
-  const bool exists = fs::exists(named, failed);
+  const auto file = targetOf(named, failed);
+  if (failed) return named.string() + ": " + failed.message();
+  const bool exists = fs::exists(file, failed);
   if (exists) {
-    file = fs::canonical(named, failed);
-    if (failed) return named.string() + ": " + failed.message();
     const auto backup = backupOf(named);
     fs::copy_file(file, backup, failed);
     if (failed) return backup.string() + ": " + failed.message();

@@ -134,6 +134,15 @@ TEST_F(UpdateTest, WhatTheUserChangedOrTookOutStays) {
   EXPECT_EQ(contentOf(file), less);
 }
 
+TEST_F(UpdateTest, WhatTheUserTookOutStaysOutWhenItIsMended) {
+  // An entry of Calc's first document; H L N came with it and was mended since.
+  write(R"({"version": 1, "tabs": {}, "sequences": [)" + formerEntry + "]}");
+  EXPECT_EQ(run({"diff", "--from", "calc"}), 1);
+  EXPECT_THAT(out.str(), HasSubstr("mended  HFP  "));
+  EXPECT_THAT(out.str(), Not(HasSubstr("HLN")));
+  EXPECT_THAT(out.str(), HasSubstr("new     "));
+}
+
 TEST_F(UpdateTest, WhatIsNewAndMendedComesAndAllElseStaysByTheByte) {
   const std::string start =
       "{\r\n\t\"mine\": [1, 2 , 3],\r\n\t\"version\": 1, \"tabs\": {\"H\": \"Höme\"},\r\n  \"sequences\": "
@@ -184,6 +193,16 @@ TEST_F(UpdateTest, ALinkStaysOne) {
   EXPECT_TRUE(std::filesystem::is_symlink(file));
   EXPECT_EQ(contentOf(home / "dotfile"), embedded::gnumericDocument);
   EXPECT_EQ(contentOf(backup), embedded::calcDocument);
+  std::filesystem::remove(home / "dotfile");
+  std::filesystem::remove(file);
+  std::filesystem::create_symlink("../../../dotfile", file);
+  EXPECT_EQ(run({"use", "calc"}), 0) << "its file is gone, and comes back";
+  EXPECT_TRUE(std::filesystem::is_symlink(file));
+  EXPECT_EQ(contentOf(home / "dotfile"), embedded::calcDocument);
+  std::filesystem::remove(file);
+  std::filesystem::create_symlink("mappings.json", file);
+  EXPECT_EQ(run({"use", "calc"}), 2) << "it leads to itself";
+  EXPECT_THAT(error.str(), HasSubstr("mappings.json: "));
 }
 
 }  // namespace
