@@ -39,8 +39,6 @@ class Rig {
   /// Removes what has accumulated in the simulation.
   void tidy() { host_.files.remove("/Users/me/Library/Logs/keyvora.log"); }
 
-  [[nodiscard]] const Mapping& mapping() const { return mapping_; }
-
  private:
   simulated::Host host_;
   platform::Scope scope_{host_.platform()};

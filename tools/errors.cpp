@@ -60,7 +60,12 @@ bool isUnknownKind(const DecodingError& error) {
 std::string adviceOnKind(std::string_view reason) {
   const auto written = reason.substr(reason.rfind(' ') + 1);
   if (const auto meant = nearest(written, kind::all)) return "did you mean " + inQuotes(*meant) + "?";
-  return "there are applescript, keystroke, keytips and menu";
+  std::string kinds;
+  for (const auto each : kind::all) {
+    if (!kinds.empty()) kinds += each == kind::all.back() ? " and " : ", ";
+    kinds += each;
+  }
+  return "there are " + kinds;
 }
 
 std::string advice(const DecodingError& error) {

@@ -64,9 +64,10 @@ TEST(TapPropertyTest, DoesWhatTheModelDoesAndNoHarm) {
     ASSERT_EQ(armedAfter(armed, silence), armed && !begun);
     if (HasFailure()) return;
   }
-  // The streams must reach states with decisions.
+  // The streams must reach states with decisions. The bounds are far below what they reach, because each new
+  // choice of the generator changes the numbers.
   EXPECT_GT(swallowed, streams);
-  EXPECT_GT(fired, streams / 4);
+  EXPECT_GT(fired, streams / 10);
 }
 
 TEST(TapPropertyTest, OurOwnEventsChangeNothing) {
