@@ -6,8 +6,8 @@
 
 namespace keyvora::platform {
 
-/// What a key types: a character in UTF-8, the system's name of a symbol that is none ("dead_circumflex"), or
-/// nothing.
+/// What a key types: a character in UTF-8, the system's name of a symbol without a character
+/// ("dead_circumflex"), or nothing.
 struct TypedByKey {
   std::string alone;
   std::string withShift;
@@ -15,7 +15,7 @@ struct TypedByKey {
   friend bool operator==(const TypedByKey&, const TypedByKey&) = default;
 };
 
-/// A keyboard layout: what its keys type, by virtual key code. A key that is missing types nothing.
+/// A keyboard layout: what its keys type, by virtual key code. A missing key types nothing.
 using KeyboardLayout = std::map<std::uint16_t, TypedByKey>;
 
 }  // namespace keyvora::platform

@@ -36,13 +36,13 @@ std::string typed(const KeyboardLayout& layout, Press press) {
   return press.withShift ? key->second.withShift : key->second.alone;
 }
 
-/// Applications take letters for shortcuts and key tips in either case.
+/// Applications ignore case in shortcuts and key tips.
 bool isSame(const std::string& one, const std::string& other) {
   return text::lowerCased(one) == text::lowerCased(other);
 }
 
-/// The name of a key that types this; none when an action can press no such key. Names of several letters are
-/// of keys that are the same in all layouts.
+/// The name of a key that types this; none when actions cannot press such a key. Names of several letters
+/// belong to keys that are the same in all layouts.
 std::optional<std::string> keyThatTypes(const std::string& character, const KeyboardLayout& layout,
                                         bool withShift) {
   for (const auto& key : keyNames) {
@@ -63,7 +63,7 @@ std::string oneByOne(const std::vector<std::string>& parts) {
   return inQuotes(all);
 }
 
-/// Holds the sequences of a document against one layout.
+/// Compares the sequences of a document with one layout.
 class Comparison {
  public:
   Comparison(const NamedLayout& layout, const KeyboardLayout& us, Findings& findings)
@@ -86,7 +86,7 @@ class Comparison {
   }
 
  private:
-  /// What is printed on the key that types this letter on a US keyboard. On some layouts digits need Shift.
+  /// The label of the key that types this letter on a US keyboard. In some layouts digits need Shift.
   [[nodiscard]] std::string labelOf(const std::string& letter) const {
     const auto code = *keyTyping(letter);
     if (isSame(typed(layout_, {code, true}), letter)) return letter;

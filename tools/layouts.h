@@ -12,7 +12,7 @@
 
 namespace keyvora::tools {
 
-/// A keyboard layout and what the user called it.
+/// A keyboard layout and the name that the user gave.
 struct NamedLayout {
   std::string name;
   platform::KeyboardLayout keys;
@@ -21,16 +21,16 @@ struct NamedLayout {
 /// The layouts that documents are compared with.
 struct ChosenLayouts {
   std::vector<NamedLayout> layouts;
-  /// The US layout, in which documents name keys.
+  /// The US layout, whose labels documents use for keys.
   platform::KeyboardLayout us;
 };
 
-/// Looks up layouts by their names, with commas between them. On failure why not, for a person. Main thread.
+/// Looks up layouts by their names, separated by commas. On failure returns an error message. Main thread.
 std::variant<ChosenLayouts, std::string> chooseLayouts(std::string_view names, const HostOnce& host);
 
 /// Warns of every sequence whose letters are on keys with other labels in a layout, and of every keystroke
-/// and key tip that types something else there than on a US keyboard. Letters and keys that other rules
-/// report are left out.
+/// and key tip that types something else there than on a US keyboard. Ignores letters and keys that other
+/// rules report.
 void compareWithLayouts(const Document& document, const ChosenLayouts& chosen, Findings& findings);
 
 }  // namespace keyvora::tools

@@ -8,8 +8,8 @@
 namespace keyvora::tools {
 namespace {
 
-/// The document that the host's resources hold for this machine; none without a host, or where its resources
-/// are not in place.
+/// The document for this machine in the host's resources; none without a host, or if its resources are not
+/// installed.
 std::optional<std::string> defaultDocumentHere(const HostOnce& hostOnce) {
   const auto* host = hostOnce.get();
   if (host == nullptr) return std::nullopt;

@@ -19,7 +19,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// A key by its name on a US keyboard, and what it types elsewhere.
+/// A key by its name on a US keyboard, and what it types in another layout.
 struct Differs {
   std::string_view key;
   platform::TypedByKey types;
@@ -58,7 +58,7 @@ std::unique_ptr<platform::Host> makeSystem() {
                           {"]", {"$", "£"}},
                           {"[", {"dead_circumflex", "dead_diaeresis"}},
                           {"=", {"", ""}}})},
-      // H and J trade places with D, so a label's key is not the label's own letter's.
+      // H, J and D are exchanged, so no label is on its own letter's key.
       {"turned", otherLayout({{"h", {"d", "D"}}, {"d", {"j", "J"}}, {"j", {"h", "H"}}})},
       {"ru", otherLayout({{"h", {"р", "Р"}}, {"b", {"и", "И"}}})}};
   return host;
@@ -81,7 +81,7 @@ struct LayoutsTest : testing::Test {
     return run(arguments, {out, error, host});
   }
 
-  /// What is said of a sequence's action.
+  /// The findings about a sequence's action.
   std::string ofAction(const std::string& layout, const std::string& action) {
     EXPECT_EQ(check(layout, "X", action), 0);
     return withoutPlaces(out.str());

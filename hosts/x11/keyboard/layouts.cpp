@@ -29,7 +29,7 @@ bool isWord(std::string_view text) {
   return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
 }
 
-/// "ch(fr)" taken apart; none for a text that cannot be a layout's name.
+/// The parts of a name like "ch(fr)"; none for a text that cannot be a layout's name.
 std::optional<LayoutName> partsOf(std::string_view name) {
   const auto bracket = name.find('(');
   LayoutName parts{std::string(name.substr(0, bracket)), {}};
@@ -44,7 +44,7 @@ std::optional<LayoutName> partsOf(std::string_view name) {
 /// Unknown layouts are reported by the caller, not on standard error.
 void logNothing(xkb_context*, xkb_log_level, const char*, va_list) {}
 
-/// The character of the symbol that the key makes now, else the symbol's name; empty for no symbol.
+/// The character that the key types in this state, else the name of its symbol; empty for no symbol.
 std::string typedBy(xkb_state* state, xkb_keycode_t key) {
   const auto symbol = xkb_state_key_get_one_sym(state, key);
   if (symbol == XKB_KEY_NoSymbol) return {};

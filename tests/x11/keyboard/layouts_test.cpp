@@ -16,14 +16,14 @@
 namespace keyvora::x11 {
 namespace {
 
-/// A layout as setxkbmap takes it, and its name.
+/// A layout as an argument of setxkbmap, and its name.
 struct Case {
   std::string layout;
   std::string variant;
   std::string name;
 };
 
-/// What the server makes of a key, by the same names.
+/// What a key types according to the server, with the same names.
 std::string typedOnServer(Display* display, KeyCode key, unsigned modifiers) {
   unsigned consumed = 0;
   KeySym symbol = NoSymbol;
@@ -38,7 +38,7 @@ std::string typedOnServer(Display* display, KeyCode key, unsigned modifiers) {
 
 class LayoutsTest : public testing::TestWithParam<Case> {};
 
-/// Of the keys that actions can press.
+/// Checks the keys that actions can press.
 TEST_P(LayoutsTest, TypesWhatTheServerTypes) {
   const PrivateSession session;
   session.display().setLayout(GetParam().layout, GetParam().variant);
