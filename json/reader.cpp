@@ -198,7 +198,7 @@ class Reader {
     const std::size_t begin = at_++;
     if (!add(Type::string, begin)) return false;
     const std::size_t unescaped = tree_.unescaped_.size();
-    std::size_t copied = at_;  // as far as the text stands in `unescaped_`, once there was an escape
+    std::size_t copied = at_;  // the text up to here is in `unescaped_`, after the first escape
     bool escaped = false;
     while (!take('"')) {
       if (at_ == text_.size()) return fail("the string has no end", begin);

@@ -78,7 +78,7 @@ const ShippedDocument* shippedDocument(std::string_view name) {
 }
 
 std::string fingerprint(const json::Value& value) {
-  // FNV-1a: collisions can be made on purpose, but nobody would gain from one.
+  // FNV-1a: collisions can be made on purpose, but they gain nothing.
   std::uint64_t hash = 0xCBF29CE484222325;
   for (const char c : canonicalForm(value)) {
     hash ^= static_cast<unsigned char>(c);

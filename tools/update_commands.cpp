@@ -31,11 +31,11 @@ fs::path backupOf(const fs::path& file) {
 
 /// The file that a name leads to, through links; it need not exist.
 fs::path targetOf(const fs::path& named, std::error_code& failed) {
-  constexpr int most = 40;  // as many as Linux follows
+  constexpr int most = 40;  // Linux's limit
   auto file = named;
   for (int links = 0; links < most; ++links) {
     if (!fs::is_symlink(fs::symlink_status(file, failed))) {
-      failed.clear();  // what is wrong otherwise, the next call on the file says
+      failed.clear();  // the next call on the file reports other errors
       return file;
     }
     const auto next = fs::read_symlink(file, failed);

@@ -4,7 +4,7 @@
 
 namespace keyvora::macos {
 
-/// Dispatch queues: serial ones of our own, and the global user-interactive one for plans.
+/// Dispatch queues: serial ones of keyvora's, and the global user-interactive one for plans.
 class Queues final : public platform::Queues {
  public:
   std::unique_ptr<platform::SerialQueue> createSerial(const std::string& label) override;

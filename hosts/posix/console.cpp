@@ -31,7 +31,7 @@ class NoPipeSignal {
 
   /// To be called after a write that failed for lack of a reader.
   void consume() const {
-    if (sigismember(&before_, SIGPIPE) == 1) return;  // the thread's owner deals with it
+    if (sigismember(&before_, SIGPIPE) == 1) return;  // blocked by the caller, who handles it
     sigset_t pending;
     ::sigpending(&pending);
     int signal = 0;
@@ -59,7 +59,7 @@ Console::Console(int descriptor) : target_(descriptor), way_(Way::polled) {
   } else if (S_ISSOCK(info.st_mode)) {
     way_ = Way::socket;
   } else {
-    // Where this name leads to the same open file, or to none, room is asked for before each record.
+    // If the name leads to the same open file, or cannot be opened, each write is preceded by a poll.
     const auto name = "/proc/self/fd/" + std::to_string(descriptor);
     reopened_ = FileDescriptor(::open(name.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (reopened_.isOpen()) {
@@ -75,7 +75,7 @@ void Console::write(std::string_view record) {
   if (send(record)) return;
   if (errno == EPIPE) {
     noSignal.consume();
-    way_ = Way::none;  // nobody will read it any more
+    way_ = Way::none;  // the reader has closed its end
   }
 }
 
@@ -83,7 +83,7 @@ bool Console::send(std::string_view record) {
   const Way way = way_;
   if (way == Way::polled) {
     if (!hasRoom(target_)) return true;
-    // Room is promised for so much only; it could still be gone, to another process, when we write.
+    // The poll guarantees room for PIPE_BUF bytes only, and another process may use it before this write.
     record = record.substr(0, PIPE_BUF - 2);
   }
   const bool wasCutOff = isCutOff_.exchange(false);

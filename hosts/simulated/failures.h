@@ -35,7 +35,7 @@ class Failures {
   /// How many times the call was made so far, including failures.
   [[nodiscard]] std::uint64_t count(Call call) const;
 
-  /// For the parts of the simulated host: counts the call and says whether it fails this time.
+  /// For the parts of the simulated host: counts the call and returns whether it fails.
   bool fails(Call call);
 
   /// For the simulated keyboard: whether this event cannot be made.

@@ -1,4 +1,4 @@
-"""How many sequences the shipped documents have, as the first page says it."""
+"""Checks the numbers of sequences in README.md against the shipped documents."""
 
 import json
 import pathlib

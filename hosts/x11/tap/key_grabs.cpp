@@ -14,7 +14,7 @@
 namespace keyvora::x11 {
 
 bool KeyGrabs::apply(Extent extent, const std::vector<Window>& windows, const KeyMap& keys) {
-  // Ungrabbing every key also ungrabs the Option keys, so a window whose keys change is grabbed anew.
+  // Ungrabbing every key also ungrabs the Option keys, so they are grabbed again if the keys change.
   const bool sameKeys = extent == extent_ && keys.optionKeycodes() == optionKeycodes_;
   const auto before = std::exchange(windows_, windows);
   extent_ = extent;

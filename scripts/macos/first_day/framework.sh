@@ -2,7 +2,7 @@
 # How a step is announced, run, left out and written down. Sourced by first-day, whose variables it reads.
 # shellcheck disable=SC2034,SC2154
 
-# What a step says of itself: the text after "about_NAME=" in the file that defines it.
+# The description of a step: the text after "about_NAME=" in the file that defines it.
 about() {
   local text=about_$1
   printf '%s' "${!text}"
@@ -125,7 +125,7 @@ need_keyvora() {
   [[ -n $dry_run ]] || pgrep -x keyvora >/dev/null || do_run open "$application"
 }
 
-# Whether keyvora's tap is in, by what the log said last.
+# Whether keyvora's tap is installed, according to the end of the log.
 tap_is_in() {
   [[ -n $dry_run || $(grep -E 'tap (not )?installed' "$log" 2>/dev/null | tail -n 1) == *"tap installed"* ]]
 }

@@ -69,7 +69,7 @@ step_probe() {
   mkdir -p "$evidence/feed" "$evidence/probe"
   do_run ditto "$application" "$evidence/probe/keyvora.app"
   do_run plutil -replace SUFeedURL -string "http://127.0.0.1:$port/appcast.xml" "$plist"
-  # Sparkle wants a key for a feed without TLS; nothing is installed, so any 32 bytes do.
+  # Sparkle requires a key for a feed without TLS; nothing is installed, so any 32 bytes do.
   do_run plutil -replace SUPublicEDKey -string "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA=" "$plist"
   do_run plutil -replace NSAppTransportSecurity -json '{"NSAllowsLocalNetworking": true}' "$plist"
   do_run "$project/packaging/macos/sign-development" "$evidence/probe/keyvora.app"

@@ -53,7 +53,7 @@ stop_stand_in() {
   do_run rm -rf "$evidence/stand-in"
 }
 
-# The stand-in has Excel's bundle identifier: beside the real one nobody could tell which of them is meant.
+# The stand-in has Excel's bundle identifier: with the real Excel installed, either could be started.
 real_excel() { [[ -d "/Applications/Microsoft Excel.app" ]]; }
 
 about_stand_in="Starts an application of ours with Excel's bundle identifier, fires one sequence of each kind at it, and judges what arrived there. Your mappings.json is put aside meanwhile. Left out where Excel is installed."

@@ -127,6 +127,6 @@ class Log:
         return self.messages().count(message)
 
     def wait(self, message: str, times: int = 1, seconds: float = PATIENCE) -> None:
-        """Waits until so many messages are exactly this."""
+        """Waits until this many messages are exactly this."""
         until(lambda: self.count(message) >= times, f"{times} × {message!r} in the log", seconds,
               seen=lambda: self.messages()[-8:])

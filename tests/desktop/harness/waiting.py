@@ -12,7 +12,7 @@ PATIENCE = 60.0
 
 
 class Timeout(AssertionError):
-    """A condition did not come about in time; says which, and what was seen last."""
+    """A condition did not become true in time. Its text names it and the last observed value."""
 
 
 def until(condition: Callable[[], Value], what: str, seconds: float = PATIENCE,

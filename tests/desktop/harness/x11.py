@@ -58,7 +58,7 @@ def window_title(window: str) -> str:
 
 
 def window_area(window: str) -> Area | None:
-    """Where a window is on the screen; None when it is gone, or the id empty."""
+    """A window's area on the screen; None when it was closed, or the id is empty."""
     if not window:
         return None  # xwininfo would wait for a click
     answer = _output(["xwininfo", "-id", window])

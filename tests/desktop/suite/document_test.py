@@ -191,7 +191,7 @@ class DocumentTest(unittest.TestCase):
         self.keyvora.log.wait(line, fired + 1)
 
     def answer(self, dialog: str, keys: list[str]) -> None:
-        """Waits for a dialog, types keys into it and waits until it is gone."""
+        """Waits for a dialog, types keys into it and waits until it has closed."""
         equal(self.sheet.dialog, dialog, "the dialog")
         self.typist.tap(*keys)
         until(self.sheet.has_noticed, "the spreadsheet's window in front", seen=x11.active_class)

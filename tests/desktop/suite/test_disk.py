@@ -83,7 +83,7 @@ class FullDisk(DesktopTest):
             self.assertRegex(record, r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d \S")
 
     def fill_with_little_room_in_the_log(self) -> bytes:
-        """Fills the disk and leaves room for the beginning of one record; returns the log as it is then."""
+        """Fills the disk and leaves room for the beginning of one record; returns the log's content."""
         room = 10
         with self.keyvora.log.path.open("a") as log:
             log.write("." * (-(log.tell() + room + 1) % PAGE) + "\n")

@@ -66,7 +66,7 @@ PRESSED = [key.upper() for key, _ in KEYS]
 
 
 class LayoutsAsChecked(DesktopTest):
-    """What a keystroke and key tips really type is what `keyvora-mappings check --layout` says."""
+    """Checks that keystrokes and key tips type what `keyvora-mappings check --layout` reports."""
 
     document = {
         "version": 1,
@@ -78,7 +78,7 @@ class LayoutsAsChecked(DesktopTest):
     }
 
     def said(self, layout: str) -> list[str]:
-        """What each action types, by check; what a US keyboard types where check says nothing."""
+        """What each action types according to check; without a report, what a US keyboard types."""
         typed = [{"4": "$"}.get(key, key) for key, _ in KEYS] + [TIPS.lower()]
         document = self.desktop.folder / "checked.json"
         document.write_text(json.dumps(self.document), encoding="utf-8")

@@ -1,14 +1,14 @@
-// Shows a status item on the display that DISPLAY names, as standard input tells it to, line by line:
+// Shows a status item on the display named by DISPLAY. Reads commands from standard input, one per line:
 //
 //   title TEXT   sets the title
 //   menu NAME    sets one of the menus below
 //   click        clicks the item as an assistive tool does
-//   draws        prints how often the item was drawn since this was first asked
-//   toolkit      prints whether GTK is open
+//   draws        prints how many times the item was drawn since the first such command
+//   toolkit      prints whether GTK is initialised
 //   timer        starts a timer in the default mode, which prints "tick"
-//   destroy      takes the item away
+//   destroy      removes the item
 //
-// Prints "ready" at its start and after each line, and what its menus' commands are when they are chosen.
+// Prints "ready" at its start and after each command, and the names of the menu commands that are chosen.
 
 #include <gtk/gtk.h>
 #include <gtk/gtkx.h>

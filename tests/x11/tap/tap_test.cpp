@@ -109,7 +109,7 @@ TEST_F(TapTest, AKeyThatWasCaughtJustBeforeTheTapWentOffIsSentOn) {
 TEST_F(TapTest, AKeyThatWasCaughtJustBeforeTheTapEndsIsSentOn) {
   open(display.name());
   user.tap({key::leftOption, key::a});
-  user.sync();  // the server holds it; the tap has not read of it
+  user.sync();  // the server holds the key; the tap has not read it
   tap.reset();
   EXPECT_TRUE(arrive({key::leftOption, key::a}));
 }

@@ -1,4 +1,4 @@
-// AppleScript: records the source, which fails if it says so.
+// AppleScript: records the source. A source with an `error` statement fails.
 
 #import <Foundation/Foundation.h>
 
