@@ -104,7 +104,7 @@ def main() -> int:
             print(inside("cd /mnt/project/tests/desktop; su person -c '/usr/bin/python3 -B -u -m suite --target gnumeric "
                          f"--keyvora /usr/bin/keyvora --typist /opt/typist --artifacts /tmp/failures {tests}'"))
 
-        inside("apt-get remove --yes keyvora; apt-get purge --yes keyvora; ! ls -d /var/lib/dpkg/info/keyvora* 2>/dev/null")
+        inside("apt-get remove --yes keyvora; dpkg --purge keyvora; ! ls -d /var/lib/dpkg/info/keyvora* 2>/dev/null")
         left = sorted(set(inside(LISTING).splitlines()) - set(before.splitlines()))
         if left:
             sys.exit("left after the purge:\n" + "\n".join(left))
