@@ -6,7 +6,7 @@
 /// quickly. The limits are far above what a real feed needs.
 namespace keyvora::appcast {
 
-inline constexpr std::size_t maxFeedBytes = 1024 * 1024;
+inline constexpr std::size_t maxFeedBytes = std::size_t{1024} * 1024;
 inline constexpr std::size_t maxItems = 1000;
 
 /// Child elements of one item, and of all items together.
@@ -23,6 +23,6 @@ inline constexpr std::size_t maxVersionLength = 100;
 inline constexpr std::size_t maxAddressLength = 2048;
 
 /// Notes in the feed itself; longer ones are not shown.
-inline constexpr std::size_t maxNotesLength = 16 * 1024;
+inline constexpr std::size_t maxNotesLength = std::size_t{16} * 1024;
 
 }  // namespace keyvora::appcast

@@ -105,7 +105,7 @@ class Keyboard {
 
   /// Calls `report`, on the main thread, with faults of the tap that belong in the log, a sentence each. A
   /// host whose tap has no such faults never calls it. Main thread.
-  virtual void onFault(std::function<void(const std::string& sentence)> /*report*/) {}
+  virtual void onFault(const std::function<void(const std::string& sentence)>& /*report*/) {}
 
   /// The keyboard layout that the system's own settings call by this name; none when there is no such
   /// layout, or the host cannot look layouts up. May read files. Main thread.

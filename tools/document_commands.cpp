@@ -18,7 +18,8 @@
 #include "tools/sheet.h"
 #include "tools/wording.h"
 
-extern char** environ;
+// Not declared by the headers of a Mac.
+extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 /// The commands that need a document that loads.
 namespace keyvora::tools {

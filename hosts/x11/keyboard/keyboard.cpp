@@ -43,8 +43,8 @@ std::unique_ptr<platform::SyntheticEvent> Keyboard::createEvent(const platform::
   return std::make_unique<SyntheticEvent>(std::move(posting), currentTap_, stroke);
 }
 
-void Keyboard::onFault(std::function<void(const std::string& sentence)> report) {
-  report_ = std::move(report);
+void Keyboard::onFault(const std::function<void(const std::string& sentence)>& report) {
+  report_ = report;
 }
 
 std::optional<platform::KeyboardLayout> Keyboard::layout(const std::string& name) {

@@ -30,7 +30,7 @@ class Keyboard : public platform::Keyboard {
   std::unique_ptr<platform::EventSource> createSource() override;
   std::unique_ptr<platform::SyntheticEvent> createEvent(const platform::EventSource* source,
                                                         std::uint16_t keyCode, bool down) override;
-  void onFault(std::function<void(const std::string& sentence)> report) override;
+  void onFault(const std::function<void(const std::string& sentence)>& report) override;
   std::optional<platform::KeyboardLayout> layout(const std::string& name) override;
   std::vector<std::string> commonLayouts() override;
 
