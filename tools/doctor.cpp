@@ -7,6 +7,7 @@
 #include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/embedded.h"
+#include "tools/wording.h"
 
 namespace keyvora::tools {
 namespace {
@@ -42,7 +43,7 @@ Examined examineDocument(platform::FileSystem& files) {
     return result;
   }
   const Document document(content.bytes);
-  result.state = name + ", " + std::to_string(document.entries().size()) + " sequences";
+  result.state = name + ", " + counted(document.entries().size(), "sequence");
   if (document.isSound()) return result;
   result.state = name + ", which does not load";
   auto findings = check(document);

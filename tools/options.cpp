@@ -2,11 +2,21 @@
 
 #include <algorithm>
 
+#include "tools/spelling.h"
+
 namespace keyvora::tools {
 namespace {
 
 bool contains(const std::vector<std::string_view>& names, std::string_view name) {
   return std::ranges::find(names, name) != names.end();
+}
+
+/// What is wrong with an option that the command does not have.
+std::string unknown(const std::string& name, const Syntax& syntax) {
+  auto names = syntax.switches;
+  names.insert(names.end(), syntax.settings.begin(), syntax.settings.end());
+  const auto meant = nearest(name, names);
+  return "unknown option " + name + (meant ? " (did you mean " + std::string(*meant) + "?)" : "");
 }
 
 }  // namespace
@@ -38,8 +48,7 @@ std::variant<Options, std::string> parse(std::span<const std::string> arguments,
     if (contains(syntax.switches, argument)) {
       options.switches.insert(argument);
     } else if (!contains(syntax.settings, name)) {
-      return contains(syntax.switches, name) ? "option " + name + " takes no value"
-                                             : "unknown option " + name;
+      return contains(syntax.switches, name) ? "option " + name + " takes no value" : unknown(name, syntax);
     } else if (equals != std::string::npos) {
       options.settings[name] = argument.substr(equals + 1);
     } else if (i + 1 < arguments.size()) {

@@ -284,6 +284,9 @@ TEST_F(CommandTest, WrongUsageSaysWhatAndHowToGoOn) {
   const Case cases[] = {
       {{"frob"}, "unknown command frob; try: keyvora-mappings help"},
       {{"check", "--fast"}, "unknown option --fast; try: keyvora-mappings help check"},
+      {{"check", "--strct"},
+       "unknown option --strct (did you mean --strict?); try: keyvora-mappings help check"},
+      {{"list", "--tabs=H"}, "unknown option --tabs (did you mean --tab?); try: keyvora-mappings help list"},
       {{"check", "--json=1"}, "option --json takes no value; try: keyvora-mappings help check"},
       {{"list", "a", "b"}, "too many arguments: b; try: keyvora-mappings help list"},
       {{"chekc"}, "unknown command chekc; did you mean check?"},

@@ -36,7 +36,7 @@ TEST_F(DoctorTest, WritesWhatIsKnownAndThatNothingIsInTheWay) {
   EXPECT_EQ(output, "version             " + std::string(embedded::version) + R"(
 window manager      Openbox
 Option keys         Alt_L (64)
-document            /Users/me/Library/Application Support/keyvora/mappings.json, 1 sequences
+document            /Users/me/Library/Application Support/keyvora/mappings.json, 1 sequence
 log                 /Users/me/Library/Logs/keyvora.log
 
 Nothing that is known here keeps sequences from working.
