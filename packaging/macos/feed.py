@@ -4,6 +4,8 @@ Signatures are Ed25519 (RFC 8032) over all bytes of a file. Keys are as Sparkle'
 as 32 bytes in base64, the private one as its seed of 32 bytes in base64. OpenSSL 3 computes.
 """
 
+from __future__ import annotations
+
 import base64
 import binascii
 import dataclasses

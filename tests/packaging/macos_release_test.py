@@ -78,6 +78,17 @@ class Release(ScriptCase):
         self.assertTrue(all(call[3] == "-" for call in self.apple.calls("codesign")), "ad hoc only")
         self.assertFalse([call for call in self.apple.calls("xcrun") if call[1] == "notarytool"])
 
+    def test_a_checkout_that_a_group_may_write_to_makes_the_same_modes(self) -> None:
+        (self.app / "Contents/Info.plist").chmod(0o664)
+        (self.app / "Contents/MacOS").chmod(0o775)
+        (self.app / "Contents/Resources/keyvora.icns").chmod(0o600)
+        self.assert_runs("release", self.app, self.published)
+        with zipfile.ZipFile(self.published / f"keyvora-{VERSION}-unsigned.zip") as archive:
+            modes = {entry.filename.rstrip("/"): stat.filemode(entry.external_attr >> 16) for entry in archive.infolist()}
+        self.assertEqual(modes["keyvora.app/Contents/Info.plist"], "-rw-r--r--")
+        self.assertEqual(modes["keyvora.app/Contents/Resources/keyvora.icns"], "-rw-r--r--")
+        self.assertEqual(modes["keyvora.app/Contents/MacOS/keyvora"], "-rwxr-xr-x")
+
     def test_half_of_the_secrets_is_a_mistake(self) -> None:
         self.assert_refused("set both or neither", "release", self.app, self.published, KEYVORA_SIGNING_IDENTITY=IDENTITY)
         self.assert_refused("set both or neither", "release", self.app, self.published, KEYVORA_NOTARY_PROFILE="notary")

@@ -24,6 +24,7 @@ def write_information(file: pathlib.Path, **settings: str) -> None:
     values = {"OUTPUT": str(file), "PROJECT_VERSION": VERSION, "KEYVORA_BUILD": BUILD, **settings}
     subprocess.run(["cmake", *(f"-D{name}={value}" for name, value in values.items()), "-P",
                     ROOT / "resources/information_dictionary.cmake"], check=True, capture_output=True)
+    file.chmod(0o644)  # CMake gives it the mode that its template has in this checkout
 
 
 def make_bundle(folder: pathlib.Path, key: bytes | None, **settings: str) -> pathlib.Path:
