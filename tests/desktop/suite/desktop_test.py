@@ -10,9 +10,10 @@ from typing import ClassVar
 from harness.keyvora import Document, Keyvora
 from harness.panels import Panel
 from harness.private_desktop import PrivateDesktop
+from harness.process import children, counts
 from harness.spreadsheet import Spreadsheet
 from harness.typist import Typist
-from harness.waiting import PATIENCE, equal, until
+from harness.waiting import PATIENCE, calm, equal, until
 from harness.x11 import active_class
 
 # The document of most tests: a sequence that types a letter, one that opens a dialog, and an ambiguous pair.
@@ -110,6 +111,11 @@ class DesktopTest(unittest.TestCase):
     def expect_input(self, text: str, seconds: float = PATIENCE) -> None:
         """Waits until the cell's text is exactly this."""
         equal(self.sheet.input, text, "the cell's text", seconds)
+
+    def await_rest(self) -> None:
+        """Waits until the program and its tap are idle: they have noticed all that happened."""
+        main = self.keyvora.process_id()
+        calm(lambda: sum(counts(process).switches for process in (main, *children(main))), "the program", 0.3)
 
     def expect_no_key_is_held(self, text: str, *keys: str) -> str:
         """Types keys behind the cell's text: they arrive sooner than one that is held. Gives what the cell holds then."""

@@ -186,6 +186,8 @@ class TwoWindows(DocumentsTest):
         self.fill(second)
         self.typist.tap(second.search_dialog)
         until(second.dialog, "the dialog for searching")
+        until(lambda: not second.is_in_front(), "the dialog in front")
+        self.await_rest()  # on a busy machine the tap is late to notice a new window, and these keys are fast
         self.fire()
         equal(second.dialog_text, "x", "what the dialog looks for")
         self.typist.tap("Option", "h", "d", "r")

@@ -5,8 +5,8 @@ import signal
 import time
 from pathlib import Path
 
-from harness.process import children, counts
-from harness.waiting import calm, until
+from harness.process import children
+from harness.waiting import until
 
 from .desktop_test import DesktopTest
 from .test_stall import LONGEST_HOLD
@@ -19,10 +19,6 @@ class Stopped(DesktopTest):
     def tap(self) -> int:
         """The process of the tap's program; 0 for none."""
         return next(iter(children(self.keyvora.process_id())), 0)
-
-    def await_rest(self) -> None:
-        """Waits until the program is idle."""
-        calm(lambda: counts(self.keyvora.process_id()).switches, "the program", 0.3)
 
     def expect_a_working_keyboard_while_stopped(self) -> str:
         """Gives what the cell holds then."""
