@@ -41,7 +41,7 @@ class StartedByTheDesktop(DesktopTest):
         name = command[0]
         self.desktop.children.start(command, name=name, environment={**os.environ, **environment})
         self.addCleanup(self.end_what_was_started)
-        until(lambda: self.keyvora.log.has("tap installed, "), f"keyvora, started by {name}", 30,
+        until(lambda: self.keyvora.log.has("tap installed, "), f"keyvora, started by {name}",
               seen=self.desktop.children.log(name).read_text)
         self.assertEqual(1, len(processes_of(self.program)))
         self.fire()
@@ -50,7 +50,7 @@ class StartedByTheDesktop(DesktopTest):
     def end_what_was_started(self) -> None:
         for process in processes_of(self.program):
             os.kill(process, signal.SIGTERM)
-        until(lambda: not processes_of(self.program), "keyvora to end", 30)
+        until(lambda: not processes_of(self.program), "keyvora to end")
 
 
 class FromTheApplications(StartedByTheDesktop):
