@@ -1,29 +1,31 @@
 #include "appcast/address.h"
-#include "text/utf8.h"
 
-#include <curl/curl.h>
+#include <glib.h>
 
 #include <memory>
 #include <string_view>
 
+#include "text/utf8.h"
+
 namespace keyvora::appcast {
 namespace {
 
-using CurlText = std::unique_ptr<char, decltype(&curl_free)>;
-using Url = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
+struct UriUnref {
+  void operator()(GUri* uri) const { g_uri_unref(uri); }
+};
+using Uri = std::unique_ptr<GUri, UriUnref>;
 
-constexpr unsigned escapeSpaces = CURLU_URLENCODE;
+/// Escapes spaces and keeps existing escapes.
+constexpr auto manner = static_cast<GUriFlags>(G_URI_FLAGS_PARSE_RELAXED | G_URI_FLAGS_ENCODED);
 
-Url makeUrl() {
-  return {curl_url(), curl_url_cleanup};
-}
-
-/// Empty when the address has no such part.
-std::string partOf(const Url& url, CURLUPart which) {
-  char* text = nullptr;
-  curl_url_get(url.get(), which, &text, 0);
-  const CurlText owner(text, curl_free);
-  return text != nullptr ? text : "";
+/// Null when the result is not an http or https address with a host.
+Uri parse(const std::string& reference, GUri* base) {
+  Uri uri(g_uri_parse_relative(base, reference.c_str(), manner, nullptr));
+  if (!uri) return nullptr;
+  const std::string_view scheme = g_uri_get_scheme(uri.get());  // in lower case
+  const char* host = g_uri_get_host(uri.get());
+  const bool isOfTheWeb = (scheme == "http" || scheme == "https") && host != nullptr && *host != '\0';
+  return isOfTheWeb ? std::move(uri) : nullptr;
 }
 
 /// Whether this is UTF-8 without control characters. Paths are escaped; a host is accepted as it is
@@ -41,25 +43,24 @@ bool isText(std::string_view address) {
 }  // namespace
 
 std::optional<std::string> webAddress(const std::string& reference, const std::string& base) {
-  const Url url = makeUrl();
-  if (!base.empty() && curl_url_set(url.get(), CURLUPART_URL, base.c_str(), escapeSpaces) != CURLUE_OK)
-    return std::nullopt;
-  if (curl_url_set(url.get(), CURLUPART_URL, reference.c_str(), escapeSpaces) != CURLUE_OK)
-    return std::nullopt;
-  const std::string scheme = partOf(url, CURLUPART_SCHEME);
-  if (scheme != "http" && scheme != "https") return std::nullopt;
-  auto address = partOf(url, CURLUPART_URL);
+  Uri from;
+  if (!base.empty() && !(from = parse(base, nullptr))) return std::nullopt;
+  const Uri uri = parse(reference, from.get());
+  if (!uri) return std::nullopt;
+  char* text = g_uri_to_string(uri.get());
+  std::string address(text);
+  g_free(text);
   if (!isText(address)) return std::nullopt;
   return address;
 }
 
 bool namesNoServer(const std::string& address) {
-  const Url url = makeUrl();
-  if (curl_url_set(url.get(), CURLUPART_URL, address.c_str(), escapeSpaces) != CURLUE_OK) return false;
-  const std::string host = partOf(url, CURLUPART_HOST);
+  const Uri uri = parse(address, nullptr);
+  if (!uri) return false;
+  const std::string_view host = g_uri_get_host(uri.get());
   constexpr std::string_view reserved = ".invalid";
   return host.size() > reserved.size() &&
-         curl_strequal(host.c_str() + host.size() - reserved.size(), reserved.data()) != 0;
+         g_ascii_strcasecmp(host.data() + host.size() - reserved.size(), reserved.data()) == 0;
 }
 
 }  // namespace keyvora::appcast

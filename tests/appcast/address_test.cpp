@@ -26,8 +26,9 @@ TEST(AddressTest, IsOnlyEverOfTheWeb) {
   EXPECT_EQ(webAddress("file:///etc/passwd", base), std::nullopt);
 }
 
-TEST(AddressTest, HasAHostThatIsText) {
-  EXPECT_EQ(webAddress("https://bücher.example/x", ""), "https://bücher.example/x");
+TEST(AddressTest, HasAHostThatIsTextAndIsWrittenInAscii) {
+  EXPECT_EQ(webAddress("https://bücher.example/x", ""), "https://xn--bcher-kva.example/x");
+  EXPECT_EQ(webAddress("HTTPS://Example.org/X", ""), "https://Example.org/X");
   EXPECT_EQ(webAddress("https://exampl\xFF\xF6g/2.0", ""), std::nullopt);
   EXPECT_EQ(webAddress("https://exampl\xC2\x85g/2.0", ""), std::nullopt);
 }

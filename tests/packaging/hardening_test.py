@@ -12,7 +12,7 @@ import unittest
 
 CMAKE = sys.argv.pop(1)
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
-PROGRAMS = ("bin/keyvora", "bin/keyvora-mappings", "libexec/keyvora/keyvora-tap")
+PROGRAMS = ("bin/keyvora", "bin/keyvora-mappings", "libexec/keyvora/keyvora-tap", "libexec/keyvora/keyvora-fetch")
 
 
 def output(*command: str) -> str:

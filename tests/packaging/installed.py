@@ -10,6 +10,7 @@ SHEETS = {
 INSTALLED = {
     "bin/keyvora",
     "bin/keyvora-mappings",
+    "libexec/keyvora/keyvora-fetch",
     "libexec/keyvora/keyvora-tap",
     "share/applications/org.keyvora.keyvora.desktop",
     "share/bash-completion/completions/keyvora-mappings",

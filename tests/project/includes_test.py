@@ -54,7 +54,7 @@ LIBRARIES = {
 USES = {
     "text": {"utf8proc"},
     "json": {"fast_float"},
-    "appcast": {"curl", "pugixml"},
+    "appcast": {"glib", "pugixml"},
     "hosts/posix": {"posix"},
     "hosts/x11": {"posix", "xlib", "xkbcommon", "glib", "gtk", "pango", "atspi", "curl", "pugixml"},
     "hosts/x11/tap": {"posix", "xlib"},

@@ -43,4 +43,11 @@ std::filesystem::path executableFile() {
   return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
+std::filesystem::path partOf(const std::filesystem::path& program, const std::string& name) {
+  auto beside = program.parent_path() / name;
+  std::error_code ignored;
+  if (std::filesystem::exists(beside, ignored)) return beside;
+  return program.parent_path().parent_path() / "libexec" / "keyvora" / name;
+}
+
 }  // namespace keyvora::x11

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 
 /// Directories of the user who runs the program. Any thread.
 namespace keyvora::x11 {
@@ -14,5 +15,9 @@ std::optional<std::filesystem::path> configurationDirectory();
 
 /// The path of the running program's file.
 std::filesystem::path executableFile();
+
+/// The path of another program of the same installation as `program`: in its folder, as in a build folder, or
+/// in `libexec/keyvora` of the prefix.
+std::filesystem::path partOf(const std::filesystem::path& program, const std::string& name);
 
 }  // namespace keyvora::x11

@@ -68,14 +68,6 @@ std::string sentence(const std::string& what, int error) {
 
 }  // namespace
 
-std::filesystem::path tapProgramOf(const std::filesystem::path& program) {
-  constexpr auto name = "keyvora-tap";
-  auto beside = program.parent_path() / name;
-  std::error_code ignored;
-  if (std::filesystem::exists(beside, ignored)) return beside;
-  return program.parent_path().parent_path() / "libexec" / "keyvora" / name;
-}
-
 std::unique_ptr<TapProcess> TapProcess::start(const TapCommand& command, std::string& problem) {
   problem.clear();
   std::array<int, 2> pair{};

@@ -18,10 +18,6 @@ struct TapCommand {
   std::string display;
 };
 
-/// The path of this installation's tap program: beside the program itself in a build folder, or in
-/// `libexec/keyvora` of the prefix.
-std::filesystem::path tapProgramOf(const std::filesystem::path& program);
-
 /// The running tap program. The destructor ends it, and it releases all keys. Main thread.
 class TapProcess {
  public:

@@ -1,7 +1,9 @@
 #include "hosts/x11/updates/updates.h"
 
+#include <utility>
+
 #include "appcast/updater.h"
-#include "hosts/x11/updates/curl_fetcher.h"
+#include "hosts/x11/updates/fetch_process.h"
 #include "hosts/x11/updates/update_history.h"
 #include "hosts/x11/updates/update_settings.h"
 #include "hosts/x11/updates/update_window.h"
@@ -12,7 +14,7 @@ namespace keyvora::x11 {
 class Updates::Controller final : public platform::UpdaterController {
  public:
   Controller(const Updates& host, platform::UpdaterDelegate& delegate)
-      : fetcher_(host.mainLoop_),
+      : fetcher_(host.mainLoop_, host.fetchProgram_),
         updater_(std::make_shared<appcast::Updater>(
             updateSettings(host.bundles_.main()),
             appcast::Surroundings{host.mainLoop_, fetcher_, window_, history_,
@@ -28,14 +30,15 @@ class Updates::Controller final : public platform::UpdaterController {
   [[nodiscard]] std::weak_ptr<appcast::Updater> updater() const { return updater_; }
 
  private:
-  CurlFetcher fetcher_;
+  FetchProcess fetcher_;
   UpdateWindow window_;
   UpdateHistory history_;
   std::shared_ptr<appcast::Updater> updater_;
 };
 
-Updates::Updates(platform::Bundles& bundles, platform::MainLoop& mainLoop, platform::Workspace& workspace)
-    : bundles_(bundles), mainLoop_(mainLoop), workspace_(workspace) {}
+Updates::Updates(platform::Bundles& bundles, platform::MainLoop& mainLoop, platform::Workspace& workspace,
+                 std::filesystem::path fetchProgram)
+    : bundles_(bundles), mainLoop_(mainLoop), workspace_(workspace), fetchProgram_(std::move(fetchProgram)) {}
 
 Updates::~Updates() = default;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 
 #include "platform/applications.h"
@@ -16,7 +17,9 @@ namespace keyvora::x11 {
 /// Updates from the feed that the main bundle's information dictionary names. Main thread.
 class Updates final : public platform::Updates {
  public:
-  Updates(platform::Bundles& bundles, platform::MainLoop& mainLoop, platform::Workspace& workspace);
+  /// `fetchProgram` is keyvora-fetch.
+  Updates(platform::Bundles& bundles, platform::MainLoop& mainLoop, platform::Workspace& workspace,
+          std::filesystem::path fetchProgram);
   ~Updates() override;
 
   std::unique_ptr<platform::UpdaterController> createController(bool startingUpdater,
@@ -31,6 +34,7 @@ class Updates final : public platform::Updates {
   platform::Bundles& bundles_;
   platform::MainLoop& mainLoop_;
   platform::Workspace& workspace_;
+  std::filesystem::path fetchProgram_;
   /// The newest controller's updater; null before there is one and after it was destroyed.
   std::weak_ptr<appcast::Updater> updater_;
 };

@@ -24,10 +24,13 @@ class Installation:
         (defaults / "mappings.json").write_text('{"version": 1, "tabs": {}, "sequences": []}')
         self.program = self.prefix / "bin" / "keyvora"
         shutil.copy2(program, self.program)
+        parts = self.prefix / "libexec" / "keyvora"
+        parts.mkdir(parents=True)
+        shutil.copy2(program.with_name("keyvora-fetch"), parts)
 
-    def configure(self, feed: str | None):
+    def configure(self, feed: str | None, timeout: int = FETCH_TIMEOUT):
         values = {"CFBundleIdentifier": "org.keyvora.keyvora", "CFBundleShortVersionString": "1.2",
-                  "CFBundleVersion": "42", "KeyvoraUpdateTimeout": FETCH_TIMEOUT, "SUEnableAutomaticChecks": True}
+                  "CFBundleVersion": "42", "KeyvoraUpdateTimeout": timeout, "SUEnableAutomaticChecks": True}
         if feed is not None:
             values["SUFeedURL"] = feed
         with (self.resources / "Info.plist").open("wb") as file:

@@ -9,10 +9,11 @@ import socket
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 from feed_server import FeedServer, make_certificate
-from installation import FETCH_TIMEOUT, Display, Installation
+from installation import FETCH_TIMEOUT, PATIENCE, Display, Installation
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 MAX_FEED_BYTES = 1024 * 1024
@@ -133,6 +134,28 @@ class Failures(ProbeTest):
                 answer = self.installed.probe(address)
                 self.assertEqual(answer.returncode, 1)
                 self.assertRegex(answer.stdout, r"\Aerror The update feed could not be fetched: .*\.\n\Z")
+
+
+class Killed(ProbeTest):
+    def test_it_leaves_no_fetch_behind(self):
+        self.installed.configure(self.server.address + "/silent", timeout=10 * PATIENCE)
+        program = subprocess.Popen([self.installed.program, "--probe-updates"], env=self.installed.environment(),
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            children = pathlib.Path(f"/proc/{program.pid}/task/{program.pid}/children")
+            self.wait_until(lambda: children.read_text().split(), "the fetch to begin")
+            (fetch,) = (pathlib.Path("/proc") / number for number in children.read_text().split())
+            self.wait_until(lambda: (fetch / "comm").read_text() == "keyvora-fetch\n", "its program to run")
+        finally:
+            program.kill()
+            program.wait()
+        self.wait_until(lambda: not fetch.exists() or "\nState:\tZ" in (fetch / "status").read_text(), "the fetch to end")
+
+    def wait_until(self, condition, what: str):
+        deadline = time.monotonic() + PATIENCE
+        while not condition():
+            self.assertLess(time.monotonic(), deadline, f"waited in vain for {what}")
+            time.sleep(0.01)
 
 
 @unittest.skipUnless(shutil.which("openssl"), "openssl makes the certificates")

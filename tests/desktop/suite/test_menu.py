@@ -83,7 +83,8 @@ class MenuTest(DesktopTest):
         information = {"CFBundleIdentifier": "org.keyvora.keyvora", "CFBundleShortVersionString": VERSION,
                        "CFBundleVersion": BUILD, "SUEnableAutomaticChecks": False, "SUFeedURL": self.feed}
         (folder / "Info.plist").write_bytes(plistlib.dumps(information))
-        shutil.copy2(self.environment.keyvora.with_name("keyvora-tap"), folder)
+        for part in ("keyvora-tap", "keyvora-fetch"):
+            shutil.copy2(self.environment.keyvora.with_name(part), folder)
         return Path(shutil.copy2(self.environment.keyvora, folder))
 
     def expect_rows(self, expected: list[str]) -> None:

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "hosts/x11/files/directories.h"
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
 #include "tests/x11/private_display.h"
@@ -106,9 +107,9 @@ TEST_F(TapStartTest, AProgramThatIsNoTapMakesNone) {
 }
 
 TEST(TapProgram, IsBesideTheProgramOrInThePrefix) {
-  EXPECT_EQ(tapProgramOf(std::filesystem::path(KEYVORA_TAP_PROGRAM).parent_path() / "keyvora"),
+  EXPECT_EQ(partOf(std::filesystem::path(KEYVORA_TAP_PROGRAM).parent_path() / "keyvora", "keyvora-tap"),
             KEYVORA_TAP_PROGRAM);
-  EXPECT_EQ(tapProgramOf("/opt/keyvora/bin/keyvora"), "/opt/keyvora/libexec/keyvora/keyvora-tap");
+  EXPECT_EQ(partOf("/opt/keyvora/bin/keyvora", "keyvora-tap"), "/opt/keyvora/libexec/keyvora/keyvora-tap");
 }
 
 TEST(TapProgram, StartedByHandItSaysWhatItIs) {
