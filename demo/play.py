@@ -15,12 +15,18 @@ HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "tests" / "desktop"))
 
 from harness.keyvora import Keyvora  # noqa: E402
+from harness.panels import XfcePanel  # noqa: E402
+from harness.picture import Picture  # noqa: E402
 from harness.private_desktop import PrivateDesktop  # noqa: E402
 from harness.spreadsheet import Gnumeric  # noqa: E402
 from harness.status_menu import SEPARATOR, StatusMenu  # noqa: E402
 from harness.typist import Typist  # noqa: E402
 from harness.waiting import Timeout, calm, equal, stays, until  # noqa: E402
 from harness.x11 import Area  # noqa: E402
+
+# The desktop's size, and the part of its panel in which the status item shows.
+WIDTH, HEIGHT = 1024, 640
+PANEL = Area(WIDTH // 2, 0, WIDTH // 2, XfcePanel.area.height)
 
 # The margin around the menu in its picture, in pixels.
 AROUND_MENU = 24
@@ -45,6 +51,7 @@ class Player:
         self._typist = typist
         self._keyvora = keyvora
         self._pictures = pictures
+        self._panel = Picture(PANEL)  # without the status item
         self._shown = 0  # records of the log already printed
         self._seen = 0  # records of the log already matched by the scenario
         self._steps = 0
@@ -126,7 +133,7 @@ class Player:
 
     def _menu(self, name: str) -> None:
         menu = StatusMenu(self._keyvora)
-        for row in menu.open():
+        for row in menu.open(self._item()):
             print(f"      menu    {'' if row == SEPARATOR else row}")
         x, y, width, height = menu.area()
         seen = Area(max(0, x - AROUND_MENU), 0, width + 2 * AROUND_MENU, y + height + AROUND_MENU)
@@ -134,9 +141,15 @@ class Player:
         self._typist.tap("Escape")
         menu.wait_until_closed()
 
+    def _item(self) -> Area:
+        """Where the panel shows the status item, once it has drawn it."""
+        item = until(lambda: calm(lambda: Picture(PANEL), "the panel", 0.5).difference(self._panel),
+                     "the status item in the panel")
+        assert item
+        return item
+
     def _picture(self, name: str) -> None:
-        # The tray makes room for longer text a moment later; until then the item shows less of it.
-        calm(StatusMenu(self._keyvora).item_area, "the status item in the tray", 0.5)
+        self._item()
         print(f"      picture {self._desktop.screenshot(self._pictures / f'{name}.png')}")
 
 
@@ -150,7 +163,8 @@ def main() -> int:
     print("A private desktop: nothing of your session is used. The spreadsheet is gnumeric, in Excel's place, with\n"
           "the document that keyvora brings for it, changed only in that it waits 4 seconds for a letter;\n"
           "osascript is a stand-in that keeps the scripts it is given and runs none.")
-    with PrivateDesktop(size="1024x640") as desktop:
+    with PrivateDesktop(size=f"{WIDTH}x{HEIGHT}", tray=False) as desktop:
+        XfcePanel(desktop.children, desktop.home).start()
         scripts = desktop.folder / "scripts.txt"
         os.environ["KEYVORA_DEMO_SCRIPTS"] = str(scripts)
         sheet = Gnumeric(desktop, str(HERE / "sales.csv"))

@@ -25,6 +25,8 @@ class Panel(ABC):
     # Whether an open menu of the panel stays open when its rows change. Otherwise it closes.
     keeps_a_rebuilt_menu = True
     is_window_manager = False
+    # Whether it follows changes of theme and scale in the X settings (XSETTINGS).
+    follows_x_settings = False
     # Whether it also shows icons of the X system tray.
     is_tray = True
     # The area of the screen in which it shows items.
@@ -66,6 +68,7 @@ class Panel(ABC):
 class XfcePanel(Panel):
     name = "xfce"
     program = "xfce4-panel"
+    follows_x_settings = True
 
     def _start(self, children: Children) -> None:
         self._write("xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml", """<?xml version="1.0" encoding="UTF-8"?>
@@ -73,6 +76,7 @@ class XfcePanel(Panel):
   <property name="configver" type="int" value="2"/>
   <property name="panels" type="array">
     <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="false"/>
     <property name="panel-1" type="empty">
       <property name="position" type="string" value="p=6;x=0;y=0"/>
       <property name="position-locked" type="bool" value="true"/>
@@ -87,6 +91,7 @@ class XfcePanel(Panel):
   <property name="plugins" type="empty">
     <property name="plugin-1" type="string" value="separator">
       <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
     </property>
     <property name="plugin-2" type="string" value="systray"/>
   </property>

@@ -14,9 +14,9 @@ class StatusMenu:
         self._keyvora = keyvora
         accessible.connect()
 
-    def open(self) -> list[str]:
-        """Clicks the status item and waits for the menu. Returns its rows."""
-        x11.click(self.item_area())
+    def open(self, item: x11.Area | None = None) -> list[str]:
+        """Clicks the status item, in the tray or at this place, and waits for the menu. Returns its rows."""
+        x11.click(item or self.item_area())
         until(self.is_open, "the menu to open")
         return self.rows()
 

@@ -3,11 +3,13 @@
 Run with --panel. Leaves pictures of every state in the folder of --pictures, for a person to look at.
 """
 
+import signal
 from typing import ClassVar
 
 from harness import notifier, x11
 from harness.panel_menu import PanelMenu
 from harness.picture import Picture
+from harness.private_desktop import PrivateDesktop
 from harness.status_menu import SEPARATOR, StatusMenu
 from harness.waiting import calm, equal, stays, until
 
@@ -21,8 +23,28 @@ PATIENCE = 60
 COMMANDS = [SEPARATOR, "Edit mappings.json", "Reload mappings", "Open Accessibility settings", "Show log", SEPARATOR,
             "Launch at Login", "Check for Updates…"]
 
+# Themes that GTK has in itself.
+LIGHT, DARK = "Adwaita", "HighContrastInverse"
+
 # The number of the row "Reload mappings" among those that can be chosen.
 RELOAD = 2
+
+
+class XSettings:
+    """The theme and scale of programs that use GTK, as a settings daemon gives them."""
+
+    def __init__(self, desktop: PrivateDesktop) -> None:
+        self._file = desktop.folder / "xsettings"
+        self._write(LIGHT, 1)
+        self._daemon = desktop.children.start(["xsettingsd", "-c", str(self._file)])
+
+    def set(self, theme: str, scale: int) -> None:
+        """Changes both."""
+        self._write(theme, scale)
+        self._daemon.send_signal(signal.SIGHUP)
+
+    def _write(self, theme: str, scale: int) -> None:
+        self._file.write_text(f'Net/ThemeName "{theme}"\nGdk/WindowScalingFactor {scale}\n')
 
 
 class StatusPanel(DesktopTest):
@@ -52,12 +74,13 @@ class StatusPanel(DesktopTest):
         assert place
         return place
 
-    def await_new_look(self, before: Picture, name: str) -> Picture:
-        """Waits until the panel's picture has changed and is stable, and saves it."""
-        until(lambda: Picture(self.panel.area).difference(before), f"{name} to be drawn", PATIENCE)
-        calm(lambda: Picture(self.panel.area), f"the panel with {name}", 0.3, PATIENCE)
-        self.keep_picture(name, self.panel.area)
-        return Picture(self.panel.area)
+    def await_new_look(self, before: Picture, name: str, area: x11.Area | None = None) -> Picture:
+        """Waits until the picture of the panel, or of `area`, has changed and is stable, and saves it."""
+        area = area or self.panel.area
+        until(lambda: Picture(area).difference(before), f"{name} to be drawn", PATIENCE)
+        calm(lambda: Picture(area), f"the panel with {name}", 0.3, PATIENCE)
+        self.keep_picture(name, area)
+        return Picture(area)
 
     def keep_picture(self, name: str, area: x11.Area | None = None) -> None:
         self.desktop.screenshot(self.environment.pictures / f"{self.panel.name}-{name}.png", area)
@@ -152,6 +175,22 @@ class StatusPanel(DesktopTest):
         menu.close()
         self.fire()
         self.keyvora.log.wait("HF  Type x (keystroke)")
+
+    def test_with_another_theme_and_scale_it_is_drawn_anew(self) -> None:
+        if not self.panel.follows_x_settings:
+            self.skipTest("this panel takes its theme and scale at its start")
+        area = self.panel.area._replace(height=2 * self.panel.area.height)
+        settings = XSettings(self.desktop)
+        self.addCleanup(settings.set, LIGHT, 1)
+        for theme, scale in ((DARK, 1), (DARK, 2), (LIGHT, 2)):
+            with self.subTest(theme=theme, scale=scale):
+                before = Picture(area)
+                settings.set(theme, scale)
+                idle = self.await_new_look(before, f"{theme}-{scale}-idle", area)
+                self.typist.tap("Option", "q")
+                self.await_new_look(idle, f"{theme}-{scale}-letter", area)
+                self.typist.tap("Escape")
+                until(lambda was=idle: not Picture(area).difference(was), "the item as it was", PATIENCE)
 
     def test_it_is_never_in_a_tray_as_well(self) -> None:
         if self.panel.is_tray:

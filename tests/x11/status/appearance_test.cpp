@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "tests/x11/conversation.h"
+#include "tests/x11/private_session.h"
+#include "tests/x11/status/narrow_tray.h"
+
+/// The item in a tray while the user changes the desktop's scale and theme.
+namespace keyvora::x11 {
+namespace {
+
+/// The desktop's settings, which programs of GTK follow while they run.
+class Settings {
+ public:
+  explicit Settings(const std::filesystem::path& file, const std::string& text) : file_(file) {
+    writeFile(file_, text);
+    daemon_ = Child({"xsettingsd", "-c", file_.string()}, {});
+    const auto connection = Connection::open("");
+    const Atom selection = connection->atom("_XSETTINGS_S0");
+    if (!runUntil([&] { return XGetSelectionOwner(connection->get(), selection) != None; })) {
+      throw std::runtime_error("xsettingsd does not run");
+    }
+  }
+
+  void change(const std::string& text) {
+    writeFile(file_, text);
+    kill(daemon_.pid(), SIGHUP);
+  }
+
+ private:
+  std::filesystem::path file_;
+  Child daemon_;
+};
+
+class AppearanceTest : public testing::Test {
+ protected:
+  void start(NarrowTray& tray) {
+    program = std::make_unique<Conversation>(std::vector<std::string>{STATUS_ITEM_PROGRAM});
+    tell("title ⌥");
+    ASSERT_TRUE(runUntil([&] { return tray.hasIcon(); }));
+  }
+
+  void tell(const std::string& line) {
+    program->say(line);
+    ASSERT_TRUE(program->hears("ready"));
+  }
+
+  int draws() {
+    program->say("draws");
+    return std::stoi(program->answer());
+  }
+
+  PrivateSession session;
+  Settings settings{session.home() / "settings", "Gdk/WindowScalingFactor 1\nNet/ThemeName \"Adwaita\"\n"};
+  std::unique_ptr<Conversation> program;
+};
+
+TEST_F(AppearanceTest, AtAnotherScaleTheIconIsDrawnForItsSlotAgain) {
+  constexpr int size = 48;
+  constexpr int half = size * size / 2;
+  NarrowTray tray(size, size);
+  start(tray);
+  tell("title ⌥ HFCI");
+  ASSERT_TRUE(runUntil([&] { return tray.look().bright > half; }));
+  const auto fourLetters = tray.look();
+  settings.change("Gdk/WindowScalingFactor 2\nNet/ThemeName \"Adwaita\"\n");
+  EXPECT_TRUE(runUntil([&] {
+    const auto look = tray.look();
+    return look != fourLetters && look.bright > half;
+  })) << "the slot has room for three letters of this scale";
+  const auto threeLetters = tray.look();
+  tell("title ⌥ FCI");
+  tell("draws");
+  EXPECT_EQ(tray.look(), threeLetters) << "the last three";
+  tell("title ⌥");
+  EXPECT_TRUE(runUntil([&] { return tray.look().dark > half && tray.look().bright > size; })) << "idle";
+  tell("title ⌥ HFCI");
+  settings.change("Gdk/WindowScalingFactor 1\nNet/ThemeName \"Adwaita\"\n");
+  EXPECT_TRUE(runUntil([&] { return tray.look() == fourLetters; }));
+}
+
+TEST_F(AppearanceTest, TheTextIsReadOnItsOwnGroundInEveryTheme) {
+  NarrowTray tray(120, 24);
+  start(tray);
+  tell("title ⌥ HFC");
+  const auto isRead = [&] {
+    const auto look = tray.look();
+    return look.dark > 600 && look.bright > 40;
+  };
+  EXPECT_TRUE(runUntil(isRead)) << "Adwaita: " << tray.look().bright << " bright";
+  for (const auto* theme : {"HighContrast", "HighContrastInverse", "Adwaita"}) {
+    const int before = draws();
+    settings.change("Gdk/WindowScalingFactor 1\nNet/ThemeName \"" + std::string(theme) + "\"\n");
+    EXPECT_TRUE(runUntil([&] { return draws() > before; })) << theme;
+    EXPECT_TRUE(runUntil(isRead)) << theme << ": " << tray.look().bright << " bright, " << tray.look().dark
+                                  << " dark";
+  }
+}
+
+}  // namespace
+}  // namespace keyvora::x11
