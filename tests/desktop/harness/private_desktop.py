@@ -4,6 +4,7 @@ It does not use or change the user's session: home, runtime folder, display and 
 """
 
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -41,12 +42,12 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
     """A context manager. `home` is the user's home; `folder` contains all files written.
 
     `tray`, `window_manager` and `accessibility` can omit that part of the desktop. The folder is removed at the end,
-    unless `keep` names one. With `wayland` it is a Wayland session without a screen, and the display is the one that its
-    compositor provides for X programs.
+    unless `keep` names one. With `wayland`, "mutter" or "weston", it is a session of that Wayland compositor
+    without a screen, and the display is the one that the compositor provides for X programs.
     """
 
     def __init__(self, *, size: str = "1280x800", keep: Path | None = None, tray: bool = True,
-                 window_manager: bool = True, accessibility: bool = True, wayland: bool = False) -> None:
+                 window_manager: bool = True, accessibility: bool = True, wayland: str = "") -> None:
         self._size = size
         self._keep = keep
         self._tray = tray
@@ -102,7 +103,8 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         os.environ.update(environment)
         if self._wayland:
             self._start_session_bus()
-            self._start_compositor()
+            {"mutter": self._start_mutter, "weston": self._start_weston}[self._wayland]()
+            os.environ |= {"XDG_SESSION_TYPE": "wayland", "GDK_BACKEND": "x11"}
         else:
             self._start_display()
             self._start_session_bus()
@@ -137,13 +139,21 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
             raise RuntimeError(f"Xvfb did not start:\n{self.children.log('Xvfb').read_text()}")
         os.environ["DISPLAY"] = f":{number}"
 
-    def _start_compositor(self) -> None:
+    def _start_mutter(self) -> None:
         said = self.folder / "display"
         self.children.start(["mutter", "--wayland", "--headless", "--virtual-monitor", self._size, "--", "sh", "-c",
                              'echo "$DISPLAY $XAUTHORITY" >"$0.new"; mv "$0.new" "$0"; exec sleep infinity', str(said)])
         until(said.exists, "the compositor", 30)
         display, authority = said.read_text().split()
-        os.environ |= {"DISPLAY": display, "XAUTHORITY": authority, "XDG_SESSION_TYPE": "wayland", "GDK_BACKEND": "x11"}
+        os.environ |= {"DISPLAY": display, "XAUTHORITY": authority}
+
+    def _start_weston(self) -> None:
+        log = self.folder / "logs" / "weston.log"
+        width, height = self._size.split("x")
+        self.children.start(["weston", "--backend=headless-backend.so", "--xwayland", "--no-config", "--idle-time=0",
+                             f"--width={width}", f"--height={height}", "--socket=wayland"])
+        said = until(lambda: re.search(r"xserver listening on display (:\d+)", log.read_text()), "the compositor", 30)
+        os.environ |= {"DISPLAY": said[1], "WAYLAND_DISPLAY": "wayland"}
 
     def _start_session_bus(self) -> None:
         read, write = os.pipe()

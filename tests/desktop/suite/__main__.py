@@ -36,7 +36,7 @@ def main() -> int:
         return SKIPPED
     # A call into the accessibility library cannot be interrupted: print a traceback if it never returns.
     faulthandler.dump_traceback_later(arguments.limit, exit=True)
-    with PrivateDesktop(tray=not panel and not arguments.wayland, wayland=arguments.wayland,
+    with PrivateDesktop(tray=not panel and not arguments.wayland, wayland="mutter" if arguments.wayland else "",
                         window_manager=not panel or not panel.is_window_manager) as desktop:
         from .desktop_test import DesktopTest, Environment
         shown_in = panel(desktop.children, desktop.home) if panel else None
