@@ -42,6 +42,7 @@ Notifier::Notifier(MainLoop& loop, NotifierHost& host, std::function<void(int, i
 }
 
 Notifier::~Notifier() {
+  host_.forgetItem();
   g_bus_unown_name(ownership_);
   track(false);  // a panel that ended does not report its menu as closed
 }

@@ -12,6 +12,9 @@ constexpr auto gnomeShell = "org.gnome.Shell";
 /// A watcher that takes longer to answer counts as absent.
 constexpr int timeoutMilliseconds = 5000;
 
+/// How often an item that the watcher drops is registered.
+constexpr int mostRegistrations = 5;
+
 /// The answer to a call; null when it failed. `cancelled` is set when the object that made the call was
 /// destroyed.
 GVariantRef finish(GObject* bus, GAsyncResult* result, bool& cancelled) {
@@ -55,10 +58,20 @@ void NotifierHost::follow(GDBusConnection* bus) {
     self->set(false);
   };
   closed_ = g_signal_connect(bus, "closed", G_CALLBACK(closed), this);
-  const auto hostsChanged = +[](GDBusConnection*, const char*, const char*, const char*, const char*,
-                                GVariant*, gpointer self) { static_cast<NotifierHost*>(self)->askForHost(); };
+  const auto signalled = +[](GDBusConnection*, const char*, const char*, const char*, const char* name,
+                             GVariant* parameters, gpointer self) {
+    auto* host = static_cast<NotifierHost*>(self);
+    const char* item = nullptr;
+    if (std::string_view(name) == "StatusNotifierItemUnregistered" &&
+        g_variant_is_of_type(parameters, G_VARIANT_TYPE("(s)"))) {
+      g_variant_get(parameters, "(&s)", &item);
+      host->itemDropped(item);
+    } else {
+      host->askForHost();
+    }
+  };
   hostSignals_ = g_dbus_connection_signal_subscribe(bus, watcher, watcher, nullptr, watcherPath, nullptr,
-                                                    G_DBUS_SIGNAL_FLAGS_NONE, hostsChanged, this, nullptr);
+                                                    G_DBUS_SIGNAL_FLAGS_NONE, signalled, this, nullptr);
   watch_ = g_bus_watch_name_on_connection(bus, watcher, G_BUS_NAME_WATCHER_FLAGS_NONE, appeared, vanished,
                                           this, nullptr);
 }
@@ -128,9 +141,24 @@ void NotifierHost::set(bool isPresent) {
 }
 
 void NotifierHost::registerItem(const std::string& name) {
+  item_ = name;
+  registrationsLeft_ = mostRegistrations;
+  sendItem();
+}
+
+void NotifierHost::sendItem() {
   if (!bus_ || owner_.empty()) return;
-  call(owner_.c_str(), watcherPath, watcher, "RegisterStatusNotifierItem", g_variant_new("(s)", name.c_str()),
-       nullptr, nullptr);
+  --registrationsLeft_;
+  call(owner_.c_str(), watcherPath, watcher, "RegisterStatusNotifierItem",
+       g_variant_new("(s)", item_.c_str()), nullptr, nullptr);
+}
+
+/// Watchers list an item by its name or by its connection, some with the object's path after it.
+void NotifierHost::itemDropped(std::string_view item) {
+  if (item_.empty() || registrationsLeft_ == 0) return;
+  const std::string_view connection = g_dbus_connection_get_unique_name(bus_.get());
+  const auto listed = item.substr(0, item.find('/'));
+  if (listed == item_ || listed == connection) sendItem();
 }
 
 void NotifierHost::call(const char* destination, const char* path, const char* interface, const char* method,

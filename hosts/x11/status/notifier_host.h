@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "hosts/x11/gobject.h"
 
@@ -32,8 +33,13 @@ class NotifierHost {
   /// The session bus; null when there is none or it has ended.
   [[nodiscard]] GDBusConnection* bus() const { return bus_.get(); }
 
-  /// Registers the item of this bus name with the watcher.
+  /// Registers the item of this bus name with the watcher, and again when the watcher drops it although the
+  /// name still exists: GNOME's extension may do that while the shell starts. A watcher that drops it again
+  /// and again gets it a limited number of times.
   void registerItem(const std::string& name);
+
+  /// Ends that: the item does not exist any more.
+  void forgetItem() { item_.clear(); }
 
  private:
   static void connected(GObject* source, GAsyncResult* result, gpointer self);
@@ -46,6 +52,8 @@ class NotifierHost {
   void lost();
   void askForHost();
   void set(bool isPresent);
+  void itemDropped(std::string_view item);
+  void sendItem();
   void call(const char* destination, const char* path, const char* interface, const char* method,
             GVariant* parameters, const char* answerType, GAsyncReadyCallback answered);
 
@@ -56,6 +64,9 @@ class NotifierHost {
   guint watch_ = 0;
   guint hostSignals_ = 0;
   std::string owner_;
+  /// The bus name of the registered item; empty without one.
+  std::string item_;
+  int registrationsLeft_ = 0;
   bool isKnown_ = false;
   bool isPresent_ = false;
   bool isGnome_ = false;

@@ -45,6 +45,13 @@ class NotifierTest : public testing::Test {
     return found == rows.end() ? -1 : found->identifier;
   }
 
+  /// Receives everything that the program has sent up to now.
+  void settle() {
+    EXPECT_EQ(text("Status"), "Active");
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+  }
+
   bool saidNothingAfter(std::size_t lines) {
     program->say("");
     EXPECT_TRUE(program->hears("ready"));
@@ -99,6 +106,24 @@ TEST_F(NotifierTest, APanelThatStartsAnewIsToldAgain) {
     EXPECT_EQ(text("IconAccessibleDesc"), "⌥ H" + std::to_string(time));
     EXPECT_EQ(panel->rows().size(), 7u);
   }
+}
+
+TEST_F(NotifierTest, AnItemThatThePanelDropsIsRegisteredAgainAFewTimes) {
+  startIn({});
+  const auto name = panel->registered().back();
+  panel->drop((name + "/StatusNotifierItem").c_str());
+  EXPECT_TRUE(panel->awaitItem(1));
+  panel->drop(name.c_str());
+  EXPECT_TRUE(panel->awaitItem(2));
+  panel->drop("org.kde.StatusNotifierItem-1-1");
+  panel->drop(":1.4711/StatusNotifierItem");
+  settle();
+  EXPECT_EQ(panel->registered().size(), 3u) << "those are other programs'";
+  for (int time = 0; time < 5; ++time) {
+    panel->drop(name.c_str());
+    settle();
+  }
+  EXPECT_EQ(panel->registered().size(), 5u);
 }
 
 TEST_F(NotifierTest, TheItemSaysWhatItShows) {

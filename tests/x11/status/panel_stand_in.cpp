@@ -13,6 +13,7 @@ constexpr auto description = R"xml(
   <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
   <signal name="StatusNotifierHostRegistered"/>
   <signal name="StatusNotifierHostUnregistered"/>
+  <signal name="StatusNotifierItemUnregistered"><arg type="s"/></signal>
 </interface></node>
 )xml";
 
@@ -84,6 +85,10 @@ PanelStandIn::~PanelStandIn() {
 void PanelStandIn::setHost(bool isThere) {
   hasHost_ = isThere;
   watcher_->emit(isThere ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered", nullptr);
+}
+
+void PanelStandIn::drop(const char* item) {
+  watcher_->emit("StatusNotifierItemUnregistered", g_variant_new("(s)", item));
 }
 
 bool PanelStandIn::awaitItem(std::size_t before) {

@@ -47,6 +47,9 @@ class PanelStandIn {
   };
   std::vector<Row> rows();
 
+  /// Says that an item is not registered any more.
+  void drop(const char* item);
+
   /// Reports an event of a row, as the panel does.
   void event(int identifier, const char* what);
 
