@@ -83,8 +83,8 @@ class LogOut(unittest.TestCase):
         self.assertLess(time.monotonic() - begin, LONGEST_END, "the session manager's end")
 
     def expect_end(self, began: float) -> None:
-        for name, process in (("keyvora", self.keyvora), ("keyvora-tap", self.tap)):
-            until(lambda number=process: not is_running(number), f"the end of {name}", PATIENCE)
+        until(lambda: not is_running(self.keyvora), "the end of keyvora", PATIENCE)
+        until(lambda: not is_running(self.tap), "the end of keyvora-tap", PATIENCE)
         self.assertLess(time.monotonic() - began, LONGEST_END, "keyvora's end")
         lines = self.log.path.read_text()
         self.assertTrue(lines.endswith("\n"), "the log's last line is whole")

@@ -2,12 +2,14 @@
 
 import os
 import shutil
+import signal
 import subprocess
 from abc import ABC, abstractmethod
 from pathlib import Path
 
 from . import notifier
 from .children import Children
+from .process import children
 from .waiting import Timeout, until
 from .x11 import Area
 
@@ -169,6 +171,13 @@ enable-animations=false
             return  # does not start beside existing windows
         self._ask("Set", "OverviewActive", "<false>")
         until(lambda: not self._is_in_overview(), "the shell to leave its overview", PATIENCE)
+
+    def kill(self) -> None:
+        """Ends the shell by force, and what draws its windows' frames: systemd would end the whole unit."""
+        super().kill()
+        for process in children(os.getpid()):
+            if "mutter-x11-frames".startswith(Path(f"/proc/{process}/comm").read_text().strip()):
+                os.kill(process, signal.SIGKILL)
 
     def _is_in_overview(self) -> bool:
         return "true" in self._ask("Get", "OverviewActive")

@@ -153,6 +153,7 @@ class PrivateDesktop(AbstractContextManager["PrivateDesktop"]):
         self.children.start(["weston", "--backend=headless-backend.so", "--xwayland", "--no-config", "--idle-time=0",
                              f"--width={width}", f"--height={height}", "--socket=wayland"])
         said = until(lambda: re.search(r"xserver listening on display (:\d+)", log.read_text()), "the compositor", 30)
+        assert said
         os.environ |= {"DISPLAY": said[1], "WAYLAND_DISPLAY": "wayland"}
 
     def _start_session_bus(self) -> None:
