@@ -19,6 +19,14 @@ PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
 MAX_FEED_BYTES = 1024 * 1024
 
 
+def name_of(folder: pathlib.Path) -> str:
+    """The name of the process with this folder in /proc; empty when it has ended."""
+    try:
+        return (folder / "comm").read_text().strip()
+    except FileNotFoundError:
+        return ""
+
+
 class ProbeTest(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="keyvora-probe-")
@@ -142,20 +150,25 @@ class Killed(ProbeTest):
         program = subprocess.Popen([self.installed.program, "--probe-updates"], env=self.installed.environment(),
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         try:
-            children = pathlib.Path(f"/proc/{program.pid}/task/{program.pid}/children")
-            self.wait_until(lambda: children.read_text().split(), "the fetch to begin")
-            (fetch,) = (pathlib.Path("/proc") / number for number in children.read_text().split())
-            self.wait_until(lambda: (fetch / "comm").read_text() == "keyvora-fetch\n", "its program to run")
+            fetch = self.wait_until(lambda: self.fetch_of(program.pid), "the fetch to begin")
         finally:
             program.kill()
             program.wait()
         self.wait_until(lambda: not fetch.exists() or "\nState:\tZ" in (fetch / "status").read_text(), "the fetch to end")
 
+    @staticmethod
+    def fetch_of(process: int) -> pathlib.Path | None:
+        """The folder in /proc of the process's fetch, once its program runs."""
+        children = pathlib.Path(f"/proc/{process}/task/{process}/children").read_text().split()
+        folders = (pathlib.Path("/proc") / number for number in children)
+        return next((folder for folder in folders if name_of(folder) == "keyvora-fetch"), None)
+
     def wait_until(self, condition, what: str):
         deadline = time.monotonic() + PATIENCE
-        while not condition():
+        while not (value := condition()):
             self.assertLess(time.monotonic(), deadline, f"waited in vain for {what}")
             time.sleep(0.01)
+        return value
 
 
 @unittest.skipUnless(shutil.which("openssl"), "openssl makes the certificates")

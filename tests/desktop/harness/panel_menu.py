@@ -26,7 +26,7 @@ class PanelMenu:
 
     def open(self, item: Area, button: int) -> None:
         """Clicks the item and waits until a menu is drawn."""
-        self._closed = Picture(self._area)
+        self._closed = self._rests()
         x11.click(item, button)
         until(self.is_open, f"the panel's menu of button {button}", _PATIENCE)
         self._rests()

@@ -75,9 +75,6 @@ TEST_F(AppearanceTest, AtAnotherScaleTheIconIsDrawnForItsSlotAgain) {
   EXPECT_EQ(tray.look(), threeLetters) << "the last three";
   tell("title ⌥");
   EXPECT_TRUE(runUntil([&] { return tray.look().dark > half && tray.look().bright > size; })) << "idle";
-  tell("title ⌥ HFCI");
-  settings.change("Gdk/WindowScalingFactor 1\nNet/ThemeName \"Adwaita\"\n");
-  EXPECT_TRUE(runUntil([&] { return tray.look() == fourLetters; }));
 }
 
 TEST_F(AppearanceTest, TheTextIsReadOnItsOwnGroundInEveryTheme) {
