@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <set>
 #include <sstream>
@@ -165,6 +166,34 @@ TEST_F(UpdateTest, WhatIsNewAndMendedComesAndAllElseStaysByTheByte) {
   }
   EXPECT_TRUE(Document(now).isSound());
   EXPECT_EQ(contentOf(backup), start + withCarriageReturns(formerEntry) + end);
+  EXPECT_EQ(run({"diff"}), 0) << out.str();
+}
+
+TEST_F(UpdateTest, AMarkRemarksAndTheOldMacsLineEndsStay) {
+  const auto withReturns = [](std::string text) {
+    std::ranges::replace(text, '\n', '\r');
+    return text;
+  };
+  // The remarks would end a text that was read carelessly.
+  const std::string start = "\xEF\xBB\xBF" + withReturns(R"x({
+	"//": "]}, \"sequences\": [",
+	"version": 1, "tabs": {},
+	"sequences": [
+		)x");
+  const std::string mine = R"x({"//": "mine }]", "keys": "Q Q", "name": "Mine",
+		"action": {"kind": "keytips", "keys": "Q"}})x";
+  const auto middle = withReturns(",\n\t\t" + mine);
+  const auto end = withReturns("\n\t]\n}");
+  const auto former = withReturns(formerEntry);
+  write(start + former + middle + end);
+  EXPECT_EQ(run({"update", "--from", "calc"}), 0) << error.str();
+  const auto now = contentOf(file);
+  EXPECT_THAT(now, testing::StartsWith(start));
+  EXPECT_THAT(now, HasSubstr(middle));
+  EXPECT_THAT(now, testing::EndsWith(end));
+  EXPECT_THAT(now, Not(HasSubstr("\n")));
+  EXPECT_THAT(now, Not(HasSubstr(former)));
+  EXPECT_TRUE(Document(now).isSound());
   EXPECT_EQ(run({"diff"}), 0) << out.str();
 }
 
