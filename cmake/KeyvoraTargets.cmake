@@ -17,6 +17,14 @@ target_compile_options(keyvora_options INTERFACE
 target_compile_options(keyvora_options INTERFACE
   $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wmissing-declarations>
   $<$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>:-Wmissing-prototypes>)
+if(KEYVORA_STRICT)
+  # Casts that hide an error, and code without effect or use. Not for Apple's compiler: the builds on a Mac do not set this.
+  set(warnings -Wold-style-cast -Wcast-qual -Wextra-semi -Wundef -Wunused-macros)
+  set(gnu -Wduplicated-branches -Wduplicated-cond -Wlogical-op -Wsuggest-override)
+  set(clang -Wcomma -Wmissing-variable-declarations -Wunreachable-code -Wunused-member-function -Wunused-template)
+  target_compile_options(keyvora_options INTERFACE
+    "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:${warnings};${gnu}>" "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:${warnings};${clang}>")
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # At -O3, GCC 12 wrongly warns of overlapping copies inside std::string::operator=: GCC bug 105651.
   target_compile_options(keyvora_options INTERFACE -Wno-restrict)
