@@ -27,7 +27,7 @@ class Refused(Exception):
 
 
 class Memory:
-    """What the stand-ins remember of each other's work, and what the test told them."""
+    """State shared by the stand-ins: results of earlier commands, and settings of the test."""
 
     def __init__(self, file: pathlib.Path) -> None:
         self.file = file

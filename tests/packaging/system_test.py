@@ -22,7 +22,7 @@ DESKTOP = ("gnumeric, xvfb, openbox, trayer, dbus, at-spi2-core, fonts-dejavu-co
            "x11-utils, libglib2.0-bin, libgtk-3-bin, dex, python3, python3-gi, gir1.2-atspi-2.0, imagemagick, libx11-dev, "
            "libxi-dev, libxtst-dev")
 DOCUMENT = "/home/person/Library/Application Support/keyvora/mappings.json"
-# What Debian has in other places, or compressed, and what it wants besides.
+# Files that Debian installs elsewhere, or compressed, or in addition.
 PLACES = {
     "share/zsh/site-functions/_keyvora-mappings": "share/zsh/vendor-completions/_keyvora-mappings",
     "share/man/man1/keyvora.1": "share/man/man1/keyvora.1.gz",

@@ -10,7 +10,7 @@
 namespace keyvora::x11 {
 namespace {
 
-/// The desktop's settings, which programs of GTK follow while they run.
+/// The desktop's settings, which running GTK programs follow.
 class Settings {
  public:
   explicit Settings(const std::filesystem::path& file, const std::string& text) : file_(file) {

@@ -1,4 +1,4 @@
-// Starting, cancelling and failing; what a web server can do is tested with the whole program.
+// Starting, cancelling and failing. The behaviour of web servers is tested with the whole program.
 
 #include "hosts/x11/updates/fetch_process.h"
 
@@ -22,7 +22,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A server that takes connections and never says a word.
+/// A server that accepts connections and never answers.
 class SilentServer {
  public:
   SilentServer() : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -48,7 +48,7 @@ class SilentServer {
   int port_ = 0;
 };
 
-/// The processes that the main thread has started and that are not yet gone.
+/// The child processes of the main thread.
 std::vector<pid_t> children() {
   const auto own = std::to_string(getpid());
   std::ifstream file("/proc/" + own + "/task/" + own + "/children");
@@ -70,7 +70,7 @@ class FetchProcessTest : public testing::Test {
     return runUntil([this] { return answer.has_value(); });
   }
 
-  /// Runs what is left to do in the loop, until the program has ended.
+  /// Runs the loop until the program has ended.
   bool awaitEnd() {
     return runUntil([] { return children().empty(); });
   }
@@ -112,7 +112,7 @@ TEST_F(FetchProcessTest, CancellingEndsTheProgramAndLeavesNoAnswer) {
 
 TEST_F(FetchProcessTest, AnAnswerOnItsWayIsDroppedWithItsFetch) {
   auto running = fetch("http://127.0.0.1:1/");
-  // The loop does not run, so that the answer waits when its program has ended.
+  // The loop does not run, so the answer is still unread when its program has ended.
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (!children().empty() && std::chrono::steady_clock::now() < deadline) usleep(1000);
   running.reset();

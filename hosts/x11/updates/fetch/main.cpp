@@ -1,5 +1,5 @@
 // `keyvora-fetch ADDRESS BYTES MILLISECONDS` fetches one document. keyvora starts it and reads the answer
-// from its standard output; it ends early when nobody reads its output any more.
+// from its standard output; it ends early when its output is closed.
 
 #include <poll.h>
 #include <unistd.h>
