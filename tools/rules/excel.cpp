@@ -5,6 +5,7 @@
 #include "mapping/document_keys.h"
 #include "tools/apple_script.h"
 #include "tools/known_words.h"
+#include "tools/rules/elements.h"
 #include "tools/rules/rules.h"
 #include "tools/spelling.h"
 #include "tools/wording.h"
@@ -95,10 +96,7 @@ void unknownTitles(const Document& document, std::string_view name, Findings& fi
   std::map<std::string, std::optional<std::string_view>, std::less<>> seen;
   for (const auto& entry : document.entries()) {
     if (!std::holds_alternative<action::Menu>(entry.sequence.action)) continue;
-    std::size_t index = 0;
-    for (const auto title : entry.actionValue(key::path).elements()) {
-      auto path = entry.actionPath(key::path);
-      path.emplace_back(index++);
+    for (const auto& [title, path] : elementsOf(entry, key::path)) {
       const auto [found, isNew] = seen.try_emplace(std::string(title.text()));
       if (isNew) found->second = tools::menuTitles().meantBy(found->first);
       // Blanks at the ends are reported by another rule.

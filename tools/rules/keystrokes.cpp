@@ -7,6 +7,7 @@
 #include "runner/modifiers.h"
 #include "text/ascii.h"
 #include "text/text.h"
+#include "tools/rules/elements.h"
 #include "tools/rules/rules.h"
 #include "tools/spelling.h"
 #include "tools/wording.h"
@@ -84,10 +85,7 @@ void unknownModifiers(const Document& document, std::string_view name, Findings&
   for (const auto& entry : document.entries()) {
     const auto* action = std::get_if<action::Keystroke>(&entry.sequence.action);
     if (action == nullptr || action->modifiers.empty()) continue;
-    std::size_t index = 0;
-    for (const auto element : entry.actionValue(key::modifiers).elements()) {
-      auto path = entry.actionPath(key::modifiers);
-      path.emplace_back(index++);
+    for (const auto& [element, path] : elementsOf(entry, key::modifiers)) {
       const auto modifier = element.text();
       if (modifierFlag(modifier)) continue;
       const auto meant = suggestion(modifier, modifierAliases, namesOf(modifierNames));

@@ -1,5 +1,6 @@
 #include "mapping/document_keys.h"
 #include "text/text.h"
+#include "tools/rules/elements.h"
 #include "tools/rules/rules.h"
 #include "tools/wording.h"
 
@@ -37,10 +38,7 @@ void emptyPaths(const Document& document, std::string_view name, Findings& findi
 void menuTitles(const Document& document, std::string_view name, Findings& findings) {
   for (const auto& entry : document.entries()) {
     if (!std::holds_alternative<action::Menu>(entry.sequence.action)) continue;
-    std::size_t index = 0;
-    for (const auto title : entry.actionValue(key::path).elements()) {
-      auto path = entry.actionPath(key::path);
-      path.emplace_back(index++);
+    for (const auto& [title, path] : elementsOf(entry, key::path)) {
       if (auto text = doubt(title.text()); !text.empty()) warn(findings, name, title, path, std::move(text));
     }
   }
