@@ -49,6 +49,7 @@ TEST_F(DoctorTest, OnASoundDesktopItSaysWhatIsThere) {
 
 TEST_F(DoctorTest, WithoutADisplayItSaysSo) {
   EXPECT_EQ(doctor({"DISPLAY="}), 1);
+  EXPECT_THAT(output, ContainsRegex("\ndisplay +none\n"));
   EXPECT_THAT(output, HasSubstr("no display to work on: There is no X display: DISPLAY is not set."));
 }
 
