@@ -96,7 +96,7 @@ TEST_F(DiagnosisTest, ADesktopWithAWindowManagerIsUpAtOnce) {
 TEST_F(DiagnosisTest, AWindowManagerThatStartsLaterIsWaitedForAndNotSaidToBeMissing) {
   auto& desktop = const_cast<PrivateDisplay&>(session.display());
   desktop.endWindowManager();
-  Diagnosis waiting("", applications, loop, patience);
+  Diagnosis waiting("", applications, loop, 10 * patience);
   int times = 0;
   std::vector<std::string> found{"not asked"};
   waiting.whenDesktopIsUp([&] {
