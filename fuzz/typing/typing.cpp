@@ -25,7 +25,7 @@ using namespace platform::event_type;
 constexpr platform::ProcessIdentifier process = 77;
 const std::string label = "H F  label";
 
-/// The characters to type, upper-case and without white space, chosen so that no two of them combine.
+/// The characters to type: upper-case, without white space.
 std::string withoutWhiteSpace(const std::string& keys) {
   std::string result;
   for (const auto& character : text::characters(text::upperCased(keys))) {
