@@ -10,7 +10,9 @@ namespace keyvora::x11 {
 /// readable. The destructor removes it. The block may destroy it. Main thread.
 class ReadableSource {
  public:
-  ReadableSource(int fileDescriptor, int priority, std::function<void()> block);
+  /// A block that runs the main loop itself is not run again inside that loop, unless it `nests`. One that
+  /// runs no loop had better nest: GLib takes a turn of the loop to keep a block from nesting.
+  ReadableSource(int fileDescriptor, int priority, std::function<void()> block, bool nests = false);
   ~ReadableSource();
   ReadableSource(const ReadableSource&) = delete;
   ReadableSource& operator=(const ReadableSource&) = delete;

@@ -6,6 +6,8 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <thread>
 #include <utility>
 
 namespace keyvora::x11 {
@@ -129,8 +131,10 @@ class ScheduledTimer final : public platform::Timer {
 /// are due, so that a key that came meanwhile is handled before the next block.
 class MainLoop::Agenda {
  public:
-  Agenda() : source_(attach(never, run, this, nullptr)) {
+  Agenda() : source_(g_source_new(&functions, sizeof(Source))) {
+    reinterpret_cast<Source*>(source_)->agenda = this;
     g_source_set_can_recurse(source_, TRUE);  // a block may run the loop
+    g_source_attach(source_, nullptr);
   }
   ~Agenda() {
     g_source_destroy(source_);
@@ -140,18 +144,50 @@ class MainLoop::Agenda {
   Agenda& operator=(const Agenda&) = delete;
 
   void add(Microseconds due, std::function<void()> block) {
-    const std::scoped_lock lock(mutex_);
-    blocks_.emplace(due, std::move(block));
-    awaitNext();
+    {
+      const std::scoped_lock lock(mutex_);
+      blocks_.emplace(due, std::move(block));
+    }
+    // On the loop's own thread it looks at the agenda before it waits again.
+    if (std::this_thread::get_id() != mainThread_) g_main_context_wakeup(nullptr);
   }
 
  private:
   /// By the moment at which they are due; blocks of the same moment in the order of submission.
   using Blocks = std::multimap<Microseconds, std::function<void()>>;
 
-  static gboolean run(gpointer agenda) {
-    static_cast<Agenda*>(agenda)->runFirst();
+  /// The moments are told when the loop asks for them. A ready time, set anew for each block, would make the
+  /// loop take another turn each time.
+  struct Source {
+    GSource base;
+    Agenda* agenda;
+  };
+
+  static Agenda& of(GSource* source) { return *reinterpret_cast<Source*>(source)->agenda; }
+
+  static gboolean prepare(GSource* source, gint* milliseconds) {
+    const auto left = of(source).untilFirst(g_source_get_time(source));
+    *milliseconds = left ? gint(std::clamp<Microseconds>((*left + 999) / 1000, 0, G_MAXINT)) : -1;
+    return left && *left <= 0 ? TRUE : FALSE;
+  }
+
+  static gboolean check(GSource* source) {
+    const auto left = of(source).untilFirst(g_source_get_time(source));
+    return left && *left <= 0 ? TRUE : FALSE;
+  }
+
+  static gboolean run(GSource* source, GSourceFunc /*callback*/, gpointer /*data*/) {
+    of(source).runFirst();
     return G_SOURCE_CONTINUE;
+  }
+
+  inline static GSourceFuncs functions{prepare, check, run, nullptr, nullptr, nullptr};
+
+  /// How long it is until a block is due; none without a block.
+  std::optional<Microseconds> untilFirst(Microseconds now) {
+    const std::scoped_lock lock(mutex_);
+    if (blocks_.empty()) return std::nullopt;
+    return blocks_.begin()->first - now;
   }
 
   void runFirst() {
@@ -161,13 +197,10 @@ class MainLoop::Agenda {
 
   Blocks::node_type takeFirst() {
     const std::scoped_lock lock(mutex_);
-    auto first = blocks_.extract(blocks_.begin());
-    awaitNext();
-    return first;
+    return blocks_.extract(blocks_.begin());
   }
 
-  void awaitNext() { g_source_set_ready_time(source_, blocks_.empty() ? never : blocks_.begin()->first); }
-
+  std::thread::id mainThread_ = std::this_thread::get_id();
   std::mutex mutex_;
   Blocks blocks_;
   GSource* source_;

@@ -42,8 +42,8 @@ FileWatch::FileWatch(std::filesystem::path path, const FileStamp& file, posix::F
       inotify_(std::move(inotify)),
       handler_(std::move(handler)),
       missed_(std::move(missed)),
-      source_(
-          std::make_unique<ReadableSource>(inotify_.number(), G_PRIORITY_DEFAULT, [this] { collect(); })) {}
+      source_(std::make_unique<ReadableSource>(
+          inotify_.number(), G_PRIORITY_DEFAULT, [this] { collect(); }, true)) {}
 
 FileWatch::~FileWatch() {
   FileWatch::cancel();

@@ -1,6 +1,7 @@
 // The tap's program: `keyvora-tap [DISPLAY]`, started by keyvora with one end of a socket pair as file 3.
 
 #include <X11/Xlib.h>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -8,7 +9,6 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 
 #include "hosts/x11/tap/tap.h"
 
@@ -29,7 +29,9 @@ void ignoreSignals() {
 
 /// Xlib's buffers contain keys too, so core dumps leave out all memory of this process.
 void keepOutOfCoreDumps() {
-  std::ofstream("/proc/self/coredump_filter") << "0\n";
+  // Without a stream: what the streams of the standard library need would be most of this program's memory.
+  const posix::FileDescriptor filter(open("/proc/self/coredump_filter", O_WRONLY | O_CLOEXEC));
+  [[maybe_unused]] const auto written = write(filter.number(), "0\n", 2);
 }
 
 bool isPair(int file) {

@@ -310,18 +310,26 @@ TEST_F(PostingTest, WithoutATapKeysAtTheHardwareLevelStillArrive) {
 }
 
 TEST_F(PostingTest, PostingInsideTheHandlerComesAfterTheSwallowedKeyAndDoesNotWait) {
+  auto shortest = std::chrono::steady_clock::duration::max();
   tapWith([&](const KeyEvent& shown) {
     const auto verdict = catcher(shown);
     if (verdict == Verdict::swallow) {
       const auto start = std::chrono::steady_clock::now();
       event(key::digit1, true, command)->postTo(targetProcess);
       event(key::digit1, false, command)->postTo(targetProcess);
-      EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+      shortest = std::min(shortest, std::chrono::steady_clock::now() - start);
     }
     return verdict;
   });
-  user.tap({key::leftOption, key::h});
-  expectPressed({key::leftOption, key::digit1});
+  std::vector<std::uint16_t> expected;
+  for (int times = 0; times < 5; ++times) {
+    catcher = Catcher(applications, 1);
+    user.tap({key::leftOption, key::h});
+    expected.insert(expected.end(), {key::leftOption, key::digit1});
+    expectPressed(expected);
+  }
+  // Waiting would take as long as a verdict may, every time.
+  EXPECT_LT(shortest, verdictLimit / 2);
 }
 
 TEST(Posting, WithoutADisplayNothingCanBeMade) {

@@ -124,6 +124,36 @@ TEST_F(TapTest, WhenTheOwnerHangsItUngrabsBeforeItLetsGo) {
   EXPECT_TRUE(arrive({key::leftOption, key::h, key::a, key::b}));
 }
 
+TEST_F(TapTest, KeysArriveAsTheyWereTypedWhateverTheOwnerDoesAfterATimeOut) {
+  open(display.name());
+  tapOption();
+  user.tap({key::h, key::a});
+  const auto held = asked(key::h);
+  giveUp();
+  EXPECT_EQ(heard().kind, Kind::disabled);
+  user.tap({key::b});
+  say({.kind = OwnerRecord::Kind::verdict, .number = held.number, .verdict = Verdict::swallow});
+  say({.kind = OwnerRecord::Kind::enable});
+  EXPECT_EQ(heard().kind, Kind::enabled);
+  user.tap({key::d, key::f, key::h});
+  // A second late verdict, while another key waits.
+  const auto next = asked(key::d);
+  say({.kind = OwnerRecord::Kind::verdict, .number = held.number, .verdict = Verdict::swallow});
+  giveUp();
+  say({.kind = OwnerRecord::Kind::enable});
+  say({.kind = OwnerRecord::Kind::verdict, .number = next.number, .verdict = Verdict::swallow});
+  user.tap({key::a});
+  EXPECT_TRUE(runUntil([&] {
+    tap->readEvents();
+    while (const auto record = owner.receive()) {
+      if (record->kind == Kind::asked) pass(*record);
+    }
+    return target.pressed().size() == 8;
+  }));
+  EXPECT_EQ(target.pressed(),
+            (Keys{key::leftOption, key::h, key::a, key::b, key::d, key::f, key::h, key::a}));
+}
+
 TEST_F(TapTest, WhenItIsEnabledAgainItKnowsNothingOfThePressesBefore) {
   open(display.name());
   user.press(key::leftOption);
