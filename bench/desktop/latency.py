@@ -1,12 +1,16 @@
 """Times that a user waits: until the tap is installed after a start, and until a saved document takes effect."""
 
 import argparse
+import subprocess
 import time
+from collections.abc import Callable
 from pathlib import Path
 
-from console import DOCUMENT, Console, mappings, in_milliseconds
+from console import DOCUMENT, Console, in_milliseconds, mappings, percentiles
+from delivery import go_first
 from harness.private_desktop import PrivateDesktop
 from harness.process import counts
+from harness.waiting import calm
 
 STARTS = 30
 SAVES = 100
@@ -28,24 +32,56 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     """From a document renamed into place to the log line of the reload, without the fixed delay."""
     path = mappings(desktop.home)
     path.write_text(DOCUMENT)
-    times = []
+    first = go_first(desktop.children.named("Xvfb").pid)
+    print(f"at {'real-time' if first else 'ordinary'} priority")
+    times, processor, main = [], [], []
     with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
         keyvora.wait("tap installed, ")
         process = keyvora.process.pid
-        processor, main = [], []
-        for _ in range(SAVES):
-            before, main_before = counts(process).processor, main_thread(process)
+
+        def save() -> float:
+            """How long it took until the document was loaded; the watch starts after the log line."""
             beside = path.with_suffix(".new")
             beside.write_text(DOCUMENT)
             start = time.monotonic()
             beside.rename(path)
-            times.append(keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY)
-            time.sleep(0.05)  # the watch starts after the log line
+            taken = keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY
+            time.sleep(0.05)
+            return taken
+
+        calm(lambda: counts(process).switches, "the start", 1)
+        for _ in range(SAVES):
+            before, main_before = counts(process).processor, main_thread(process)
+            times.append(save())
             processor.append(counts(process).processor - before)
             main.append(main_thread(process) - main_before)
+        polls = polls_during(process, desktop.folder / "polls", save)
+    decoding = [float(line) for line in subprocess.run(
+        [str(arguments.programs / "bench/bench_decode_now_and_then"), str(path), str(SAVES)], check=True,
+        stdout=subprocess.PIPE, text=True).stdout.split()]
     print(f"change on disk to document loaded, beyond the fixed {DELAY} s: {in_milliseconds(times)}")
     print(f"processor time of a reload, user and system: {in_milliseconds(processor)}")
     print(f"of it the main thread's: {in_milliseconds(main)}")
+    print(f"decoding the same document, in a program that does nothing else: {in_milliseconds(decoding)}")
+    beside = percentiles(main)[0] - percentiles(decoding)[0]
+    print(f"main thread's processor time beside decoding, at the median: {beside * 1000:.2f} ms")
+    print(f"polls of a reload: {polls:g}")
+
+
+def polls_during(process: int, file: Path, save: Callable[[], float]) -> float:
+    """How often the main thread polls for one save, on average; counted by strace."""
+    tracer = subprocess.Popen(["strace", "-e", "trace=poll", "-o", str(file), "-p", str(process)],
+                              stderr=subprocess.PIPE)
+    stderr = tracer.stderr
+    assert stderr
+    stderr.readline()  # "attached"
+    saves = 10
+    for _ in range(saves):
+        save()
+    tracer.terminate()
+    tracer.wait()
+    # The one in which it waits already when the tracer comes is told as another call.
+    return sum("poll(" in line for line in file.read_text().splitlines()) / saves
 
 
 def main_thread(process: int) -> float:
