@@ -73,7 +73,7 @@ TEST(Layouts, TheCommonOnesExist) {
 
 TEST(Layouts, WhatIsNoLayoutIsNone) {
   for (const std::string name : {"qwerty", "fr(qwerty)", "", "fr(", "fr()", "(fr)", "fr)", "fr,de", "fr+de",
-                                 "../fr", "fr:2", "fr(nodeadkeys)x", "fr\n"}) {
+                                 "../fr", "fr:2", "fr(nodeadkeys)x", "fr(bepox", "fr\n"}) {
     EXPECT_FALSE(layoutNamed(name)) << name;
   }
 }
