@@ -116,7 +116,8 @@ void drawLetters(cairo_t* context, const Box& room, const std::string& letters) 
   if (ink.width <= 0 || ink.height <= 0) return;
   const double inkWidth = static_cast<double>(ink.width) / PANGO_SCALE;
   const double inkHeight = static_cast<double>(ink.height) / PANGO_SCALE;
-  constexpr double narrowest = 0.55;  // letters are legible down to this part of their width
+  // Letters are legible down to this part of their width, also where the font has no condensed face.
+  constexpr double narrowest = 0.5;
   const double down = std::min(room.height / inkHeight, room.width / (inkWidth * narrowest));
   const double across = std::min(down, room.width / inkWidth);
 
