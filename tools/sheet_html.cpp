@@ -63,11 +63,12 @@ std::string asHtml(const std::vector<SheetTab>& sheet) {
   std::string html =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-      "<title>Excel key sequences</title>\n<style>\n";
+      "<title>Key sequences</title>\n<style>\n";
   html += embedded::cheatsheetStyle;
   html +=
-      "</style>\n</head>\n<body>\n<header>\n<h1>Excel key sequences</h1>\n"
-      "<p>Tap <kbd>⌥</kbd> Option by itself, then type the letters. <kbd>esc</kbd> or <kbd>⌥</kbd> again "
+      "</style>\n</head>\n<body>\n<header>\n<h1>Key sequences</h1>\n"
+      "<p>Tap <kbd>⌥</kbd> Option (Alt on a PC keyboard) by itself, then type the letters. <kbd>esc</kbd> or "
+      "<kbd>⌥</kbd> again "
       "cancels.</p>\n";
   if (needsKeyTips(sheet)) html += "<p><i class=\"tips\">◆</i> needs Excel’s key tips switched on.</p>\n";
   html += "</header>\n<main>\n";

@@ -22,7 +22,8 @@ std::string headline(const SheetTab& tab) {
 }  // namespace
 
 std::string asMarkdown(const std::vector<SheetTab>& sheet) {
-  std::string text = "# Excel key sequences\n\nTap ⌥ Option by itself, then type the letters.\n";
+  std::string text =
+      "# Key sequences\n\nTap ⌥ Option (Alt on a PC keyboard) by itself, then type the letters.\n";
   bool anyKeyTips = false;
   for (const auto& tab : sheet) {
     text += "\n" + headline(tab) + "\n\n| Keys | |\n|---|---|\n";

@@ -246,7 +246,7 @@ TEST_F(CommandTest, WritesSheetsAndTheSchema) {
   EXPECT_EQ(run({"cheatsheet", "--html"}), 0);
   EXPECT_EQ(out.str(), html);
   EXPECT_EQ(run({"cheatsheet", "--markdown"}), 0);
-  EXPECT_THAT(out.str(), StartsWith("# Excel key sequences"));
+  EXPECT_THAT(out.str(), StartsWith("# Key sequences"));
   EXPECT_EQ(run({"schema"}), 0);
   EXPECT_EQ(out.str(), contentOf(projectFile("resources/mappings.schema.json")));
 }

@@ -11,7 +11,6 @@
 #include <array>
 #include <chrono>
 #include <cstring>
-#include <optional>
 #include <stdexcept>
 
 namespace keyvora::x11 {
@@ -89,7 +88,7 @@ Relay::~Relay() {
 void Relay::work() {
   const auto there = address(serverPath_);
   std::string said;
-  std::optional<std::chrono::steady_clock::time_point> heldUntil;
+  std::chrono::steady_clock::time_point heldUntil{};  // in the past
   while (!ending_) {
     std::array<pollfd, 3> files{
         {{client_ < 0 ? listening_ : -1, POLLIN, 0}, {client_, POLLIN, 0}, {server_, POLLIN, 0}}};
@@ -104,14 +103,14 @@ void Relay::work() {
       const auto size = recv(client_, bytes.data(), bytes.size(), 0);
       if (size <= 0) return;
       sendAll(server_, {bytes.data(), std::size_t(size)});
-      heldUntil.reset();
+      heldUntil = {};
     }
     if ((files[2].revents & POLLIN) != 0) {
       const auto size = recv(server_, bytes.data(), bytes.size(), 0);
       if (size <= 0) return;
       said.append(bytes.data(), std::size_t(size));
     }
-    if (heldUntil && std::chrono::steady_clock::now() < *heldUntil) continue;
+    if (std::chrono::steady_clock::now() < heldUntil) continue;
     const bool wasHolding = holding_;
     passOn(said);
     if (wasHolding && !holding_) heldUntil = std::chrono::steady_clock::now() + longestHold;
