@@ -11,6 +11,7 @@
 #include <array>
 #include <chrono>
 #include <cstring>
+#include <optional>
 #include <stdexcept>
 
 namespace keyvora::x11 {
