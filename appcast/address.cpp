@@ -18,13 +18,16 @@ using Uri = std::unique_ptr<GUri, UriUnref>;
 /// Escapes spaces and keeps existing escapes.
 constexpr auto manner = static_cast<GUriFlags>(G_URI_FLAGS_PARSE_RELAXED | G_URI_FLAGS_ENCODED);
 
-/// Null when the result is not an http or https address with a host.
+/// Null when the result is not an http or https address with a host. GLib ends a host at any ";" and takes
+/// the rest for the path; it cannot write such an address again.
 Uri parse(const std::string& reference, GUri* base) {
   Uri uri(g_uri_parse_relative(base, reference.c_str(), manner, nullptr));
   if (!uri) return nullptr;
   const std::string_view scheme = g_uri_get_scheme(uri.get());  // in lower case
   const char* host = g_uri_get_host(uri.get());
-  const bool isOfTheWeb = (scheme == "http" || scheme == "https") && host != nullptr && *host != '\0';
+  const std::string_view path = g_uri_get_path(uri.get());
+  const bool isOfTheWeb = (scheme == "http" || scheme == "https") && host != nullptr && *host != '\0' &&
+                          (path.empty() || path.starts_with('/'));
   return isOfTheWeb ? std::move(uri) : nullptr;
 }
 

@@ -33,6 +33,12 @@ TEST(AddressTest, HasAHostThatIsTextAndIsWrittenInAscii) {
   EXPECT_EQ(webAddress("https://exampl\xC2\x85g/2.0", ""), std::nullopt);
 }
 
+TEST(AddressTest, EndsItsHostWithASlashOrNotAtAll) {
+  for (const auto* broken : {"https://examp;e.org/2.0", "https://example.org;x", "//example.org;x"}) {
+    EXPECT_EQ(webAddress(broken, base), std::nullopt) << broken;
+  }
+}
+
 TEST(AddressTest, WithoutABaseItMustBeWhole) {
   EXPECT_EQ(webAddress("https://example.org/x", ""), "https://example.org/x");
   EXPECT_EQ(webAddress("", ""), std::nullopt);
