@@ -101,7 +101,9 @@ TEST_P(GrabberTest, IsFoundByDoctorAndAtTheStart) {
   const auto file = session.home() / "configuration";
   writeFile(file, configuration);
   ASSERT_EQ(doctor(), 0) << output;
-  const Child grabber({"sh", "-c", "exec " + name + " " + options + " \"$HOME/configuration\""}, {});
+  // sxhkd ends at once where no SHELL is set, as in a container or a service.
+  const Child grabber({"sh", "-c", "exec " + name + " " + options + " \"$HOME/configuration\""},
+                      {"SHELL=/bin/sh"});
   const auto finding =
       "another program holds the Option key: A tap of Option goes to that program and starts no sequence.";
   ASSERT_TRUE(runUntil([&] { return doctor() == 1; })) << output;
