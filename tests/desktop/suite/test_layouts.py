@@ -6,7 +6,7 @@ import subprocess
 
 from harness.waiting import equal
 
-from .desktop_test import ARMED, DesktopTest
+from .desktop_test import ARMED, DOCUMENT, DesktopTest
 
 # Layout, variant, and the letters of the keys labelled w, x and z on an American keyboard.
 LAYOUTS = [("us", "", "wxz"), ("fr", "", "zxw"), ("de", "", "wxy"), ("us", "dvorak", ",q;")]
@@ -70,6 +70,7 @@ class LayoutsAsChecked(DesktopTest):
 
     document = {
         "version": 1,
+        "timeoutMilliseconds": DOCUMENT["timeoutMilliseconds"],
         "tabs": {},
         "sequences": [
             {"keys": f"P{letter}", "name": "Press", "action": {"kind": "keystroke", "key": key, "modifiers": held}}
