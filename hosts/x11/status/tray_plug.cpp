@@ -45,6 +45,16 @@ GdkVisual* transparentVisual(Tray& tray) {
   return visual;
 }
 
+/// When its tray ends, the window becomes a child of the root; window managers must ignore it there. GDK is
+/// not told: it expects no events about the size of such a window, and draws only a part of it when the scale
+/// has changed.
+void ignoreByWindowManagers(GdkWindow* window) {
+  XSetWindowAttributes attributes;
+  attributes.override_redirect = True;
+  XChangeWindowAttributes(GDK_WINDOW_XDISPLAY(window), GDK_WINDOW_XID(window), CWOverrideRedirect,
+                          &attributes);
+}
+
 /// The visible part of the window: a tray with less room than requested may put it into a smaller window.
 std::pair<int, int> visibleSize(GdkWindow* window) {
   int width = gdk_window_get_width(window);
@@ -107,10 +117,17 @@ void TrayPlug::make(Tray& tray) {
   g_signal_connect(plug_, "destroy", G_CALLBACK(destroyed), this);
 
   setTitle(title_);
+  gtk_widget_show_all(button_);
+  // The window is made with the size that it needs: the tray chooses another, and a request after that would
+  // undo it.
+  GtkRequisition size;
+  gtk_widget_get_preferred_size(plug_, nullptr, &size);
+  GtkAllocation area{0, 0, size.width, size.height};
+  gtk_widget_size_allocate(plug_, &area);
   gtk_widget_realize(plug_);
-  // When its tray ends, the window becomes a child of the root; window managers must ignore it there.
-  gdk_window_set_override_redirect(gtk_widget_get_window(plug_), TRUE);
-  gtk_widget_show_all(plug_);
+  ignoreByWindowManagers(gtk_widget_get_window(plug_));
+  gtk_widget_show(plug_);
+  gdk_display_sync(gtk_widget_get_display(plug_));
   tray.dock(gtk_plug_get_id(GTK_PLUG(plug_)));
 }
 

@@ -4,8 +4,8 @@
 
 namespace keyvora::x11 {
 
-NarrowTray::NarrowTray(int width, int height)
-    : connection_(Connection::open("")), slot_{300, 200, width, height} {
+NarrowTray::NarrowTray(int width, int height, Sizes sizes)
+    : connection_(Connection::open("")), slot_{300, 200, width, height}, sizes_(sizes) {
   auto* display = connection_->get();
   XSetWindowAttributes attributes{};
   attributes.override_redirect = True;
@@ -47,6 +47,7 @@ void NarrowTray::readEvents() {
 }
 
 void NarrowTray::fit(Window icon) {
+  if (sizes_ == Sizes::asRequested) return;
   auto* display = connection_->get();
   XMoveResizeWindow(display, icon, 0, 0, static_cast<unsigned>(slot_.width),
                     static_cast<unsigned>(slot_.height));

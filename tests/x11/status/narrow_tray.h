@@ -11,11 +11,13 @@
 
 namespace keyvora::x11 {
 
-/// A system tray with one slot of a fixed size, whatever size an icon requests. It embeds icons while the
-/// test runs the main loop.
+/// A system tray with one slot of a fixed size. It embeds icons while the test runs the main loop.
 class NarrowTray {
  public:
-  NarrowTray(int width, int height);
+  /// What it does with an icon that has another size than the slot.
+  enum class Sizes { ofTheSlot, asRequested };
+
+  NarrowTray(int width, int height, Sizes sizes = Sizes::ofTheSlot);
 
   /// Whether an icon is in its slot.
   [[nodiscard]] bool hasIcon() const { return icon_ != None; }
@@ -37,6 +39,7 @@ class NarrowTray {
 
   std::unique_ptr<Connection> connection_;
   Screen::Area slot_;
+  Sizes sizes_;
   Window window_ = None;
   Window icon_ = None;
   std::optional<ReadableSource> events_;

@@ -4,6 +4,7 @@
 //   menu NAME    sets one of the menus below
 //   click        clicks the item as an assistive tool does
 //   draws        prints how many times the item was drawn since the first such command
+//   drawn        waits until everything that was to be drawn is, in the tray
 //   toolkit      prints whether GTK is initialised
 //   timer        starts a timer in the default mode, which prints "tick"
 //   destroy      removes the item
@@ -93,6 +94,9 @@ class Program {
       item_->setMenu(menus().at(rest));
     } else if (verb == "draws") {
       say(std::to_string(draws()));
+    } else if (verb == "drawn") {
+      gtk_test_widget_wait_for_draw(plug());
+      gdk_display_sync(gtk_widget_get_display(plug()));
     } else if (verb == "toolkit") {
       say(x11::isToolkitOpen() ? "open" : "closed");
     } else if (verb == "click") {
