@@ -1,4 +1,4 @@
-"""The system's statistics of a process: wake-ups, processor time, memory, open files."""
+"""What the system knows of a process: wake-ups, processor time, memory, open files, signals."""
 
 import os
 from dataclasses import dataclass
@@ -47,3 +47,9 @@ def children(process: int) -> list[int]:
     """Its running child processes."""
     return [int(child) for task in Path(f"/proc/{process}/task").iterdir()
             for child in (task / "children").read_text().split()]
+
+
+def catches(process: int, number: int) -> bool:
+    """Whether it has a handler for this signal, which may end it until then."""
+    lines = Path(f"/proc/{process}/status").read_text().splitlines()
+    return any(line.startswith("SigCgt:") and bool(int(line.split()[1], 16) >> (number - 1) & 1) for line in lines)

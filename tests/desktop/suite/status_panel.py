@@ -6,7 +6,7 @@ Run with --panel. Leaves pictures of every state in the folder of --pictures, fo
 import signal
 from typing import ClassVar
 
-from harness import notifier, x11
+from harness import notifier, process, x11
 from harness.panel_menu import PanelMenu
 from harness.picture import Picture
 from harness.private_desktop import PrivateDesktop
@@ -37,6 +37,7 @@ class XSettings:
         self._file = desktop.folder / "xsettings"
         self._write(LIGHT, 1)
         self._daemon = desktop.children.start(["xsettingsd", "-c", str(self._file)])
+        until(lambda: process.catches(self._daemon.pid, signal.SIGHUP), "xsettingsd", PATIENCE)
 
     def set(self, theme: str, scale: int) -> None:
         """Changes both."""

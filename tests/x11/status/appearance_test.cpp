@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <sstream>
 
 #include "tests/x11/conversation.h"
 #include "tests/x11/private_session.h"
@@ -10,15 +11,24 @@
 namespace keyvora::x11 {
 namespace {
 
+/// Whether a process has a handler for the signal, which may end it until then.
+bool catches(pid_t process, int number) {
+  std::istringstream status(readFile("/proc/" + std::to_string(process) + "/status"));
+  const std::string name = "SigCgt:";
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(name))
+      return (std::stoull(line.substr(name.size()), nullptr, 16) >> (number - 1) & 1) != 0;
+  }
+  return false;
+}
+
 /// The desktop's settings, which running GTK programs follow.
 class Settings {
  public:
   explicit Settings(const std::filesystem::path& file, const std::string& text) : file_(file) {
     writeFile(file_, text);
     daemon_ = Child({"xsettingsd", "-c", file_.string()}, {});
-    const auto connection = Connection::open("");
-    const Atom selection = connection->atom("_XSETTINGS_S0");
-    if (!runUntil([&] { return XGetSelectionOwner(connection->get(), selection) != None; })) {
+    if (!runUntil([&] { return catches(daemon_.pid(), SIGHUP); })) {
       throw std::runtime_error("xsettingsd does not run");
     }
   }
