@@ -94,7 +94,9 @@ TEST_F(AppearanceTest, AtAnotherScaleTheIconIsDrawnForItsSlotAgain) {
   NarrowTray tray(size, size);
   start(tray);
   tell("title ⌥ HFCI");
-  ASSERT_TRUE(runUntil([&] { return tray.look().bright > half; }));
+  // The empty slot is all bright, the item without letters mostly dark.
+  ASSERT_TRUE(runUntil([&] { return tray.look().bright > half && tray.look().dark > size; }));
+  tell("drawn");
   const auto fourLetters = tray.look();
   settings.change("Gdk/WindowScalingFactor 2\nNet/ThemeName \"Adwaita\"\n");
   EXPECT_TRUE(runUntil([&] {
@@ -110,6 +112,8 @@ TEST_F(AppearanceTest, AtAnotherScaleTheIconIsDrawnForItsSlotAgain) {
   EXPECT_TRUE(runUntil([&] { return drawnAs("⌥ FCI") == drawnAs("⌥ HFCI"); })) << "the last three";
   tell("title ⌥");
   EXPECT_TRUE(runUntil([&] { return tray.look().dark > half && tray.look().bright > size; })) << "idle";
+  settings.change("Gdk/WindowScalingFactor 1\nNet/ThemeName \"Adwaita\"\n");
+  EXPECT_TRUE(runUntil([&] { return drawnAs("⌥ HFCI") == fourLetters; })) << "as before";
 }
 
 TEST_F(AppearanceTest, TheTextIsReadOnItsOwnGroundInEveryTheme) {
