@@ -15,8 +15,9 @@ using platform::KeyEvent;
 using platform::Verdict;
 using std::chrono::milliseconds;
 
-/// For a few round trips to the server, so that keys are caught when `enable` has returned.
-constexpr milliseconds grabbingLimit{250};
+/// For a few round trips to the server, so that keys are caught when `enable` has returned. A machine may be
+/// very busy at login, and a window manager that starts may grab the server. No key waits meanwhile.
+constexpr milliseconds grabbingLimit{2000};
 
 /// For the tap to read from a full socket. It never works for long.
 constexpr milliseconds sendingLimit{250};

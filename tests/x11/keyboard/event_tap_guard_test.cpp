@@ -137,6 +137,24 @@ TEST_F(EventTapGuardTest, ATapIsRefusedWhileAnotherProgramHasTheKeys) {
   EXPECT_TRUE(awaitTapPossible());
 }
 
+TEST_F(EventTapGuardTest, KeysAreCaughtAsSoonAsEnablingReturnsEvenFromABusyServer) {
+  tap = keyboard.createTap(keyEvents, [this](const KeyEvent& event) { return catcher(event); });
+  ASSERT_NE(tap, nullptr);
+  const auto busy = Connection::open(display.name());
+  XGrabServer(busy->get());  // as window managers do while they start
+  XSync(busy->get(), False);
+  std::thread serving([&] {
+    std::this_thread::sleep_for(milliseconds(500));
+    XUngrabServer(busy->get());
+    XSync(busy->get(), False);
+  });
+  tap->enable();
+  user.tap({key::leftOption, key::h, key::f, key::a});
+  serving.join();
+  expectPressed({key::leftOption, key::a});
+  EXPECT_EQ(catcher.caught, (Keys{key::h, key::f}));
+}
+
 TEST_F(EventTapGuardTest, ATapThatIsGoneOrNeverEnabledLeavesTheKeyboardAlone) {
   tap = keyboard.createTap(keyEvents, [](const KeyEvent&) { return Verdict::swallow; });
   ASSERT_NE(tap, nullptr);
