@@ -60,6 +60,10 @@ bool openToolkit() {
   return opened;
 }
 
+void loadTheme() {
+  if (isToolkitOpen()) gtk_settings_get_default();
+}
+
 bool isToolkitOpen() {
   return gdk_display_get_default() != nullptr;
 }

@@ -14,6 +14,11 @@ bool hasDisplay();
 /// shown: call this before showing anything. False when it cannot be initialised. Main thread.
 bool openToolkit();
 
+/// Loads the user's settings and theme, unless that was done. Otherwise the first widget does it, and that
+/// is the longest part of showing the first window. Does nothing while GTK is not initialised. Main
+/// thread.
+void loadTheme();
+
 /// Whether GTK is initialised.
 bool isToolkitOpen();
 

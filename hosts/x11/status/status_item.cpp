@@ -40,6 +40,7 @@ void StatusItem::setMenu(platform::Menu menu) {
 void StatusItem::show() {
   if (!host_.isKnown()) return;  // wait for the answer, so that the item never appears in both
   notifier_.reset();
+  showing_.reset();
   if (host_.isPresent()) {
     plug_.reset();
     notifier_ = std::make_unique<Notifier>(loop_, host_, [this](int x, int y) { openMenuAt(x, y); });
@@ -51,15 +52,30 @@ void StatusItem::show() {
   awaitPanel();
 }
 
+/// GTK takes long to open, and keys cannot be handled meanwhile: on a busy machine the tap might not wait so
+/// long. So there is a pass of the loop before each further step.
 void StatusItem::showInTray() {
   if (plug_) return;
+  openToolkit();
+  inNextPass([this] {
+    loadTheme();
+    inNextPass([this] { dock(); });
+  });
+}
+
+void StatusItem::inNextPass(std::function<void()> step) {
+  showing_ = loop_.schedule({}, false, platform::TimerMode::commonModes, std::move(step));
+}
+
+void StatusItem::dock() {
+  showing_.reset();
   plug_ = std::make_unique<TrayPlug>(tray_, title_, [this](const GdkEvent* event) {
     openMenu([this, event](StatusMenu& menu) { return menu.open(plug_->button(), event); });
   });
 }
 
 void StatusItem::awaitPanel() {
-  if (notifier_ || plug_ || !onUnseen_) {
+  if (notifier_ || plug_ || showing_ || !onUnseen_) {
     unseen_.reset();
   } else if (!unseen_) {
     unseen_ = loop_.schedule(patience_, false, platform::TimerMode::commonModes,

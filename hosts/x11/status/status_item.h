@@ -37,6 +37,8 @@ class StatusItem final : public platform::StatusItem {
  private:
   void show();
   void showInTray();
+  void inNextPass(std::function<void()> step);
+  void dock();
   void awaitPanel();
   void openMenu(const std::function<bool(StatusMenu&)>& open);
   void openMenuAt(int x, int y);
@@ -52,6 +54,8 @@ class StatusItem final : public platform::StatusItem {
   /// The two ways of showing it; both null while there is no panel.
   std::unique_ptr<Notifier> notifier_;
   std::unique_ptr<TrayPlug> plug_;
+  /// The next step towards the tray's slot; null when there is none.
+  std::unique_ptr<platform::Timer> showing_;
   /// keyvora's own menu, from its opening until its command has run.
   std::unique_ptr<StatusMenu> open_;
   std::unique_ptr<platform::Timer> release_;

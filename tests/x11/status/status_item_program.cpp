@@ -6,6 +6,9 @@
 //   draws        prints how many times the item was drawn since the first such command
 //   drawn        waits until everything that was to be drawn is, in the tray
 //   toolkit      prints whether GTK is initialised
+//   watch        from now on counts the passes of the loop in which a key would be handled while GTK is
+//                initialised and the item is not in the tray yet
+//   passes       prints their number
 //   timer        starts a timer in the default mode, which prints "tick"
 //   destroy      removes the item
 //
@@ -79,6 +82,35 @@ int draws() {
   return count;
 }
 
+int passesWhileOpening = 0;
+
+/// A source with the priority of the tap's, which is ready in every other pass of the loop: as often as it
+/// can be without keeping lower priorities from running.
+void watchOpening() {
+  struct Source {
+    GSource base;
+    bool isReady;
+  };
+  static GSourceFuncs functions{[](GSource* source, gint* milliseconds) -> gboolean {
+                                  *milliseconds = 0;
+                                  auto& isReady = reinterpret_cast<Source*>(source)->isReady;
+                                  isReady = !isReady;
+                                  return isReady ? TRUE : FALSE;
+                                },
+                                nullptr,
+                                [](GSource*, GSourceFunc, gpointer) -> gboolean {
+                                  if (x11::isToolkitOpen() && plug() == nullptr) ++passesWhileOpening;
+                                  return G_SOURCE_CONTINUE;
+                                },
+                                nullptr,
+                                nullptr,
+                                nullptr};
+  GSource* source = g_source_new(&functions, sizeof(Source));
+  g_source_set_priority(source, G_PRIORITY_HIGH);
+  g_source_attach(source, nullptr);
+  g_source_unref(source);
+}
+
 /// Long enough for a panel that is running to answer.
 constexpr platform::Seconds shortPatience{0.5};
 
@@ -99,6 +131,10 @@ class Program {
       gdk_display_sync(gtk_widget_get_display(plug()));
     } else if (verb == "toolkit") {
       say(x11::isToolkitOpen() ? "open" : "closed");
+    } else if (verb == "watch") {
+      watchOpening();
+    } else if (verb == "passes") {
+      say(std::to_string(passesWhileOpening));
     } else if (verb == "click") {
       gtk_button_clicked(GTK_BUTTON(gtk_bin_get_child(GTK_BIN(plug()))));
     } else if (verb == "timer") {

@@ -275,6 +275,15 @@ TEST_F(StatusItemTest, WithoutATrayItSaysSoOnceAndShowsWhenThereIsOne) {
   EXPECT_EQ(std::ranges::count(program().heard(), line), 1);
 }
 
+TEST_F(StatusItemTest, KeysAreHandledBetweenTheStepsThatOpenTheToolkit) {
+  tell("title ⌥");
+  tell("watch");
+  session.startTray();
+  ASSERT_TRUE(screen.awaitWindow("⌥"));
+  program().say("passes");
+  EXPECT_GE(std::stoi(program().answer()), 2) << "before the theme is loaded, and before the item is made";
+}
+
 TEST_F(StatusItemTest, ItComesBackWhenTheTrayDoes) {
   auto item = showItem();
   for (int time = 0; time < 3; ++time) {
