@@ -43,6 +43,8 @@ class StartedByTheDesktop(DesktopTest):
         self.addCleanup(self.end_what_was_started)
         until(lambda: self.keyvora.log.has("tap installed, "), f"keyvora, started by {name}",
               seen=self.desktop.children.log(name).read_text)
+        # While the toolkit opens for it, keys wait, but not longer than a second.
+        until(lambda: self.keyvora.status() == "⌥", "the status item", seen=self.keyvora.status)
         self.assertEqual(1, len(processes_of(self.program)))
         self.fire()
         self.expect_input("x")
