@@ -39,7 +39,7 @@ class Diagnosis {
   /// Runs the block once, when those parts of the desktop that findings depend on have started: at once when
   /// they have, else later on the main loop, after a limited time in any case. For a program that starts with
   /// the desktop. A block that still waits is dropped by a later call.
-  virtual void whenDesktopIsUp(std::function<void()> block) { block(); }
+  virtual void whenDesktopIsUp(const std::function<void()>& block) { block(); }
 
   /// The facts behind the findings, and facts about the target, given by its bundle identifier.
   virtual std::vector<Fact> facts(std::string_view target) = 0;

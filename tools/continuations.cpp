@@ -65,6 +65,7 @@ std::size_t sequencesIn(const std::vector<Continuation>& continuations) {
 
 std::vector<std::string> asLines(const std::vector<Continuation>& continuations, std::size_t lettersTyped) {
   std::vector<std::string> lines;
+  lines.reserve(continuations.size());
   for (const auto& each : continuations) lines.push_back(line(each, lettersTyped));
   return lines;
 }

@@ -14,7 +14,7 @@ namespace keyvora::tools {
 namespace {
 
 /// How much of the end of a log is read: more than years of use.
-constexpr std::streamoff mostRead = 16 * 1024 * 1024;
+constexpr std::streamoff mostRead = std::streamoff{16} * 1024 * 1024;
 
 std::variant<std::string, Unreadable> endOf(const std::filesystem::path& file) {
   std::error_code ignored;

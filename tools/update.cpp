@@ -116,7 +116,8 @@ void append(const std::vector<std::string>& added, const Document& document, std
   const auto blanks = last ? indent(text, last->offset()) : "    ";
   std::string all;
   for (const auto& entry : added) {
-    all += (last || !all.empty() ? "," : "") + end + blanks + withLineEnds(entry, end);
+    if (last || !all.empty()) all += ",";
+    all.append(end).append(blanks).append(withLineEnds(entry, end));
   }
   edits.replace(at, 0, std::move(all));
 }

@@ -27,9 +27,9 @@ class Diagnosis final : public platform::Diagnosis {
     if (const auto block = std::exchange(waiting_, nullptr)) block();
   }
 
-  void whenDesktopIsUp(std::function<void()> block) override {
+  void whenDesktopIsUp(const std::function<void()>& block) override {
     if (desktopIsUp) return block();
-    waiting_ = std::move(block);
+    waiting_ = block;
   }
 
   std::vector<platform::Finding> findings(const std::filesystem::path& named) override {

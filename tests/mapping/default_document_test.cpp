@@ -26,7 +26,6 @@
 namespace keyvora {
 namespace {
 
-using testing::AnyOf;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -13,6 +13,8 @@ std::atomic<int> refusals = 0;
 
 }  // namespace
 
+// The C library's header has reserved names for the parameters.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
                               void* argument) noexcept {
   if (refusing) {

@@ -85,7 +85,7 @@ std::vector<Finding> Diagnosis::findings(const std::filesystem::path& document) 
 }
 
 /// A program that starts at login may be there before the window manager.
-void Diagnosis::whenDesktopIsUp(std::function<void()> block) {
+void Diagnosis::whenDesktopIsUp(const std::function<void()>& block) {
   wait_ = WindowManagerWait::start(displayName_, loop_, limit_, [this, block] {
     wait_.reset();
     block();

@@ -21,7 +21,7 @@ class Diagnosis final : public platform::Diagnosis {
       : displayName_(std::move(displayName)), applications_(applications), loop_(loop), limit_(limit) {}
 
   std::vector<platform::Finding> findings(const std::filesystem::path& document) override;
-  void whenDesktopIsUp(std::function<void()> block) override;
+  void whenDesktopIsUp(const std::function<void()>& block) override;
   std::vector<platform::Fact> facts(std::string_view target) override;
 
  private:
