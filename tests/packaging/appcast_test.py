@@ -25,6 +25,7 @@ sys.dont_write_bytecode = True
 import feed  # noqa: E402
 from installation import Installation  # noqa: E402
 from stand_in_bundle import BUILD, VERSION, make_bundle, pack  # noqa: E402
+from update_keys import new_key_pair, require_openssl  # noqa: E402
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve() if len(sys.argv) > 1 and pathlib.Path(sys.argv[1]).is_file() else None
 ADDRESS = "https://example.org/releases/v7.8.9"
@@ -34,14 +35,7 @@ PUBLIC = bytes.fromhex("3d4017c3e843895a92b70aa74d1b7ebc9c982ccf2ec4968cc0cd55f1
 SIGNATURE = bytes.fromhex("92a009a9f0d4cab8720e820b5f642540a2b27b5416503f8fb3762223ebdb69da"
                           "085ac1e43e15996e458f3613d0f11d8c387b2eaeb4302aeeb00d291612bb0c00")
 
-
-def setUpModule() -> None:
-    try:
-        feed.openssl()
-    except feed.FeedError as missing:
-        if sys.platform == "linux":
-            raise
-        raise unittest.SkipTest(str(missing)) from missing
+setUpModule = require_openssl
 
 
 class FeedCase(unittest.TestCase):
@@ -49,8 +43,7 @@ class FeedCase(unittest.TestCase):
 
     def setUp(self) -> None:
         self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="keyvora-appcast-")))
-        self.seed = secrets.token_bytes(32)
-        self.key = feed.public_key(self.seed)
+        self.seed, self.key = new_key_pair()
         self.archive = pack(make_bundle(self.folder, self.key), self.folder / f"keyvora-{VERSION}.zip")
         self.feed = self.folder / "appcast.xml"
 

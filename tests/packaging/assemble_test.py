@@ -8,15 +8,12 @@ import re
 import secrets
 import shutil
 import subprocess
-import sys
 import tarfile
 import tempfile
 import unittest
 
 from stand_in_bundle import ROOT, VERSION, make_bundle, pack
-
-sys.path.insert(0, str(ROOT / "packaging/macos"))
-import feed  # noqa: E402
+from update_keys import new_key_pair, require_openssl
 
 TREE = ("scripts/release", "CMakeLists.txt", "CHANGELOG.md", "cmake/KeyvoraFetch.cmake",
         "packaging/linux/org.keyvora.keyvora.metainfo.xml", "packaging/assemble-release", "packaging/make-bill-of-materials")
@@ -25,14 +22,7 @@ ADDRESS = "https://github.com/keyvora/keyvora"
 DEBIAN = ("keyvora_7.8.9-1~deb12_amd64.deb", "keyvora_7.8.9-1~deb12.dsc", "keyvora_7.8.9-1~deb12.debian.tar.xz",
           "keyvora_7.8.9.orig.tar.xz")
 
-
-def setUpModule() -> None:
-    try:
-        feed.openssl()
-    except feed.FeedError as missing:
-        if sys.platform == "linux":
-            raise
-        raise unittest.SkipTest(str(missing)) from missing
+setUpModule = require_openssl
 
 
 class Assemble(unittest.TestCase):
@@ -54,8 +44,8 @@ class Assemble(unittest.TestCase):
         for command in (["git", "init", "--quiet"], ["git", "add", "."], ["git", "commit", "--quiet", "--message", "All of it"],
                         ["scripts/release", VERSION, "--tested"]):
             subprocess.run(command, cwd=self.tree, env=self.environment, check=True, capture_output=True)
-        self.seed = secrets.token_bytes(32)
-        self.app = make_bundle(self.folder, feed.public_key(self.seed))
+        self.seed, public = new_key_pair()
+        self.app = make_bundle(self.folder, public)
 
     def assemble(self, *arguments: object, **environment: str) -> subprocess.CompletedProcess[str]:
         return subprocess.run([self.tree / "packaging/assemble-release", self.built, ADDRESS, *map(str, arguments)],
