@@ -7,6 +7,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tarfile
@@ -72,10 +73,12 @@ class FirstDay(unittest.TestCase):
             command.write_text(f"#!/bin/sh\n{body}\n", encoding="utf-8")
             command.chmod(0o755)
 
-    def run_script(self, *arguments: str, on_a_mac: bool = False) -> subprocess.CompletedProcess[str]:
+    def run_script(self, *arguments: str, on_a_mac: bool = False,
+                   script: pathlib.Path = SCRIPT) -> subprocess.CompletedProcess[str]:
         path = f"{self.commands}{os.pathsep}{os.environ['PATH']}" if on_a_mac else os.environ["PATH"]
-        environment = dict(os.environ, PATH=path, HOME=str(self.home), TMPDIR=str(self.folder))
-        return subprocess.run([str(SCRIPT), *arguments], env=environment, cwd=self.folder, stdin=subprocess.DEVNULL,
+        environment = dict(os.environ, PATH=path, HOME=str(self.home), TMPDIR=str(self.folder),
+                           GIT_CEILING_DIRECTORIES=str(self.folder))
+        return subprocess.run([str(script), *arguments], env=environment, cwd=self.folder, stdin=subprocess.DEVNULL,
                               text=True, capture_output=True, timeout=120, check=False)
 
     def steps(self) -> list[str]:
@@ -131,6 +134,16 @@ class FirstDay(unittest.TestCase):
                     texts[pathlib.PurePath(member.name).name] = file.read().decode()
         self.assertIn("ProductVersion: 26.0", texts["versions.txt"])
         self.assertRegex(texts["results.txt"], r"passed\tversions\t\nfailed\tsettings\t.*\nleft out\tstand_in\t.*not built")
+
+    def test_the_versions_are_found_in_a_source_archive(self) -> None:
+        source = self.folder / "source"
+        shutil.copytree(ROOT / "scripts", source / "scripts")
+        shutil.copy(ROOT / "CMakeLists.txt", source)
+        result = self.run_script("--only", "versions", on_a_mac=True, script=source / "scripts" / "macos" / "first-day")
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        self.assertRegex(result.stdout, r"(?m)^project\(keyvora VERSION \d")
+        self.assertIn("their commit is unknown", result.stdout)
+        self.assertRegex(result.stdout, r"(?m)^passed\tversions\t$")
 
 
 class Judge(unittest.TestCase):

@@ -10,7 +10,8 @@ step_versions() {
   do_run clang++ --version
   do_run xcrun --show-sdk-version
   do_run cmake --version
-  do_run git -C "$project" log -1 --format='%H %cd'
+  do_run grep '^project(keyvora VERSION' "$project/CMakeLists.txt"
+  do_run git -C "$project" log -1 --format='%H %cd' || echo "The sources are not a git checkout: their commit is unknown."
   do_run mdls -name kMDItemVersion "/Applications/Microsoft Excel.app" || echo "Excel is not installed in /Applications."
 }
 
