@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <stdexcept>
 
 #include "tests/x11/private_display.h"
@@ -29,6 +30,7 @@ Conversation::Conversation(const std::vector<std::string>& command)
     dup2(toChild[0], STDIN_FILENO);
     dup2(fromChild[1], STDOUT_FILENO);
     dup2(errors_.number(), STDERR_FILENO);
+    setenv("G_SLICE", "always-malloc", 0);  // else GLib's own allocator hides leaks of its values
     execvp(words[0], words.data());
     _exit(127);
   }
@@ -40,12 +42,19 @@ Conversation::Conversation(const std::vector<std::string>& command)
 }
 
 Conversation::~Conversation() {
+  if (!hasEnded_) end();
+}
+
+int Conversation::end() {
   input_.close();
+  hasEnded_ = true;
   int status = 0;
   const bool ended = runUntil([&] { return waitpid(pid_, &status, WNOHANG) != 0; });
-  if (ended) return;
-  kill(pid_, SIGKILL);
-  waitpid(pid_, nullptr, 0);
+  if (!ended) {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, &status, 0);
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
 void Conversation::say(const std::string& line) {

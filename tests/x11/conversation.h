@@ -23,6 +23,10 @@ class Conversation {
   /// Waits for this line, ignoring others; false when it did not come in time or the program ended.
   bool hears(const std::string& line);
 
+  /// Closes its input and waits until it ends. Its exit status (a leak changes it in builds with the address
+  /// sanitizer), or the negative number of the signal that ended it. At most once.
+  int end();
+
   /// The line before the next "ready".
   std::string answer();
 
@@ -36,6 +40,7 @@ class Conversation {
   bool readLine(std::string& line);
 
   int pid_ = -1;
+  bool hasEnded_ = false;
   posix::FileDescriptor input_;
   posix::FileDescriptor output_;
   posix::FileDescriptor errors_;

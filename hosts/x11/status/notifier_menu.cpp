@@ -130,8 +130,8 @@ GVariant* NotifierMenu::call(std::string_view method, GVariant* parameters) {
     const char* name = nullptr;
     g_variant_get(parameters, "(i&s)", &identifier, &name);
     const GVariantRef all(g_variant_ref_sink(propertiesOf(identifier)));
-    GVariant* value = g_variant_lookup_value(all.get(), name, nullptr);
-    return g_variant_new("(v)", value != nullptr ? value : g_variant_new_string(""));
+    const GVariantRef value(g_variant_lookup_value(all.get(), name, nullptr));
+    return g_variant_new("(v)", value ? value.get() : g_variant_new_string(""));
   }
   if (method == "Event") return event(parameters);
   if (method == "EventGroup") return eventGroup(parameters);

@@ -141,10 +141,16 @@ void TrayPlug::setTitle(const std::string& title) {
 
 /// Draws the icon if the slot has no room for the text; false if it has.
 bool TrayPlug::drawNarrow(cairo_t* context) const {
-  const auto [width, height] = visibleSize(gtk_widget_get_window(plug_));
+  auto* window = gtk_widget_get_window(plug_);
+  const auto [width, height] = visibleSize(window);
   int needed = 0;
   gtk_widget_get_preferred_width(button_, &needed, nullptr);
-  if (width >= needed) return false;
+  if (width >= needed) {
+    // GTK made the window wider for an earlier text, past its slot, and the tray may not know: it sees only
+    // the width requested last.
+    if (gdk_window_get_width(window) > width) gtk_window_resize(GTK_WINDOW(plug_), width, height);
+    return false;
+  }
   cairo_save(context);
   // A widget that got less room than it needs may lie partly outside its window.
   int left = 0;

@@ -84,7 +84,7 @@ class RunningFetch final : public appcast::Fetch {
     waiting->done(std::move(*fetched));
   }
 
-  /// Null when the fetch is cancelled.
+  /// The calls in progress have weak references: none of them answers a fetch that was destroyed.
   std::shared_ptr<Waiting> waiting_;
   GObjectRef<GCancellable> cancellable_;
   GObjectRef<GSubprocess> process_;

@@ -64,6 +64,13 @@ void NarrowTray::fit(Window icon) {
   XSync(display, False);
 }
 
+std::optional<int> NarrowTray::iconWidth() const {
+  const ErrorTrap trap(connection_->get());
+  XWindowAttributes attributes;
+  if (XGetWindowAttributes(connection_->get(), icon_, &attributes) == 0) return std::nullopt;
+  return attributes.width;
+}
+
 NarrowTray::Look NarrowTray::look() {
   auto* display = connection_->get();
   XImage* image =

@@ -22,6 +22,9 @@ class NarrowTray {
   /// Whether an icon is in its slot.
   [[nodiscard]] bool hasIcon() const { return icon_ != None; }
 
+  /// The width of the icon's window, which the slot may cut off; none when it is gone.
+  [[nodiscard]] std::optional<int> iconWidth() const;
+
   /// The slot's area on the screen.
   [[nodiscard]] Screen::Area slot() const { return slot_; }
 

@@ -23,6 +23,8 @@ const Rows firstMenu{
 class StatusItemTest : public testing::Test {
  protected:
   void TearDown() override {
+    const int status = conversation_ ? conversation_->end() : 0;
+    EXPECT_EQ(status, 0) << conversation_->errors();
     session.endTray();
     session.display().setLayout("us");
   }
@@ -113,7 +115,9 @@ TEST_F(StatusItemTest, TheTitleShowsInTheTrayAsWideAsItIs) {
   ASSERT_TRUE(armed);
   EXPECT_TRUE(runUntil([&] { return screen.window("⌥ HF").value_or(idle).width > idle.width; }));
   tell("title ⌥");
-  EXPECT_TRUE(runUntil([&] { return screen.window("⌥").value_or(*armed).width == idle.width; }));
+  EXPECT_TRUE(runUntil([&] { return screen.window("⌥").value_or(*armed).width == idle.width; }))
+      << idle.width << " pixels at first, " << armed->width << " with letters, now "
+      << screen.window("⌥").value_or(Screen::Area{}).width;
   EXPECT_EQ(screen.managedWindows(), 1u) << "the tray's: the item has no window and no task-bar entry";
 }
 
