@@ -1,9 +1,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -12,6 +10,7 @@
 #include "tools/commands.h"
 #include "tools/embedded.h"
 #include "tools/explain.h"
+#include "tools/file.h"
 #include "tools/letters.h"
 #include "tools/loaded_document.h"
 #include "tools/on_path.h"
@@ -33,15 +32,19 @@ int open(const std::string& page, const Streams& streams) {
     streams.error << complaint("there is no program that opens files (xdg-open, or open on a Mac)");
     return exit_status::failed;
   }
-  std::error_code ignored;
-  auto folder = (std::filesystem::temp_directory_path(ignored) / "keyvora-cheatsheet.XXXXXX").string();
-  const bool isMade = mkdtemp(folder.data()) != nullptr;
-  const auto file = (std::filesystem::path(folder) / "keyvora.html").string();
-  std::ofstream stream;
-  if (isMade) stream.open(file, std::ios::binary);
+  const auto folder = makeTemporaryFolder("keyvora-cheatsheet");
+  if (!folder) {
+    streams.error << complaint(
+        "there is no folder for temporary files; set TMPDIR to one that can be written to");
+    return exit_status::failed;
+  }
+  const auto file = (*folder / "keyvora.html").string();
+  std::ofstream stream(file, std::ios::binary);
   stream << page;
   stream.close();
-  if (!isMade || !stream) {
+  if (!stream) {
+    std::error_code ignored;
+    std::filesystem::remove_all(*folder, ignored);
     streams.error << complaint(file + ": could not be written");
     return exit_status::failed;
   }

@@ -8,8 +8,8 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace keyvora::tools {
 namespace {
@@ -22,8 +22,18 @@ std::optional<std::filesystem::path> homeDirectory() {
   return user->pw_dir;
 }
 
-std::string bytesOf(std::istream& stream) {
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+/// All bytes up to the end; an error when the file cannot be read to its end.
+std::variant<Source, Unreadable> readToEnd(std::istream& stream, const std::string& name) {
+  constexpr std::streamsize step = std::streamsize{64} * 1024;
+  std::string bytes;
+  do {  // by read(), because iterators would throw the error
+    const auto length = bytes.size();
+    bytes.resize(length + step);
+    stream.read(bytes.data() + length, step);
+    bytes.resize(length + static_cast<std::size_t>(stream.gcount()));
+  } while (stream);
+  if (stream.bad()) return Unreadable{name + ": could not be read to its end"};
+  return Source{name, std::move(bytes)};
 }
 
 }  // namespace
@@ -48,15 +58,22 @@ std::optional<std::string> ownDocumentThatExists() {
 }
 
 std::variant<Source, Unreadable> readFile(const std::string& file) {
-  if (file == "-") return Source{"<standard input>", bytesOf(std::cin)};
+  if (file == "-") return readToEnd(std::cin, "<standard input>");
   std::error_code ignored;
   if (std::filesystem::is_directory(file, ignored)) return Unreadable{file + ": is a directory"};
   errno = 0;
   std::ifstream stream(file, std::ios::binary);
   if (!stream) return Unreadable{file + ": " + std::strerror(errno != 0 ? errno : EIO)};
-  auto bytes = bytesOf(stream);
-  if (stream.bad()) return Unreadable{file + ": could not be read to its end"};
-  return Source{file, std::move(bytes)};
+  return readToEnd(stream, file);
+}
+
+std::optional<std::filesystem::path> makeTemporaryFolder(const std::string& name) {
+  std::error_code failed;
+  const auto parent = std::filesystem::temp_directory_path(failed);
+  if (failed) return std::nullopt;
+  auto folder = (parent / (name + ".XXXXXX")).string();
+  if (mkdtemp(folder.data()) == nullptr) return std::nullopt;
+  return folder;
 }
 
 }  // namespace keyvora::tools

@@ -30,4 +30,8 @@ std::optional<std::string> ownDocumentThatExists();
 /// Reads a whole file; `-` is standard input.
 std::variant<Source, Unreadable> readFile(const std::string& file);
 
+/// Makes a new folder, for the user alone, where temporary files go (TMPDIR, or /tmp); its name begins with
+/// `name`. None when that is not possible.
+std::optional<std::filesystem::path> makeTemporaryFolder(const std::string& name);
+
 }  // namespace keyvora::tools

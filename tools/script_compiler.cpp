@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -17,9 +16,10 @@
 #include <thread>
 
 #include "runner/runner.h"
+#include "tools/file.h"
 #include "tools/on_path.h"
 
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace keyvora::tools {
 namespace {
@@ -56,11 +56,7 @@ std::string contentOf(const std::filesystem::path& file) {
 
 }  // namespace
 
-ScriptCompiler::ScriptCompiler() {
-  std::error_code ignored;
-  std::string name = (std::filesystem::temp_directory_path(ignored) / "keyvora-mappings.XXXXXX").string();
-  if (mkdtemp(name.data()) != nullptr) folder_ = name;
-}
+ScriptCompiler::ScriptCompiler() : folder_(makeTemporaryFolder("keyvora-mappings").value_or("")) {}
 
 ScriptCompiler::~ScriptCompiler() {
   std::error_code ignored;

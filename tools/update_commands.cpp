@@ -19,11 +19,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// An unused name beside the file.
-fs::path backupOf(const fs::path& file) {
+/// An unused name beside the file: its name with this at the end, and a number if there must be one.
+fs::path unusedBeside(const fs::path& file, const std::string& ending) {
   for (int number = 1;; ++number) {
     auto name = file;
-    name += ".backup" + (number == 1 ? "" : std::to_string(number));
+    name += ending + (number == 1 ? "" : std::to_string(number));
     std::error_code ignored;
     if (!fs::exists(fs::symlink_status(name, ignored))) return name;
   }
@@ -55,7 +55,7 @@ std::optional<std::string> replaceFile(const fs::path& named, const std::string&
   if (failed) return named.string() + ": " + failed.message();
   const bool exists = fs::exists(file, failed);
   if (exists) {
-    const auto backup = backupOf(named);
+    const auto backup = unusedBeside(named, ".backup");
     fs::copy_file(file, backup, failed);
     if (failed) return backup.string() + ": " + failed.message();
     streams.out << "The document as it was: " << backup.string() << "\n";
@@ -63,19 +63,20 @@ std::optional<std::string> replaceFile(const fs::path& named, const std::string&
     fs::create_directories(file.parent_path(), failed);
     if (failed) return file.parent_path().string() + ": " + failed.message();
   }
-  auto whole = file;
-  whole += ".new";
+  const auto whole = unusedBeside(file, ".new");
   std::ofstream stream(whole, std::ios::binary | std::ios::trunc);
   stream << bytes;
   stream.close();
+  std::error_code ignored;
   if (!stream) {
-    fs::remove(whole, failed);
+    fs::remove(whole, ignored);
     return whole.string() + ": could not be written";
   }
-  if (exists) fs::permissions(whole, fs::status(file, failed).permissions(), failed);
+  if (exists) fs::permissions(whole, fs::status(file, ignored).permissions(), ignored);
   fs::rename(whole, file, failed);
-  if (failed) return file.string() + ": " + failed.message();
-  return std::nullopt;
+  if (!failed) return std::nullopt;
+  fs::remove(whole, ignored);
+  return file.string() + ": " + failed.message();
 }
 
 int fail(const std::string& why, const Streams& streams) {

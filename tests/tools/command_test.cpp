@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
 #include <optional>
 #include <sstream>
 
@@ -71,6 +74,19 @@ TEST_F(CommandTest, ChecksTheUsersOwnDocument) {
   EXPECT_THAT(out.str(),
               StartsWith((home / "Library/Application Support/keyvora/mappings.json:1:1: error: ").string()));
   EXPECT_THAT(error.str(), IsEmpty());
+}
+
+TEST_F(CommandTest, AFileThatCannotBeReadToItsEndIsAnError) {
+  const std::string broken = "/proc/self/mem";  // Linux lets it be opened and refuses to read its beginning
+  if (!std::filesystem::exists(broken)) GTEST_SKIP() << "no file here can be opened and not read";
+  EXPECT_EQ(run({"check", broken}), 2);
+  EXPECT_EQ(error.str(), "keyvora-mappings: " + broken + ": could not be read to its end\n");
+  std::ifstream input(broken);
+  auto* before = std::cin.rdbuf(input.rdbuf());
+  EXPECT_EQ(run({"check", "-"}), 2);
+  std::cin.rdbuf(before);
+  std::cin.clear();
+  EXPECT_EQ(error.str(), "keyvora-mappings: <standard input>: could not be read to its end\n");
 }
 
 TEST_F(CommandTest, WarningsCountOnlyWhenTheyAreAskedTo) {
@@ -264,6 +280,10 @@ TEST_F(CommandTest, OpensTheSheetInTheBrowser) {
   std::filesystem::remove_all(std::filesystem::path(out.str()).parent_path());
   EXPECT_EQ(run({"cheatsheet", "--open", "--markdown"}), 2);
   EXPECT_EQ(error.str(), "keyvora-mappings: --open and --markdown exclude each other\n");
+  setenv("TMPDIR", "/nowhere", 1);
+  EXPECT_EQ(run({"cheatsheet", "--open"}), 2) << out.str();
+  EXPECT_THAT(error.str(), HasSubstr("there is no folder for temporary files; set TMPDIR"));
+  unsetenv("TMPDIR");
   setenv("PATH", path.c_str(), 1);
 }
 

@@ -114,6 +114,15 @@ TEST_F(UpdateTest, UsePutsADocumentInPlaceAndKeepsTheOldOne) {
   EXPECT_THAT(error.str(), HasSubstr("no document called numbers; there are calc, gnumeric and excel"));
 }
 
+TEST_F(UpdateTest, AFileOfTheUsersBesideItIsNotWrittenOver) {
+  write(calc());
+  const auto theirs = file.string() + ".new";
+  test::write(theirs, "theirs");
+  EXPECT_EQ(run({"use", "gnumeric"}), 0);
+  EXPECT_EQ(contentOf(file), embedded::gnumericDocument);
+  EXPECT_EQ(contentOf(theirs), "theirs");
+}
+
 TEST_F(UpdateTest, NothingIsNewInWhatHasJustCome) {
   write(calc());
   EXPECT_EQ(run({"diff"}), 0);
