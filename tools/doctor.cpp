@@ -46,9 +46,7 @@ Examined examineDocument(platform::FileSystem& files) {
   result.state = name + ", " + counted(document.entries().size(), "sequence");
   if (document.isSound()) return result;
   result.state = name + ", which does not load";
-  auto findings = check(document);
-  std::erase_if(findings, [](const Finding& finding) { return finding.severity != Severity::error; });
-  result.errors = asText(findings, name);
+  result.errors = asText(errorsIn(document), name);
   return result;
 }
 

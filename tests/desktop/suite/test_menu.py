@@ -242,6 +242,20 @@ class CheckForUpdates(MenuTest):
         self.choose("Check for Updates…")
         self.expect_window("keyvora could not look for updates", "The update feed could not be fetched: ")
 
+    def test_chosen_again_it_brings_its_window_in_front_of_the_spreadsheet(self) -> None:
+        # Both the shell and the updater bring it forward. That the shell does, tests/app/menu_commands_test.cpp checks.
+        with self.server:
+            self.choose("Check for Updates…")
+            self.expect_in_front()
+            x11.activate(self.sheet.window)
+            until(self.sheet.is_in_front, "the spreadsheet in front", seen=x11.active_class)
+            self.choose("Check for Updates…")
+            self.expect_window("keyvora is up to date", f"keyvora {VERSION} is the newest version.")
+            self.assertEqual(["/none.xml"], self.server.asked, "it is the same check")
+
+    def expect_in_front(self) -> None:
+        until(lambda: x11.window_title(x11.active_window()) == "keyvora update", "the update window in front")
+
     def expect_window(self, heading: str, details: str) -> None:
         """Waits for the update window in front with these texts, and leaves it by its button."""
         def labels() -> list[str]:
@@ -251,7 +265,7 @@ class CheckForUpdates(MenuTest):
 
         until(lambda: heading in labels() and any(label.startswith(details) for label in labels()),
               f"{heading!r}, {details!r}", seen=labels)
-        until(lambda: x11.window_title(x11.active_window()) == "keyvora update", "the window in front")
+        self.expect_in_front()
         self.typist.tap("Return")
         until(lambda: heading not in labels(), "the window to go")
         until(self.sheet.is_in_front, "the spreadsheet in front again", seen=x11.active_class)
