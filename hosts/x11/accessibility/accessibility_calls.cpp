@@ -1,17 +1,13 @@
 #include "hosts/x11/accessibility/accessibility_calls.h"
 
-#include <chrono>
-
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/tap/records.h"
 
 namespace keyvora::x11 {
 namespace {
 
-/// The time limit for one answer of an application, which usually takes milliseconds. Shorter than the
-/// limit for a verdict, so that a target that hangs does not disable the tap as well.
-constexpr int limitMilliseconds = 800;
-static_assert(std::chrono::milliseconds(limitMilliseconds) < verdictLimit);
+static_assert(AccessibilityCalls::limit < verdictLimit);
+constexpr int limitMilliseconds = AccessibilityCalls::limit.count();
 
 /// Connects to the accessibility bus; false where there is none. Every call tries again.
 bool connect() {

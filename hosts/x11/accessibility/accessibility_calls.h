@@ -2,6 +2,7 @@
 
 #include <atspi/atspi.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -19,6 +20,10 @@ using Accessible = GObjectRef<AtspiAccessible>;
 /// thread.
 class AccessibilityCalls {
  public:
+  /// The time limit for one answer of an application, which usually takes milliseconds. Shorter than the
+  /// limit for a verdict, so that a target that hangs does not disable the tap as well.
+  static constexpr std::chrono::milliseconds limit{800};
+
   /// Whether the application has exceeded the time limit.
   [[nodiscard]] bool gaveUp() const { return gaveUp_; }
 

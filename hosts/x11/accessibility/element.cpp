@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "hosts/x11/accessibility/accessibility_calls.h"
+#include "hosts/x11/accessibility/earlier_input.h"
 #include "hosts/x11/accessibility/exported_menus.h"
 #include "hosts/x11/accessibility/menu_bar_search.h"
 #include "hosts/x11/accessibility/shown_shortcut.h"
@@ -123,7 +124,7 @@ class ApplicationElement final : public platform::Element {
 
   AttributeAnswer attribute(std::string_view name) override {
     if (name != "AXMenuBar") return {ax_error::attributeUnsupported, {}};
-    auto menuBar = findMenuBar();
+    auto menuBar = handledEarlierInput() ? findMenuBar() : nullptr;
     if (!menuBar) return {ax_error::cannotComplete, {}};
     return {0, ElementRef(std::make_shared<MenuElement>(calls_, std::move(menuBar), tap_))};
   }
@@ -131,6 +132,11 @@ class ApplicationElement final : public platform::Element {
   std::int32_t perform(std::string_view) override { return ax_error::actionUnsupported; }
 
  private:
+  /// Menus are read and pressed as they are after the keys typed before the sequence: those selected cells.
+  bool handledEarlierInput() {
+    return awaitEarlierInput(applications_.targetWindow(), AccessibilityCalls::limit, tap_.letGo());
+  }
+
   Accessible findMenuBar() {
     if (!applications_.hasDocument()) return x11::findMenuBar(*calls_, process_);
     // A title that changes during the search may have been read before the change on one side: search once

@@ -13,7 +13,9 @@ class CurrentTap;
 /// if untitled), "AXKeyShortcutsValue" and "AXPress".
 ///
 /// Calls have a time limit. After one has exceeded it, all elements reached through this one count as
-/// unreachable. A press first thaws the keyboard. `applications` and `tap` must outlive the elements.
+/// unreachable. Reading "AXMenuBar" first thaws the keyboard, and waits until the window that the swallowed
+/// keys were meant for has handled its earlier input; without that there is no menu bar. A press thaws the
+/// keyboard, too. `applications` and `tap` must outlive the elements.
 platform::ElementRef applicationElement(platform::ProcessIdentifier process, Applications& applications,
                                         CurrentTap& tap);
 

@@ -33,7 +33,10 @@ class Applications : public platform::Applications {
   std::optional<std::string_view> frontmostBundleIdentifier() override;
 
   /// Whether keys have been swallowed in some window.
-  [[nodiscard]] bool hasDocument() const { return target_.get() != 0; }
+  [[nodiscard]] bool hasDocument() const { return targetWindow() != 0; }
+
+  /// The X window that the last swallowed keys were meant for; 0 before the first.
+  [[nodiscard]] unsigned long targetWindow() const { return target_.get(); }
 
   /// The frame of the target's window, or of the window it is a dialog of; none when it was closed. One
   /// round trip.

@@ -1,7 +1,6 @@
 #include "hosts/x11/keyboard/poster.h"
 
 #include <X11/XKBlib.h>
-#include <X11/Xatom.h>
 #include <X11/extensions/XTest.h>
 
 #include <array>
@@ -30,12 +29,7 @@ std::unique_ptr<Poster> Poster::open(const std::string& displayName, const Targe
 }
 
 Poster::Poster(std::unique_ptr<Connection> connection, const TargetWindow& target)
-    : connection_(std::move(connection)),
-      target_(target),
-      keys_(connection_->get()),
-      clock_(XCreateSimpleWindow(connection_->get(), connection_->root(), -1, -1, 1, 1, 0, 0, 0)) {
-  XSelectInput(connection_->get(), clock_, PropertyChangeMask);
-}
+    : connection_(std::move(connection)), target_(target), keys_(connection_->get()), clock_(*connection_) {}
 
 bool Poster::hasKey(std::uint16_t keyCode) {
   const std::scoped_lock lock(mutex_);
@@ -45,7 +39,8 @@ bool Poster::hasKey(std::uint16_t keyCode) {
 
 void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke, KeyboardIsFree) {
   const std::scoped_lock lock(mutex_);
-  const Time now = serverTime();
+  // Toolkits take an event without a time for an old one.
+  const Time now = clock_.now();
   catchUp();
   const auto keycode = keys_.keycode(stroke.keyCode);
   const Window window = windowOf(process);
@@ -100,15 +95,6 @@ Window Poster::windowOf(platform::ProcessIdentifier process) const {
   Display* display = connection_->get();
   const Window target = target_.get();
   return target == None ? anyWindowOf(display, process) : frontOf(display, target, process);
-}
-
-/// The server's time, as in events: toolkits take an event without a time for an old one.
-Time Poster::serverTime() {
-  Display* display = connection_->get();
-  XChangeProperty(display, clock_, XA_WM_NAME, XA_STRING, 8, PropModeAppend, nullptr, 0);
-  XEvent event;
-  XWindowEvent(display, clock_, PropertyChangeMask, &event);
-  return event.xproperty.time;
 }
 
 /// The modifier state for an X event: the state before the event.

@@ -11,6 +11,7 @@
 #include "hosts/x11/applications/target_window.h"
 #include "hosts/x11/display.h"
 #include "hosts/x11/keyboard/key_map.h"
+#include "hosts/x11/server_clock.h"
 #include "platform/applications.h"
 
 namespace keyvora::x11 {
@@ -54,7 +55,6 @@ class Poster {
 
   void catchUp();
   [[nodiscard]] Window windowOf(platform::ProcessIdentifier process) const;
-  Time serverTime();
   [[nodiscard]] unsigned stateBefore(const KeyStroke& stroke) const;
   void injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke, CurrentTap& tap);
 
@@ -62,7 +62,7 @@ class Poster {
   std::unique_ptr<Connection> connection_;
   const TargetWindow& target_;
   KeyMap keys_;
-  Window clock_;
+  ServerClock clock_;
 };
 
 }  // namespace keyvora::x11

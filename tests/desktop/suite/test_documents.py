@@ -198,6 +198,24 @@ class TwoWindows(DocumentsTest):
         self.expect_first_cell(self.sheet, "k")
 
 
+class TypedAhead(DocumentsTest):
+    """Keys typed while the spreadsheet is busy: it reads them later."""
+
+    def test_a_menu_action_is_done_to_the_cell_that_the_keys_before_it_selected(self) -> None:
+        if self.sheet.pace:
+            self.skipTest(f"{self.sheet.name} loses keys that it reads at once")
+        self.fill(self.sheet)
+        os.kill(self.sheet.process, signal.SIGSTOP)
+        self.addCleanup(os.kill, self.sheet.process, signal.SIGCONT)
+        # Many keys, without an effect of their own, so that a call that does not wait for them comes before the last.
+        self.typist.tap(*["Shift"] * 200, "Down", "Option", "h", "d", "r")
+        os.kill(self.sheet.process, signal.SIGCONT)
+        self.keyvora.log.wait("HDR  Do (menu)")
+        self.go(self.sheet, "A2")
+        equal(self.sheet.input, "", "the second cell")
+        self.expect_first_cell(self.sheet, "k")
+
+
 class TwoProcesses(DocumentsTest):
     """Of gnumeric; or Calc, which has one process for all its windows, and gnumeric."""
 

@@ -105,6 +105,61 @@ TEST_F(AccessibilityTest, PressingAnItemChoosesItWithoutOpeningItsMenu) {
   EXPECT_TRUE(pressed.hears("pressed Cells..."));
 }
 
+/// A program that reads the keys later than they are typed.
+class TypedAheadTest : public AccessibilityTest {
+ protected:
+  /// Shows the program, with the keyboard on its entry.
+  void show() {
+    auto& shown = target();
+    awaitMenuBar();
+    ASSERT_TRUE(screen.awaitWindow("menu program"));
+    ASSERT_TRUE(runUntil([&] {
+      screen.press(XK_a);
+      shown.say("entry");
+      text = shown.answer();
+      return !text.empty();
+    }));
+    constexpr std::string_view window = "window ";
+    for (const auto& line : shown.heard()) {
+      if (line.starts_with(window)) targetWindow.set(std::stoul(line.substr(window.size())));
+    }
+  }
+
+  /// Types while the program does not read, then presses Save at once.
+  void typeAheadAndPress() {
+    kill(program->pid(), SIGSTOP);
+    constexpr int many = 50;
+    for (int key = 0; key < many; ++key) screen.press(XK_b);
+    text.append(many, 'b');
+    kill(program->pid(), SIGCONT);
+    EXPECT_EQ(child(child(awaitMenuBar(), "File"), "Save")->perform("AXPress"), 0);
+    ASSERT_TRUE(program->hears("pressed Save"));
+  }
+
+  /// What the program had noted when the item was pressed.
+  [[nodiscard]] std::string noted() const {
+    const auto& lines = program->heard();
+    return lines.size() < 2 ? "" : lines[lines.size() - 2];
+  }
+
+  Screen screen;
+  std::string text;
+};
+
+TEST_F(TypedAheadTest, AnItemIsPressedAfterTheKeysBeforeItHaveHadTheirEffect) {
+  show();
+  typeAheadAndPress();
+  EXPECT_EQ(noted(), "noted " + text);
+}
+
+TEST_F(TypedAheadTest, AWindowThatAnswersNoPingIsNotWaitedFor) {
+  show();
+  const auto connection = Connection::open("");
+  XDeleteProperty(connection->get(), targetWindow.get(), connection->atom("WM_PROTOCOLS"));
+  XSync(connection->get(), False);
+  typeAheadAndPress();
+}
+
 TEST_F(AccessibilityTest, AnItemWithASubmenuInsideAMenuIsNotPressedAndTheKeyboardStaysWhereItWas) {
   auto& untouched = target();
   const auto recent = child(child(awaitMenuBar(), "File"), "Recent");

@@ -8,8 +8,9 @@
 //              item Save is called "Save 1", "Save 2" and so on
 //
 // It reads commands from standard input: "hang" makes it stop answering, "rename" gives the item Save another
-// title, "entry" prints what was typed into it, "present NUMBER" activates a document. Prints "ready" at its
-// start and after each command, and "pressed TITLE" when an item is chosen.
+// title, "entry" prints what was typed into it, "present NUMBER" activates a document. Prints "window NUMBER"
+// and "ready" at its start, "ready" after each command, and "pressed TITLE" when an item is chosen. When
+// something was typed, it takes note of that a while after the keys, and prints "noted TEXT" before an item.
 
 #include <gdk/gdkx.h>
 #include <gtk/gtk.h>
@@ -26,14 +27,28 @@ namespace {
 
 GtkWidget* saveItem = nullptr;
 GtkWidget* entry = nullptr;
+std::string noted;
 
 void say(const std::string& line) {
   std::cout << line << std::endl;
 }
 
+/// Takes note of what was typed, a while after the first key.
+void takeNote() {
+  static guint timer = 0;
+  constexpr guint delay = 10;  // in milliseconds, as in gnumeric
+  const auto note = +[](gpointer) -> gboolean {
+    timer = 0;
+    noted = gtk_entry_get_text(GTK_ENTRY(entry));
+    return G_SOURCE_REMOVE;
+  };
+  if (timer == 0) timer = g_timeout_add(delay, note, nullptr);
+}
+
 GtkWidget* item(GtkWidget* menu, const char* title) {
   GtkWidget* made = gtk_menu_item_new_with_mnemonic(title);
   const auto pressed = +[](GtkWidget* chosen) {
+    if (!noted.empty()) say("noted " + noted);
     say(std::string("pressed ") + gtk_label_get_text(GTK_LABEL(gtk_bin_get_child(GTK_BIN(chosen)))));
   };
   g_signal_connect(made, "activate", G_CALLBACK(pressed), nullptr);
@@ -114,6 +129,10 @@ GtkWidget* otherMenuBar() {
   return bar;
 }
 
+void sayNumber(GtkWidget* window) {
+  say("window " + std::to_string(GDK_WINDOW_XID(gtk_widget_get_window(window))));
+}
+
 std::vector<GtkWidget*> documents;
 
 void showDocument(const char* title) {
@@ -124,7 +143,7 @@ void showDocument(const char* title) {
   item(submenu(bar, "File"), ("Save " + std::to_string(documents.size())).c_str());
   gtk_container_add(GTK_CONTAINER(window), bar);
   gtk_widget_show_all(window);
-  say("window " + std::to_string(GDK_WINDOW_XID(gtk_widget_get_window(window))));
+  sayNumber(window);
 }
 
 void showWindow(std::string_view kind) {
@@ -142,8 +161,10 @@ void showWindow(std::string_view kind) {
     gtk_container_add(GTK_CONTAINER(box), otherMenuBar());
   }
   entry = gtk_entry_new();
+  g_signal_connect(entry, "changed", G_CALLBACK(takeNote), nullptr);
   gtk_container_add(GTK_CONTAINER(box), entry);
   gtk_widget_show_all(window);
+  sayNumber(window);
   if (stale != nullptr) exportMenus(window, stale);
 }
 
