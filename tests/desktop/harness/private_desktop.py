@@ -17,7 +17,7 @@ from .children import Children, exit_on_signals
 from .waiting import until
 
 # The variables kept of the caller's environment: search paths, terminal, time zone, options of sanitizers.
-_KEPT = ("PATH", "TERM", "TZ", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH")
+_KEPT = ("PATH", "TERM", "TZ", "ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "LD_LIBRARY_PATH")
 
 # The source of hardware keys on this display server.
 KEYBOARD = "Xvfb keyboard"

@@ -30,6 +30,9 @@ Function* original(const char* name) {
 
 }  // namespace
 
+// The C library's headers have reserved names for the parameters.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
+
 // These replace functions of the C library and make them fail.
 extern "C" {
 
@@ -49,13 +52,14 @@ int posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions
                                                                   environment);
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 namespace keyvora::x11 {
 namespace {
 
 class TapStartTest : public testing::Test {
  protected:
-  ~TapStartTest() override { failing.clear(); }
+  void TearDown() override { failing.clear(); }
 
   std::unique_ptr<platform::EventTap> createTap(Keyboard& keyboard) {
     keyboard.onFault([this](const std::string& sentence) { faults.push_back(sentence); });

@@ -151,7 +151,8 @@ TEST(StatusIconTest, LettersUseTheWidthOfASlotThatIsWiderThanHigh) {
 
 /// Pictures for people: every state in every size and scale, on both kinds of panel.
 TEST(StatusIconTest, APictureOfEveryState) {
-  constexpr int gap = 8;
+  constexpr int margin = 4;
+  constexpr int gap = 2 * margin;
   constexpr int column = 48 * 2 + gap;
   Surface sheet(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, column * static_cast<int>(titles.size()),
                                            2 * 10 * column / 2 * 2));
@@ -168,7 +169,7 @@ TEST(StatusIconTest, APictureOfEveryState) {
         for (const char* title : titles) {
           const auto icon = draw(title, panel, size, size, scale);
           cairo_surface_set_device_scale(icon.get(), 1, 1);
-          cairo_set_source_surface(context, icon.get(), x + gap / 2, y + gap / 2);
+          cairo_set_source_surface(context, icon.get(), x + margin, y + margin);
           cairo_paint(context);
           x += column;
         }
