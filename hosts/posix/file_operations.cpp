@@ -130,11 +130,12 @@ bool copyFile(const fs::path& from, const fs::path& to) {
   return copied;
 }
 
-platform::FileContents readFile(const fs::path& path) {
+platform::FileContents readFile(const fs::path& path, const std::function<void(const struct stat&)>& opened) {
   const auto file = open(path, O_RDONLY);
   if (!file.isOpen()) return failure(path, "opened", reasonFor(errno));
   struct stat info {};
   if (::fstat(file.number(), &info) != 0) return failure(path, "opened", reasonFor(errno));
+  opened(info);
   if (S_ISDIR(info.st_mode)) return failure(path, "opened", reasonFor(EISDIR));
   if (!S_ISREG(info.st_mode)) return failure(path, "opened", "Not a regular file");
   const auto size = static_cast<std::size_t>(info.st_size);
@@ -148,6 +149,7 @@ platform::FileContents readFile(const fs::path& path) {
 
 bool FileOperations::createDirectories(const fs::path& directory) {
   std::error_code error;
+  if (fs::is_directory(directory, error)) return true;
   fs::create_directories(directory, error);
   return fs::is_directory(directory, error);
 }
@@ -166,8 +168,13 @@ bool FileOperations::copy(const fs::path& from, const fs::path& to) {
 }
 
 platform::FileContents FileOperations::read(const fs::path& path) {
+  return readAndNote(path, [](const struct stat&) {});
+}
+
+platform::FileContents FileOperations::readAndNote(const fs::path& path,
+                                                   const std::function<void(const struct stat&)>& opened) {
   try {
-    return readFile(path);
+    return readFile(path, opened);
   } catch (const std::bad_alloc&) {
     return failure(path, "read", reasonFor(ENOMEM));
   }

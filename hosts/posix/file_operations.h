@@ -1,5 +1,9 @@
 #pragma once
 
+#include <sys/stat.h>
+
+#include <functional>
+
 #include "platform/file_system.h"
 
 namespace keyvora::posix {
@@ -32,6 +36,11 @@ class FileOperations : public platform::FileSystem {
   /// A link is not followed but replaced by the new file. A regular file's permissions are kept, and its
   /// owner can read and write it; a new file gets those of the process's umask.
   bool replace(const std::filesystem::path& path, std::string_view bytes) override;
+
+ protected:
+  /// As `read`. If the file can be opened, `opened` gets what the system says about it, before it is read.
+  static platform::FileContents readAndNote(const std::filesystem::path& path,
+                                            const std::function<void(const struct stat&)>& opened);
 };
 
 }  // namespace keyvora::posix

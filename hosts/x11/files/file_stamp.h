@@ -4,7 +4,6 @@
 #include <sys/types.h>
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 
 namespace keyvora::x11 {
@@ -15,6 +14,7 @@ struct FileStamp {
   ino_t inode = 0;
   off_t size = 0;
   std::int64_t modified = 0;  ///< nanoseconds
+  std::int64_t changed = 0;   ///< nanoseconds; the content, the names or the attributes
   nlink_t links = 0;
 
   [[nodiscard]] bool isSameFile(const FileStamp& other) const {
@@ -25,15 +25,27 @@ struct FileStamp {
     return isSameFile(other) && size == other.size && modified == other.modified;
   }
 
+  /// Whether nothing at all happened to it.
+  [[nodiscard]] bool isUntouched(const FileStamp& other) const {
+    return hasSameContent(other) && changed == other.changed;
+  }
+
   static FileStamp of(const struct stat& status) {
-    const auto nanoseconds = std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
-    return {status.st_dev, status.st_ino, status.st_size, nanoseconds, status.st_nlink};
+    const auto nanoseconds = [](const timespec& time) {
+      return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    };
+    return {status.st_dev,
+            status.st_ino,
+            status.st_size,
+            nanoseconds(status.st_mtim),
+            nanoseconds(status.st_ctim),
+            status.st_nlink};
   }
 
   /// For the file at the path, links followed; none when there is none.
-  static std::optional<FileStamp> of(const std::filesystem::path& path) {
+  static std::optional<FileStamp> of(const char* path) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    if (stat(path, &status) != 0) return std::nullopt;
     return of(status);
   }
 };

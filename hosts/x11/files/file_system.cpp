@@ -18,23 +18,30 @@ std::optional<std::filesystem::path> FileSystem::applicationSupportDirectory() {
 std::optional<std::filesystem::path> FileSystem::libraryDirectory() {
   const auto home = homeDirectory();
   if (!home) return std::nullopt;
-  return *home / "Library";
+  return std::filesystem::path(*home) / "Library";
 }
 
 platform::FileContents FileSystem::read(const std::filesystem::path& path) {
-  *lastRead_ = {path, FileStamp::of(path)};  // before reading: a change meanwhile counts as later
-  return posix::FileOperations::read(path);
+  *lastRead_ = {.path = path.native(), .file = std::nullopt};
+  // The stamp is always older than the content: a change meanwhile counts as later.
+  const auto note = [this](const struct stat& status) { lastRead_->file = FileStamp::of(status); };
+  auto contents = readAndNote(path, note);
+  if (lastRead_->file) return contents;
+  lastRead_->file = FileStamp::of(path.c_str());
+  return lastRead_->file ? readAndNote(path, note) : contents;
 }
 
 std::unique_ptr<platform::FileWatch> FileSystem::watch(const std::filesystem::path& path,
                                                        std::function<void()> handler) {
-  const auto missed = [path, lastRead = lastRead_] {
-    if (lastRead->path == path) lastRead->overtaken = true;
+  if (!events_) events_ = FileEvents::open();
+  if (!events_) return nullptr;
+  const auto missed = [lastRead = lastRead_](const std::string& watched) {
+    if (lastRead->path == watched) lastRead->overtaken = true;
   };
-  auto watch = FileWatch::arm(path, std::move(handler), missed);
-  if (watch && lastRead_->path == path) {
-    const bool changed = !lastRead_->file || !lastRead_->file->hasSameContent(watch->file());
-    if (changed || std::exchange(lastRead_->overtaken, false)) watch->notifySoon(loop_);
+  auto watch = FileWatch::arm(events_, loop_, path.native(), std::move(handler), missed);
+  if (watch && lastRead_->path == path.native()) {
+    const bool differs = !lastRead_->file || !lastRead_->file->hasSameContent(watch->file());
+    if (std::exchange(lastRead_->overtaken, false) || differs) watch->changed();
   }
   return watch;
 }

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "hosts/posix/file_operations.h"
+#include "hosts/x11/files/file_events.h"
 #include "hosts/x11/files/file_stamp.h"
 #include "platform/main_loop.h"
 
@@ -25,11 +26,13 @@ class FileSystem final : public posix::FileOperations {
  private:
   /// The last read file, shared with the watches.
   struct LastRead {
-    std::filesystem::path path;
+    std::string path;
     std::optional<FileStamp> file;
     bool overtaken = false;
   };
   platform::MainLoop& loop_;
+  /// From the first watch on.
+  std::shared_ptr<FileEvents> events_;
   std::shared_ptr<LastRead> lastRead_;
 };
 

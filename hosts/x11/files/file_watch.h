@@ -1,25 +1,28 @@
 #pragma once
 
-#include <filesystem>
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 
-#include "hosts/posix/file_descriptor.h"
+#include "hosts/x11/files/file_events.h"
 #include "hosts/x11/files/file_stamp.h"
-#include "hosts/x11/glib_source.h"
 #include "platform/file_system.h"
 #include "platform/main_loop.h"
 
 namespace keyvora::x11 {
 
-/// Watches one file, not a path, by inotify on GLib's default main context. The handler runs once for
-/// changes in quick succession, as when a program saves line by line. Main thread.
-class FileWatch final : public platform::FileWatch {
+/// Watches one file, not a path. The handler runs once for changes in quick succession, as when a program
+/// saves line by line. Main thread.
+class FileWatch final : public platform::FileWatch, private FileEvents::Listener {
  public:
-  /// `missed` is called when the watch is cancelled with notifications pending. Null when the file cannot
-  /// be opened.
-  static std::unique_ptr<FileWatch> arm(const std::filesystem::path& path, std::function<void()> handler,
-                                        std::function<void()> missed);
+  /// Called with the path of a watch that is cancelled with notifications pending.
+  using Missed = std::function<void(const std::string& path)>;
+
+  /// Null when the file cannot be watched.
+  static std::unique_ptr<FileWatch> arm(std::shared_ptr<FileEvents> events, platform::MainLoop& loop,
+                                        const std::string& path, std::function<void()> handler,
+                                        Missed missed);
 
   FileWatch(const FileWatch&) = delete;
   FileWatch& operator=(const FileWatch&) = delete;
@@ -27,41 +30,35 @@ class FileWatch final : public platform::FileWatch {
 
   void cancel() override;
 
-  /// Also runs the handler in the next pass of the loop, unless the watch is cancelled before.
-  void notifySoon(platform::MainLoop& loop);
+  /// Reports a change as if it happened now.
+  void changed();
 
   /// The watched file, in the state when the watch was set.
   [[nodiscard]] const FileStamp& file() const { return file_; }
 
  private:
-  FileWatch(std::filesystem::path path, const FileStamp& file, posix::FileDescriptor inotify,
-            std::function<void()> handler, std::function<void()> missed);
+  using Moment = std::chrono::steady_clock::time_point;
 
-  /// The combined meaning of a batch of events.
-  struct News {
-    bool written = false;
-    bool gone = false;  ///< deleted or renamed
-  };
+  FileWatch(std::shared_ptr<FileEvents> events, platform::MainLoop& loop, std::string path,
+            const FileStamp& file, std::function<void()> handler, Missed missed);
 
-  void collect();
-  void deliver();
-  void stopCollecting();
-  void runHandler();
-  News readEvents();
+  bool happened(std::uint32_t events) override;
+  void deliverIn(std::chrono::steady_clock::duration delay);
+  void deliverIfQuiet();
   bool wasUnlinked();
 
-  std::filesystem::path path_;
+  std::shared_ptr<FileEvents> events_;
+  platform::MainLoop& loop_;
+  std::string path_;
   FileStamp file_;
-  posix::FileDescriptor inotify_;
   std::function<void()> handler_;
-  std::function<void()> missed_;
-  std::unique_ptr<ReadableSource> source_;
-  /// Events that were read and not reported yet, the time of the first in microseconds of GLib's clock, and
-  /// the timer that reports them.
-  News collected_;
-  std::int64_t collectingSince_ = 0;
-  unsigned timer_ = 0;
-  std::unique_ptr<platform::Timer> catchUp_;
+  Missed missed_;
+  /// There are changes that were not reported yet; when the first and the last of them came.
+  bool isCollecting_ = false;
+  Moment first_;
+  Moment last_;
+  /// Held weakly by delayed blocks; null once cancelled.
+  std::shared_ptr<FileWatch*> self_;
 };
 
 }  // namespace keyvora::x11

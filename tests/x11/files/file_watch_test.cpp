@@ -1,17 +1,42 @@
 #include <fcntl.h>
+#include <glib.h>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <fstream>
+#include <functional>
 #include <thread>
+#include <utility>
 
 #include "hosts/posix/file_descriptor.h"
 #include "hosts/x11/files/file_system.h"
 #include "hosts/x11/main_loop.h"
 #include "tests/x11/private_display.h"
 #include "tests/x11/scratch.h"
+
+namespace {
+
+/// Run once each, just before and just after the next watch is set.
+std::function<void()> beforeWatching;
+std::function<void()> afterWatching;
+
+}  // namespace
+
+/// In place of the C library's.
+extern "C" int inotify_add_watch(int descriptor, const char* path, std::uint32_t events) noexcept {
+  if (const auto run = std::exchange(beforeWatching, nullptr)) run();
+  const auto number = static_cast<int>(syscall(SYS_inotify_add_watch, descriptor, path, events));
+  if (const auto run = std::exchange(afterWatching, nullptr)) run();
+  return number;
+}
 
 namespace keyvora::x11 {
 namespace {
@@ -239,6 +264,75 @@ TEST_F(FileWatchTest, AReplacementBetweenReadingAndWatchingIsHeard) {
   watch();
   settle();
   EXPECT_EQ(notified, 1);
+}
+
+TEST_F(FileWatchTest, AReplacementWhileTheWatchIsSetIsHeard) {
+  for (auto* moment : {&beforeWatching, &afterWatching}) {
+    const posix::FileDescriptor held(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    notified = 0;
+    files.read(file);
+    *moment = [this] { replaceByRename("2nd.."); };
+    watch();
+    EXPECT_TRUE(awaitNotification());
+    settle();
+  }
+}
+
+TEST_F(FileWatchTest, AFileThatComesAfterAReadThatFailedIsHeard) {
+  fs::remove(file);
+  files.read(file);
+  writeFile(file, "second");
+  watch();
+  ASSERT_TRUE(awaitNotification());
+  files.read(file);
+  watch();
+  settle();
+  EXPECT_EQ(notified, 1);
+}
+
+TEST_F(FileWatchTest, WhatCannotBeReadAndDoesNotChangeIsNoNews) {
+  fs::remove(file);
+  sockaddr_un address{AF_UNIX, {}};
+  ASSERT_LT(file.native().size(), sizeof address.sun_path);
+  std::memcpy(address.sun_path, file.c_str(), file.native().size() + 1);
+  const posix::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  ASSERT_EQ(bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  EXPECT_TRUE(files.read(file).error);
+  watch();
+  settle();
+  EXPECT_EQ(notified, 0);
+}
+
+TEST_F(FileWatchTest, EachOfTwoWatchesOfAFileHearsOfItAsLongAsItIsThere) {
+  watch();
+  writeFile(file, "second");
+  int others = 0;
+  auto other = files.watch(file, [&others] { ++others; });
+  ASSERT_TRUE(awaitNotification());
+  settle();
+  EXPECT_EQ(others, 0) << "what was written before";
+
+  writeFile(file, "third");
+  ASSERT_TRUE(runUntil([&] { return notified == 2 && others == 1; }));
+  settle();
+  source.reset();
+  writeFile(file, "fourth");
+  ASSERT_TRUE(runUntil([&] { return others == 2; }));
+  fs::remove(file);
+  ASSERT_TRUE(runUntil([&] { return others == 3; }));
+  EXPECT_EQ(notified, 2);
+}
+
+TEST_F(FileWatchTest, TheEndOfAWatchLeavesNothingForTheLoop) {
+  watch();
+  settle();
+  while (g_main_context_iteration(nullptr, FALSE)) continue;
+  source.reset();
+  EXPECT_FALSE(g_main_context_pending(nullptr));
+  watch();
+  fs::rename(file, file.string() + "~");
+  ASSERT_TRUE(awaitNotification());
+  EXPECT_FALSE(g_main_context_pending(nullptr));
 }
 
 TEST_F(FileWatchTest, AWriteThatACancelledWatchWasAboutToReportIsHeard) {

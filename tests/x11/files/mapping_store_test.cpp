@@ -169,5 +169,29 @@ TEST_F(MappingStoreTest, AfterADeletionTheLastDocumentStaysAndNothingIsWatched) 
   EXPECT_EQ(store->mapping().timeoutMilliseconds, 1001);
 }
 
+/// How often the loop has waited or asked.
+int polls = 0;
+
+TEST_F(MappingStoreTest, ASaveTakesThreeTurnsOfTheLoop) {
+  awaitQuiet();
+  save(1);  // the loop opens what it needs for its first watch
+  ASSERT_TRUE(awaitDocument(1));
+  awaitQuiet();
+  g_main_context_set_poll_func(nullptr, [](GPollFD* polled, guint count, gint limit) {
+    ++polls;
+    return g_poll(polled, count, limit);
+  });
+  saveByRename(2);
+  const auto before = reloads;
+  polls = 0;
+  bool over = false;
+  while (reloads == before) g_main_context_iteration(nullptr, TRUE);
+  loop.after(platform::Seconds(0.3), [&over] { over = true; });
+  while (!over) g_main_context_iteration(nullptr, TRUE);
+  g_main_context_set_poll_func(nullptr, nullptr);
+  EXPECT_EQ(store->mapping().timeoutMilliseconds, 1002);
+  EXPECT_LE(polls, 4) << "the change, the end of the quiet, the reload, and the end of this test";
+}
+
 }  // namespace
 }  // namespace keyvora::x11
