@@ -1,8 +1,10 @@
 #include "hosts/x11/status/notifier_menu.h"
-#include "text/utf8.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
+
+#include "text/utf8.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -98,6 +100,12 @@ GVariant* shortcut(char letter) {
   return g_variant_builder_end(&presses);
 }
 
+bool looksTheSame(const platform::MenuRow& one, const platform::MenuRow& other) {
+  return one.title == other.title && one.keyEquivalent == other.keyEquivalent &&
+         one.isEnabled() == other.isEnabled() && one.checked == other.checked &&
+         one.isSeparator == other.isSeparator;
+}
+
 GVariant* noNumbers() {
   return g_variant_new_array(G_VARIANT_TYPE_INT32, nullptr, 0);
 }
@@ -113,6 +121,14 @@ NotifierMenu::NotifierMenu(GDBusConnection* bus, std::function<void(bool)> onTra
       run_(std::move(run)) {}
 
 void NotifierMenu::setRows(const platform::Menu& menu) {
+  const bool same =
+      std::equal(rows_.begin(), rows_.end(), menu.rows.begin(), menu.rows.end(),
+                 [](const auto& shown, const auto& row) { return looksTheSame(shown.second, row); });
+  if (same) {
+    auto row = menu.rows.begin();
+    for (auto& [identifier, shown] : rows_) shown = *row++;  // the actions are other ones
+    return;
+  }
   rows_.clear();
   for (const auto& row : menu.rows) rows_.emplace(nextIdentifier_++, row);
   object_.emit("LayoutUpdated", g_variant_new("(ui)", ++revision_, root));

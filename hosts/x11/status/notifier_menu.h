@@ -20,8 +20,9 @@ class NotifierMenu {
   NotifierMenu(GDBusConnection* bus, std::function<void(bool isOpen)> onTracking,
                std::function<void(std::function<void()> action)> run);
 
-  /// Replaces the rows, also in an open menu. Rows get new identifiers each time, so that a click on a row
-  /// of the earlier menu does nothing.
+  /// Replaces the rows, also in an open menu. Rows that look different in any way get new identifiers, all of
+  /// them, so that a click on a row of the earlier menu does nothing. A menu that looks the same, as after
+  /// most reloads, gets the new actions, and the panel is not made to read it again.
   void setRows(const platform::Menu& menu);
 
  private:

@@ -223,6 +223,31 @@ TEST_F(NotifierTest, RowsOfAMenuThatWasReplacedChooseNothing) {
   EXPECT_TRUE(program->hears("chose Edit mappings.json"));
 }
 
+TEST_F(NotifierTest, AMenuThatLooksTheSameIsNotReadAgainAndGetsItsNewActions) {
+  startIn({});
+  const int edit = identifierOf("Edit mappings.json");
+  settle();
+  const auto before = panel->layouts();
+  tell("menu like first");
+  settle();
+  EXPECT_EQ(panel->layouts(), before);
+  panel->event(edit, "clicked");
+  EXPECT_TRUE(program->hears("chose Edit mappings.json anew"));
+
+  tell("menu second");
+  settle();
+  EXPECT_EQ(panel->layouts(), before + 1);
+}
+
+TEST_F(NotifierTest, AMenuThatDiffersInOneMarkIsReadAgain) {
+  startIn({});
+  settle();
+  const auto before = panel->layouts();
+  tell("menu unchecked");
+  settle();
+  EXPECT_EQ(panel->layouts(), before + 1);
+}
+
 TEST_F(NotifierTest, EventsInAGroupNameTheRowsThatAreNotThere) {
   startIn({});
   GVariantBuilder events;

@@ -73,6 +73,10 @@ PanelStandIn::PanelStandIn(Kind kind) : bus_(connect()), hasHost_(kind.hasHost) 
   const auto get = [this](std::string_view) { return g_variant_new_boolean(hasHost_); };
   watcher_ = std::make_unique<BusObject>(bus_.get(), "/StatusNotifierWatcher", description,
                                          BusObject::Handlers{call, get});
+  const auto count = +[](GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                         gpointer self) { ++static_cast<PanelStandIn*>(self)->layouts_; };
+  g_dbus_connection_signal_subscribe(bus_.get(), nullptr, "com.canonical.dbusmenu", "LayoutUpdated",
+                                     "/MenuBar", nullptr, G_DBUS_SIGNAL_FLAGS_NONE, count, this, nullptr);
   if (kind.isGnome) own(bus_.get(), "org.gnome.Shell");
   own(bus_.get(), "org.kde.StatusNotifierWatcher");
 }

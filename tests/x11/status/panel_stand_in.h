@@ -47,6 +47,9 @@ class PanelStandIn {
   };
   std::vector<Row> rows();
 
+  /// How many times an item has said that its menu must be read again.
+  [[nodiscard]] int layouts() const { return layouts_; }
+
   /// Says that an item is not registered any more.
   void drop(const char* item);
 
@@ -58,6 +61,7 @@ class PanelStandIn {
 
   GObjectRef<GDBusConnection> bus_;
   bool hasHost_;
+  int layouts_ = 0;
   std::vector<std::string> registered_;
   std::unique_ptr<BusObject> watcher_;
 };

@@ -33,22 +33,28 @@ void say(const std::string& line) {
   std::cout << line << std::endl;
 }
 
-platform::MenuRow row(const std::string& title, char key, bool enabled, bool checked = false) {
+platform::MenuRow row(const std::string& title, char key, bool enabled, bool checked = false,
+                      const std::string& when = "") {
   platform::MenuRow made;
   made.title = title;
   made.keyEquivalent = key;
   made.checked = checked;
-  if (enabled) made.action = [title] { say("chose " + title); };
+  if (enabled) made.action = [title, when] { say("chose " + title + when); };
   return made;
+}
+
+platform::Menu firstMenu(bool checked, const std::string& when) {
+  return {{row("12 sequences, ready", 0, false), platform::MenuRow::separator(),
+           row("Edit mappings.json", 'e', true, false, when), row("Reload_mappings", 'r', true),
+           row("Launch at Login", 0, true, checked), platform::MenuRow::separator(),
+           row("Quit keyvora", 'q', true)}};
 }
 
 const std::map<std::string, platform::Menu>& menus() {
   static const std::map<std::string, platform::Menu> made{
-      {"first",
-       {{row("12 sequences, ready", 0, false), platform::MenuRow::separator(),
-         row("Edit mappings.json", 'e', true), row("Reload_mappings", 'r', true),
-         row("Launch at Login", 0, true, true), platform::MenuRow::separator(),
-         row("Quit keyvora", 'q', true)}}},
+      {"first", firstMenu(true, "")},
+      {"like first", firstMenu(true, " anew")},
+      {"unchecked", firstMenu(false, "")},
       {"second", {{row("13 sequences, ready", 0, false), row("Edit mappings.json", 'e', true)}}},
       {"long",
        {{row("mappings.json: " + std::string(40, 'x') + " " + std::string(500, 'y') + " end \xFF", 0, false),
