@@ -49,12 +49,13 @@ class Writer {
  private:
   /// Opens the file for every record, so that a user who moves or deletes it gets a new one.
   void write(const std::string& record) const {
-    files_.createDirectories(url_.parent_path());
+    files_.createDirectories(directory_);
     if (!files_.append(url_, record)) files_.replace(url_, record);
   }
 
   platform::FileSystem& files_ = platform::current().fileSystem;
   const std::filesystem::path& url_ = Log::url();
+  const std::filesystem::path directory_ = url_.parent_path();
   /// The last member: destroyed first, because its work uses the others.
   std::shared_ptr<platform::SerialQueue> queue_;
 };

@@ -1,6 +1,7 @@
 #include "hosts/x11/login_service.h"
 
 #include <glib.h>
+#include <unistd.h>
 
 #include <string>
 #include <system_error>
@@ -20,10 +21,10 @@ using KeyFile = std::unique_ptr<GKeyFile, KeyFileFree>;
 
 constexpr auto group = G_KEY_FILE_DESKTOP_GROUP;
 
-std::optional<std::filesystem::path> entryFile() {
+std::optional<std::string> entryFile() {
   const auto configuration = configurationDirectory();
   if (!configuration) return std::nullopt;
-  return *configuration / "autostart" / "org.keyvora.keyvora.desktop";
+  return *configuration + "/autostart/org.keyvora.keyvora.desktop";
 }
 
 /// An argument in an Exec line: quoted, with special characters escaped and without field codes.
@@ -64,6 +65,7 @@ bool flag(GKeyFile* entry, const char* key, bool absent) {
 LoginStatus LoginService::status() {
   const auto file = entryFile();
   if (!file) return LoginStatus::notFound;
+  if (access(file->c_str(), F_OK) != 0) return LoginStatus::notRegistered;  // without the cost of a parser
   const KeyFile entry(g_key_file_new());
   if (!g_key_file_load_from_file(entry.get(), file->c_str(), G_KEY_FILE_NONE, nullptr)) {
     return LoginStatus::notRegistered;
@@ -77,14 +79,15 @@ LoginStatus LoginService::status() {
 std::optional<std::string> LoginService::registerProgram() {
   const auto file = entryFile();
   if (!file) return "there is no home directory to write an autostart entry to";
+  const auto folder = std::filesystem::path(*file).parent_path();
   std::error_code failed;
-  std::filesystem::create_directories(file->parent_path(), failed);
-  if (failed) return file->parent_path().string() + " cannot be created: " + failed.message();
+  std::filesystem::create_directories(folder, failed);
+  if (failed) return folder.string() + " cannot be created: " + failed.message();
   const auto text = entryText(executable_);
   GError* raw = nullptr;
   g_file_set_contents(file->c_str(), text.data(), static_cast<gssize>(text.size()), &raw);
   const GErrorRef error(raw);
-  if (error) return file->string() + " cannot be written: " + error->message;
+  if (error) return *file + " cannot be written: " + error->message;
   return std::nullopt;
 }
 
@@ -93,7 +96,7 @@ std::optional<std::string> LoginService::unregisterProgram() {
   if (!file) return "there is no home directory with an autostart entry";
   std::error_code failed;
   std::filesystem::remove(*file, failed);
-  if (failed) return file->string() + " cannot be removed: " + failed.message();
+  if (failed) return *file + " cannot be removed: " + failed.message();
   return std::nullopt;
 }
 

@@ -9,12 +9,12 @@
 namespace keyvora::x11 {
 namespace {
 
-std::optional<std::filesystem::path> absolute(const char* text) {
+std::optional<std::string> absolute(const char* text) {
   if (text == nullptr || *text != '/') return std::nullopt;
-  return std::filesystem::path(text);
+  return std::string(text);
 }
 
-std::optional<std::filesystem::path> passwordEntryHome() {
+std::optional<std::string> passwordEntryHome() {
   std::vector<char> memory(16384);
   passwd entry{};
   passwd* found = nullptr;
@@ -26,16 +26,16 @@ std::optional<std::filesystem::path> passwordEntryHome() {
 
 }  // namespace
 
-std::optional<std::filesystem::path> homeDirectory() {
+std::optional<std::string> homeDirectory() {
   if (auto home = absolute(std::getenv("HOME"))) return home;
   return passwordEntryHome();
 }
 
-std::optional<std::filesystem::path> configurationDirectory() {
+std::optional<std::string> configurationDirectory() {
   if (auto directory = absolute(std::getenv("XDG_CONFIG_HOME"))) return directory;
   const auto home = homeDirectory();
   if (!home) return std::nullopt;
-  return *home / ".config";
+  return *home + "/.config";
 }
 
 std::filesystem::path executableFile() {
