@@ -8,8 +8,8 @@
 #include <optional>
 #include <string_view>
 
+#include "hosts/posix/temporary_variable.h"
 #include "hosts/x11/display.h"
-#include "hosts/x11/temporary_variable.h"
 
 namespace keyvora::x11 {
 namespace {
@@ -50,11 +50,11 @@ bool openToolkit() {
   if (!displayFound) return false;
   // Restored afterwards, so that programs opened from here get the user's environment. If these variables
   // are changed at all, they exist: changing one does not move the others while another thread reads them.
-  std::optional<TemporaryVariable> noOtherBackend;
+  std::optional<posix::TemporaryVariable> noOtherBackend;
   if (isSet(backendVariable)) noOtherBackend.emplace(backendVariable, "x11");
   // keyvora does not draw with OpenGL. Without this, the first GTK program on a display loads its driver to
   // choose a visual: without a graphics card that is a whole compiler, which stays in memory.
-  const TemporaryVariable noOpenGl(openGlVariable, "disable");
+  const posix::TemporaryVariable noOpenGl(openGlVariable, "disable");
   const bool opened = gtk_init_check(nullptr, nullptr);
   installErrorHandlers();
   return opened;

@@ -7,8 +7,8 @@
 #include <ctime>
 #include <vector>
 
+#include "hosts/posix/temporary_variable.h"
 #include "hosts/x11/login_service.h"
-#include "hosts/x11/temporary_variable.h"
 #include "hosts/x11/updates/update_history.h"
 #include "log/log.h"
 #include "mapping/decode.h"
@@ -104,7 +104,7 @@ TEST_P(SamplesTest, TheUpdateHistoryGoesOn) {
 
 TEST_P(SamplesTest, LaunchingAtLoginStaysSwitchedOnAndCanBeSwitchedOff) {
   const test::ScratchDirectory home;
-  const x11::TemporaryVariable configuration("XDG_CONFIG_HOME", home.path().string());
+  const posix::TemporaryVariable configuration("XDG_CONFIG_HOME", home.path().string());
   fs::create_directories(home / "autostart");
   test::write(home / "autostart/org.keyvora.keyvora.desktop", sample("autostart.desktop"));
   x11::LoginService service("/usr/bin/keyvora");

@@ -11,6 +11,7 @@
 #include <optional>
 #include <sstream>
 
+#include "hosts/posix/temporary_variable.h"
 #include "hosts/simulated/host.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/tools/golden.h"
@@ -218,12 +219,11 @@ TEST_F(CommandTest, ALongLineIsCutToThePlace) {
 }
 
 TEST_F(CommandTest, SaysHowManyActionsCannotRunWithoutAMac) {
-  const std::string path = std::getenv("PATH");
   write(R"({"version": 1, "tabs": {}, "sequences": [
     {"keys": "A", "name": "Script", "action": {"kind": "applescript", "script": "activate"}},
     {"keys": "B", "name": "Tips", "action": {"kind": "keytips", "keys": "HH"}},
     {"keys": "C", "name": "Menu", "action": {"kind": "menu", "path": ["A"]}}]})");
-  setenv("PATH", home.path().c_str(), 1);
+  const posix::TemporaryVariable path("PATH", home.path().string());
   EXPECT_EQ(run({"check", "--strict"}), 0);
   EXPECT_THAT(error.str(),
               HasSubstr("mappings.json: 2 actions cannot run here: 1 script, for want of osascript, "
@@ -231,7 +231,6 @@ TEST_F(CommandTest, SaysHowManyActionsCannotRunWithoutAMac) {
   std::filesystem::create_symlink("/bin/sh", home / "osascript");
   EXPECT_EQ(run({"check", "--strict"}), 0);
   EXPECT_THAT(error.str(), IsEmpty());
-  setenv("PATH", path.c_str(), 1);
 }
 
 TEST_F(CommandTest, OtherCommandsTakeTheDefaultDocumentUntilTheUserHasOne) {
@@ -268,10 +267,9 @@ TEST_F(CommandTest, WritesSheetsAndTheSchema) {
 }
 
 TEST_F(CommandTest, OpensTheSheetInTheBrowser) {
-  const std::string path = std::getenv("PATH");
   const auto program = home / "xdg-open";
   test::write(program, "#!/bin/sh\nwhile read -r line; do echo \"$line\"; done <\"$1\" >\"$HOME/opened\"\n");
-  setenv("PATH", home.path().c_str(), 1);
+  const posix::TemporaryVariable path("PATH", home.path().string());
   EXPECT_EQ(run({"cheatsheet", "--open"}), 2);
   EXPECT_THAT(error.str(), HasSubstr("there is no program that opens files"));
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
@@ -280,11 +278,9 @@ TEST_F(CommandTest, OpensTheSheetInTheBrowser) {
   std::filesystem::remove_all(std::filesystem::path(out.str()).parent_path());
   EXPECT_EQ(run({"cheatsheet", "--open", "--markdown"}), 2);
   EXPECT_EQ(error.str(), "keyvora-mappings: --open and --markdown exclude each other\n");
-  setenv("TMPDIR", "/nowhere", 1);
+  const posix::TemporaryVariable noFolder("TMPDIR", "/nowhere");
   EXPECT_EQ(run({"cheatsheet", "--open"}), 2) << out.str();
   EXPECT_THAT(error.str(), HasSubstr("there is no folder for temporary files; set TMPDIR"));
-  unsetenv("TMPDIR");
-  setenv("PATH", path.c_str(), 1);
 }
 
 TEST_F(CommandTest, ADocumentThatDoesNotLoadIsRefusedWithItsErrors) {

@@ -74,9 +74,9 @@ TEST(HabitsTest, ReadsTheUsersLogAndSaysWhenThereIsNone) {
   EXPECT_THAT(error.str(), HasSubstr("keyvora.log: there is no such log"));
   std::filesystem::create_directories(home / "Library/Logs");
   // Only the end of a very long log is read.
-  test::write(
-      home / "Library/Logs/keyvora.log",
-      time + "HVP  Old (menu)\n" + std::string(17 * 1024 * 1024, 'x') + "\n" + time + "HVV  New (menu)\n");
+  test::write(home / "Library/Logs/keyvora.log", time + "HVP  Old (menu)\n" +
+                                                     std::string(std::size_t{17} * 1024 * 1024, 'x') + "\n" +
+                                                     time + "HVV  New (menu)\n");
   EXPECT_EQ(run(std::vector<std::string>{"habits"}, {out, error}), 0);
   EXPECT_THAT(out.str(), HasSubstr("     1  HVV  Paste values\n"));
   EXPECT_THAT(out.str(), Not(HasSubstr("HVP")));

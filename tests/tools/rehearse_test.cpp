@@ -6,6 +6,7 @@
 #include <functional>
 #include <sstream>
 
+#include "hosts/posix/temporary_variable.h"
 #include "hosts/simulated/host.h"
 #include "tests/support/scratch_directory.h"
 #include "tests/tools/golden.h"
@@ -48,13 +49,7 @@ void startExcel(simulated::Host& host) {
 
 /// `rehearse`, with a simulated system and its own PATH.
 struct RehearseTest : testing::Test {
-  RehearseTest() {
-    setUpSystem = startExcel;
-    setenv("PATH", folder.path().c_str(), 1);
-  }
-  ~RehearseTest() override { setenv("PATH", path.c_str(), 1); }
-  RehearseTest(const RehearseTest&) = delete;
-  RehearseTest& operator=(const RehearseTest&) = delete;
+  RehearseTest() { setUpSystem = startExcel; }
 
   int run(std::vector<std::string> arguments = {}) {
     out.str("");
@@ -82,8 +77,8 @@ struct RehearseTest : testing::Test {
     ::chmod(program.c_str(), 0755);
   }
 
-  const std::string path = std::getenv("PATH");
   test::ScratchDirectory folder;
+  posix::TemporaryVariable path{"PATH", folder.path().string()};
   std::string file = projectFile("tests/tools/golden/rehearsed.json").string();
   std::ostringstream out;
   std::ostringstream error;

@@ -5,13 +5,13 @@
 #include <iterator>
 #include <string>
 
-#include "hosts/x11/temporary_variable.h"
+#include "hosts/posix/temporary_variable.h"
 #include "tests/support/scratch_directory.h"
 
 namespace keyvora::x11 {
 
 using test::ScratchDirectory;
-using Variable = TemporaryVariable;
+using Variable = posix::TemporaryVariable;
 
 /// Sets the file's content, in place; creates missing directories.
 inline void writeFile(const std::filesystem::path& file, const std::string& text) {

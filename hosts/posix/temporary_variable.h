@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace keyvora::x11 {
+namespace keyvora::posix {
 
 /// Sets or removes an environment variable and restores it in the destructor, so that programs opened from
 /// here get the user's value. While other threads may read the environment, use it only to change a
@@ -32,4 +32,4 @@ class TemporaryVariable {
   std::optional<std::string> before_;
 };
 
-}  // namespace keyvora::x11
+}  // namespace keyvora::posix
