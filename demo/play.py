@@ -110,6 +110,7 @@ class Player:
                 equal(self._sheet.input, text, "the cell")
                 print(f"      cell    {self._sheet.selected()} now holds {text!r}")
             case "still":
+                equal(self._sheet.input, text, "the cell")  # a busy spreadsheet reads the keys later
                 stays(self._sheet.input, text, "the cell", 0.3)
                 print(f"      cell    {self._sheet.selected()} still holds {text!r}")
             case "dialog":
