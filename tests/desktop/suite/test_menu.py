@@ -247,6 +247,7 @@ class CheckForUpdates(MenuTest):
         with self.server:
             self.choose("Check for Updates…")
             self.expect_in_front()
+            self.await_rest()  # a window comes to the front by itself, too; what brings it there must not come later
             x11.activate(self.sheet.window)
             until(self.sheet.is_in_front, "the spreadsheet in front", seen=x11.active_class)
             self.choose("Check for Updates…")
