@@ -17,13 +17,18 @@ namespace {
 /// The states with no modifier held except locks: Caps Lock and, by custom, Num Lock.
 constexpr std::array<unsigned, 4> alone{0, LockMask, Mod2Mask, LockMask | Mod2Mask};
 
+// A press between a grab and its end is this program's. The grabs are synchronous, so that the server holds
+// such a press and all keys after it until it is told to replay them: the press then goes where it would have
+// gone. Without such a press there is nothing to replay.
+
 /// Core grabs and XInput grabs do not conflict with each other, so each kind is tried.
 bool refusesCoreGrab(Display* display, Window window, KeyCode key) {
   ErrorTrap trap(display);
   for (const unsigned modifiers : alone) {
-    XGrabKey(display, key, modifiers, window, False, GrabModeAsync, GrabModeAsync);
+    XGrabKey(display, key, modifiers, window, False, GrabModeAsync, GrabModeSync);
     XUngrabKey(display, key, modifiers, window);
   }
+  XAllowEvents(display, ReplayKeyboard, CurrentTime);
   return trap.code() == BadAccess;
 }
 
@@ -34,10 +39,11 @@ bool refusesDeviceGrab(Display* display, int master, Window window, KeyCode key)
                          [](unsigned each) { return XIGrabModifiers{.modifiers = int(each), .status = 0}; });
   const auto wanted = modifiers;
   XIEventMask nothing{.deviceid = master, .mask_len = 0, .mask = nullptr};
-  const int refused = XIGrabKeycode(display, master, key, window, XIGrabModeAsync, XIGrabModeAsync, False,
+  const int refused = XIGrabKeycode(display, master, key, window, XIGrabModeSync, XIGrabModeAsync, False,
                                     &nothing, int(modifiers.size()), modifiers.data());
   auto taken = wanted;
   XIUngrabKeycode(display, master, key, window, int(taken.size()), taken.data());
+  XIAllowEvents(display, master, XIReplayDevice, CurrentTime);
   return refused > 0 && trap.code() == 0;
 }
 

@@ -5,7 +5,11 @@
 
 #include <X11/XKBlib.h>
 #include <X11/extensions/XInput2.h>
+#include <dlfcn.h>
 #include <unistd.h>
+
+#include <functional>
+#include <utility>
 
 #include "hosts/x11/applications/desktop_windows.h"
 #include "hosts/x11/diagnosis/facts.h"
@@ -14,7 +18,41 @@
 #include "hosts/x11/tap/key_devices.h"
 #include "hosts/x11/tap/tap_claim.h"
 #include "tests/x11/keyboard/client_window.h"
+#include "tests/x11/keyboard/typist.h"
 #include "tests/x11/private_session.h"
+
+namespace {
+
+/// Run once each, just before the next grab of that kind is given up.
+std::function<void()> beforeKeyIsUngrabbed;
+std::function<void()> beforeDeviceKeyIsUngrabbed;
+
+void runOnce(std::function<void()>& block, Display* display) {
+  if (!block) return;
+  XSync(display, False);
+  std::exchange(block, nullptr)();
+}
+
+template <class Function>
+Function* original(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+// In place of the libraries'.
+
+extern "C" int XUngrabKey(Display* display, int key, unsigned modifiers, Window window) {
+  runOnce(beforeKeyIsUngrabbed, display);
+  return original<decltype(XUngrabKey)>("XUngrabKey")(display, key, modifiers, window);
+}
+
+extern "C" Status XIUngrabKeycode(Display* display, int device, int key, Window window, int count,
+                                  XIGrabModifiers* modifiers) {
+  runOnce(beforeDeviceKeyIsUngrabbed, display);
+  return original<decltype(XIUngrabKeycode)>("XIUngrabKeycode")(display, device, key, window, count,
+                                                                modifiers);
+}
 
 namespace keyvora::x11 {
 namespace {
@@ -208,6 +246,23 @@ TEST_F(DiagnosisTest, LooksWithoutLeavingAGrabBehind) {
   EXPECT_EQ(XIGrabKeycode(display, findKeyDevices(display)->master, leftAlt, connection->root(),
                           XIGrabModeAsync, XIGrabModeAsync, False, &nothing, 1, &alone),
             0);
+}
+
+TEST_F(DiagnosisTest, APressWhileItLooksReachesItsWindow) {
+  const ClientWindow window(session.display().name(), {});
+  ASSERT_TRUE(window.awaitFocus());
+  Typist user(session.display().name(), Typist::Device::hardware);
+  const auto looking = Connection::open("");
+  for (auto* moment : {&beforeKeyIsUngrabbed, &beforeDeviceKeyIsUngrabbed}) {
+    const auto before = window.pressed().size();
+    *moment = [&user] {
+      user.tap({platform::key_code::leftOption});
+      user.sync();
+    };
+    EXPECT_FALSE(anotherHoldsOption(*looking));
+    EXPECT_FALSE(*moment) << "it has looked";
+    EXPECT_TRUE(runUntil([&] { return window.pressed().size() == before + 1; }));
+  }
 }
 
 TEST_F(DiagnosisTest, ADocumentThatOthersMayChangeIsNamed) {
