@@ -16,9 +16,6 @@ class Timer {
 
   /// Stops the timer. May be called more than once, also from the timer's own block.
   virtual void invalidate() = 0;
-
-  /// False once invalidated, or once a one-shot timer has fired.
-  [[nodiscard]] virtual bool isValid() const = 0;
 };
 
 /// When a main-loop timer may fire.

@@ -15,7 +15,6 @@ class Timer final : public platform::Timer {
   Timer& operator=(const Timer&) = delete;
 
   void invalidate() override { [timer_ invalidate]; }
-  [[nodiscard]] bool isValid() const override { return timer_.valid; }
 
  private:
   NSTimer* timer_;

@@ -23,7 +23,6 @@ class MainLoop::TimerHandle final : public platform::Timer {
   ~TimerHandle() override { state_->valid = false; }
 
   void invalidate() override { state_->valid = false; }
-  [[nodiscard]] bool isValid() const override { return state_->valid; }
 
  private:
   std::shared_ptr<TimerState> state_;

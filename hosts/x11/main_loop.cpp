@@ -82,8 +82,6 @@ class ScheduledTimer final : public platform::Timer {
     block_.reset();
   }
 
-  [[nodiscard]] bool isValid() const override { return source_ != nullptr; }
-
   /// Lets a timer that was delayed by a menu fire in the next pass of the loop.
   void release() { g_source_set_ready_time(source_, 0); }
 

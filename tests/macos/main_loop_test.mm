@@ -21,13 +21,11 @@ TEST(MainLoop, KnowsTheMainThread) {
   EXPECT_FALSE(elsewhere);
 }
 
-TEST(MainLoop, AOneShotTimerFiresOnceAndIsThenInvalid) {
+TEST(MainLoop, AOneShotTimerFiresOnce) {
   MainLoop loop;
   int fired = 0;
   const auto timer = loop.schedule(Seconds(0.02), false, TimerMode::defaultMode, [&] { ++fired; });
-  EXPECT_TRUE(timer->isValid());
   EXPECT_TRUE(runLoopUntil([&] { return fired == 1; }));
-  EXPECT_FALSE(timer->isValid());
   EXPECT_FALSE(runLoopUntil([&] { return fired > 1; }, 0.1));
 }
 
@@ -39,7 +37,6 @@ TEST(MainLoop, ARepeatingTimerStopsWhenItsOwnBlockInvalidatesIt) {
     if (++fired == 3) timer->invalidate();
   });
   EXPECT_TRUE(runLoopUntil([&] { return fired == 3; }));
-  EXPECT_FALSE(timer->isValid());
   EXPECT_FALSE(runLoopUntil([&] { return fired > 3; }, 0.1));
 }
 

@@ -1,4 +1,4 @@
-// Timers: GNUstep takes the common modes for one mode of that name, and has `isValid` as a method only.
+// Timers: GNUstep takes the common modes for one mode of that name.
 
 #import <AppKit/AppKit.h>
 

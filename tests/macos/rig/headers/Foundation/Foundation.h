@@ -30,10 +30,6 @@ typedef NSUInteger NSDataReadingOptions;
     remainingRange:(NSRangePointer)remaining;
 @end
 
-@interface NSTimer (Apple)
-@property(readonly, getter=isValid) BOOL valid;
-@end
-
 @interface NSFileHandle (Apple)
 - (BOOL)seekToEndReturningOffset:(unsigned long long*)offset error:(NSError**)error;
 - (BOOL)writeData:(NSData*)data error:(NSError**)error;
