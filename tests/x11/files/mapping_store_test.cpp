@@ -190,7 +190,8 @@ TEST_F(MappingStoreTest, ASaveTakesThreeTurnsOfTheLoop) {
   while (!over) g_main_context_iteration(nullptr, TRUE);
   g_main_context_set_poll_func(nullptr, nullptr);
   EXPECT_EQ(store->mapping().timeoutMilliseconds, 1002);
-  EXPECT_LE(polls, 4) << "the change, the end of the quiet, the reload, and the end of this test";
+  EXPECT_LE(polls, 5)
+      << "the change, the end of the quiet (perhaps a moment early), the reload, this test's end";
 }
 
 }  // namespace
