@@ -31,6 +31,7 @@ std::function<void()> afterWatching;
 }  // namespace
 
 /// In place of the C library's.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the header's names are reserved
 extern "C" int inotify_add_watch(int descriptor, const char* path, std::uint32_t events) noexcept {
   if (const auto run = std::exchange(beforeWatching, nullptr)) run();
   const auto number = static_cast<int>(syscall(SYS_inotify_add_watch, descriptor, path, events));
