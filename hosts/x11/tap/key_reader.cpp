@@ -126,7 +126,8 @@ void KeyReader::decide() {
 
 void KeyReader::pressed(const XIRawEvent& raw) {
   const auto keycode = unsigned(raw.detail) & 0xFF;
-  const auto event = changed(keycode, true, markOf(raw));
+  const bool repeated = (raw.flags & XIKeyRepeat) != 0;
+  const auto event = changed(keycode, repeated ? Change::repetition : Change::press, markOf(raw));
   wasHeld_[keycode] = false;
   if (key_code::isOption(event.keyCode)) optionPressed(keycode, raw.time);
   undecided_ = Press{keycode, event};
@@ -139,7 +140,7 @@ void KeyReader::released(const XIRawEvent& raw) {
   if (!down_[keycode]) return;
   const bool endsOption = key_code::isOption(meanings_[keycode].keyCode);
   if (endsOption && std::exchange(optionWasNotAlone_, false)) tellThatOptionWasNotAlone();
-  auto event = changed(keycode, false, mark);
+  auto event = changed(keycode, Change::release, mark);
   if (!wasHeld_[keycode]) event.keyCode = key_code::none;
   listener_.keyRead({.event = event, .keycode = keycode});
 }
@@ -155,7 +156,7 @@ void KeyReader::held(const XIDeviceEvent& press) {
     key.event = undecided_->event;
     undecided_.reset();
   } else {
-    key.event = changed(keycode, true, OwnMark{});
+    key.event = changed(keycode, key.repeated ? Change::repetition : Change::press, OwnMark{});
     if (key_code::isOption(key.event.keyCode)) optionPressed(keycode, press.time);
   }
   wasHeld_[keycode] = true;
@@ -166,7 +167,11 @@ OwnMark KeyReader::markOf(const XIRawEvent& raw) {
   return raw.sourceid == devices_.xtest ? own_.onMaster(rawKey(raw)) : OwnMark{};
 }
 
-platform::KeyEvent KeyReader::changed(unsigned keycode, bool down, OwnMark mark) {
+platform::KeyEvent KeyReader::changed(unsigned keycode, Change change, OwnMark mark) {
+  const bool down = change != Change::release;
+  // The server may have shown the key as down before this press was read, and before a change of the map
+  // that precedes the press.
+  if (change == Change::press) down_.reset(keycode);
   if (down && !down_[keycode]) {
     meanings_[keycode] = keys_.meaning(keycode);
     if (key_code::isOption(meanings_[keycode].keyCode) && !isOptionDown()) optionWasNotAlone_ = false;

@@ -88,6 +88,8 @@ class KeyReader {
     platform::KeyEvent event;
   };
 
+  enum class Change { press, repetition, release };
+
   void select(bool raw);
   [[nodiscard]] bool isModifierDown() const;
   [[nodiscard]] bool isOptionDown() const;
@@ -97,7 +99,7 @@ class KeyReader {
   void released(const XIRawEvent& raw);
   void held(const XIDeviceEvent& press);
   OwnMark markOf(const XIRawEvent& raw);
-  platform::KeyEvent changed(unsigned keycode, bool down, OwnMark mark);
+  platform::KeyEvent changed(unsigned keycode, Change change, OwnMark mark);
   [[nodiscard]] platform::KeyEvent event(unsigned keycode, bool down) const;
 
   Display* display_;

@@ -114,6 +114,22 @@ TEST_F(TapTest, AKeyThatWasCaughtJustBeforeTheTapEndsIsSentOn) {
   EXPECT_TRUE(arrive({key::leftOption, key::a}));
 }
 
+TEST_F(TapTest, AKeyThatIsDownBeforeItsPressIsReadHasTheMeaningOfItsPress) {
+  open(display.name());
+  Child command({"setxkbmap", "-display", display.name(), "-option", "compose:ralt"}, {});
+  ASSERT_EQ(command.wait(), 0);
+  user.press(key::rightOption);
+  user.sync();
+  // The tap has read neither the change nor the press when it asks the server which keys are down.
+  constexpr std::uint8_t someKey = 38;
+  say({.kind = OwnerRecord::Kind::inject, .keycode = someKey, .down = true, .mark = {.userData = 1}});
+  say({.kind = OwnerRecord::Kind::inject, .keycode = someKey, .down = false, .mark = {.userData = 1}});
+  const auto compose = asked(key::none);
+  EXPECT_EQ(compose.event.flags, 0u);
+  pass(compose);
+  user.release(key::rightOption);
+}
+
 TEST_F(TapTest, WhenTheOwnerHangsItUngrabsBeforeItLetsGo) {
   open(display.name());
   tapOption();
