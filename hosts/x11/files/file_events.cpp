@@ -38,10 +38,12 @@ bool FileEvents::add(const char* path, Listener& listener) {
 }
 
 void FileEvents::remove(Listener& listener) {
-  const auto isListener = [&listener](const Entry& entry) { return entry.listener == &listener; };
-  if (std::none_of(entries_.begin(), entries_.end(), isListener)) return;
+  const auto found = find(listener);
+  if (found == entries_.end()) return;
+  // Ended first, so that no report comes after those that are read now.
+  if (!isShared(*found)) inotify_rm_watch(inotify_.number(), found->number);
   read();
-  if (drop(listener)) read();
+  drop(listener);
 }
 
 /// Reads and reports everything that is there. What the kernel reports about the end of a watch is read, too,
@@ -84,14 +86,23 @@ bool FileEvents::report() {
 
 /// True when that ended the watch, because nobody else listens to its file.
 bool FileEvents::drop(const Listener& listener) {
-  const auto found = std::find_if(entries_.begin(), entries_.end(),
-                                  [&](const Entry& entry) { return entry.listener == &listener; });
-  const int number = found->number;
+  const auto found = find(listener);
+  if (found == entries_.end()) return false;
+  const bool ends = found->number != everyFile && !isShared(*found) &&
+                    inotify_rm_watch(inotify_.number(), found->number) == 0;
   entries_.erase(found);
-  if (number == everyFile) return false;
-  const bool isHeard = std::any_of(entries_.begin(), entries_.end(),
-                                   [number](const Entry& entry) { return entry.number == number; });
-  return !isHeard && inotify_rm_watch(inotify_.number(), number) == 0;
+  return ends;
+}
+
+std::vector<FileEvents::Entry>::iterator FileEvents::find(const Listener& listener) {
+  return std::find_if(entries_.begin(), entries_.end(),
+                      [&](const Entry& entry) { return entry.listener == &listener; });
+}
+
+/// Whether others listen to the same file.
+bool FileEvents::isShared(const Entry& entry) const {
+  return std::any_of(entries_.begin(), entries_.end(),
+                     [&](const Entry& other) { return &other != &entry && other.number == entry.number; });
 }
 
 }  // namespace keyvora::x11

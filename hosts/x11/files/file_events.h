@@ -50,6 +50,8 @@ class FileEvents {
   bool readBatch();
   bool report();
   bool drop(const Listener& listener);
+  std::vector<Entry>::iterator find(const Listener& listener);
+  [[nodiscard]] bool isShared(const Entry& entry) const;
 
   posix::FileDescriptor inotify_;
   std::vector<Entry> entries_;

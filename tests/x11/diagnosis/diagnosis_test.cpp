@@ -47,6 +47,7 @@ extern "C" int XUngrabKey(Display* display, int key, unsigned modifiers, Window 
   return original<decltype(XUngrabKey)>("XUngrabKey")(display, key, modifiers, window);
 }
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the header writes them otherwise
 extern "C" Status XIUngrabKeycode(Display* display, int device, int key, Window window, int count,
                                   XIGrabModifiers* modifiers) {
   runOnce(beforeDeviceKeyIsUngrabbed, display);

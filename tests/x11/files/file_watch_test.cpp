@@ -345,6 +345,21 @@ TEST_F(FileWatchTest, AWriteThatACancelledWatchWasAboutToReportIsHeard) {
   EXPECT_TRUE(awaitNotification());
 }
 
+TEST_F(FileWatchTest, AReplacementThatACancelledWatchWasAboutToReportIsHeard) {
+  for (const bool isShared : {false, true}) {
+    notified = 0;
+    watch();
+    const auto other = isShared ? files.watch(file, [] {}) : nullptr;
+    files.read(file);
+    replaceByRename("2nd..");
+    source->cancel();
+    EXPECT_EQ(notified, 0);
+    watch();
+    EXPECT_TRUE(awaitNotification());
+    settle();
+  }
+}
+
 TEST_F(FileWatchTest, AWriteThatOnlyTheCancelledWatchKnowsOfIsHeard) {
   struct stat before {};
   ASSERT_EQ(stat(file.c_str(), &before), 0);
@@ -365,25 +380,6 @@ TEST_F(FileWatchTest, WatchesLeaveNoFilesOpen) {
   for (int time = 0; time < 10; ++time) watch();
   source.reset();
   EXPECT_EQ(openFiles(), before);
-}
-
-TEST_F(FileWatchTest, TheUsersDirectoriesAreUnderHome) {
-  const Variable home("HOME", "/home/somebody");
-  EXPECT_EQ(files.libraryDirectory(), "/home/somebody/Library");
-  EXPECT_EQ(files.applicationSupportDirectory(), "/home/somebody/Library/Application Support");
-}
-
-TEST_F(FileWatchTest, WithoutHomeTheUsersPasswordEntrySaysWhereTheyAre) {
-  std::optional<fs::path> expected;
-  {
-    const Variable home("HOME", std::nullopt);
-    expected = files.libraryDirectory();
-  }
-  ASSERT_TRUE(expected);
-  EXPECT_TRUE(expected->is_absolute());
-  EXPECT_EQ(expected->filename(), "Library");
-  const Variable relative("HOME", "not/absolute");
-  EXPECT_EQ(files.libraryDirectory(), expected);
 }
 
 }  // namespace
