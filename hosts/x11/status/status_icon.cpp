@@ -160,4 +160,13 @@ void drawStatusIcon(cairo_t* context, const StatusTitle& title, double width, do
   drawLetters(context, room, lastLetters(title.letters, lettersFor(ground.width)));
 }
 
+void openFonts() {
+  constexpr int size = 22;
+  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size, size);
+  cairo_t* context = cairo_create(surface);
+  drawStatusIcon(context, {true, "A"}, size, size);
+  cairo_destroy(context);
+  cairo_surface_destroy(surface);
+}
+
 }  // namespace keyvora::x11

@@ -25,4 +25,8 @@ struct StatusTitle {
 /// Main thread.
 void drawStatusIcon(cairo_t* context, const StatusTitle& title, double width, double height);
 
+/// Opens the fonts for the letters, which takes a second on a very busy machine: longer than the tap waits
+/// for a verdict. Main thread.
+void openFonts();
+
 }  // namespace keyvora::x11

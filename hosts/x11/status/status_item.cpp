@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "hosts/x11/gobject.h"
+#include "hosts/x11/status/status_icon.h"
 #include "hosts/x11/toolkit.h"
 #include "text/utf8.h"
 
@@ -43,6 +44,7 @@ void StatusItem::show() {
   showing_.reset();
   if (host_.isPresent()) {
     plug_.reset();
+    openFonts();  // not at the first letter, when the user's next key would wait
     notifier_ = std::make_unique<Notifier>(loop_, host_, [this](int x, int y) { openMenuAt(x, y); });
     notifier_->setTitle(title_);
     notifier_->setMenu(menu_);
