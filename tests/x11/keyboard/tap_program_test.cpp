@@ -143,6 +143,8 @@ TEST_F(TapProgramTest, ATapThatWasKilledIsReplacedAfterASecondAndTold) {
 
 TEST_F(TapProgramTest, AKeyMapThatChangesInBurstsWhileArmedLosesNoKey) {
   constexpr int rounds = 60;
+  // A server that gets a new map while it holds a key back may repeat the key after its release.
+  user.setRepetition(std::chrono::minutes(2), std::chrono::seconds(1));
   tapWith([&](const platform::KeyEvent& event) {
     if (event.type == platform::event_type::tapDisabledByTimeout) tap->enable();
     return catcher(event);
@@ -156,8 +158,9 @@ TEST_F(TapProgramTest, AKeyMapThatChangesInBurstsWhileArmedLosesNoKey) {
   const auto arrived = [&] { return target.pressed().size() + catcher.caught.size(); };
   for (; typed < rounds || !ending; ++typed) {
     user.tap({key::leftOption, key::h, key::f, key::a, key::b});
-    ASSERT_TRUE(runUntil([&] { return arrived() == std::size_t(5 * (typed + 1)); }))
-        << typed << ": " << arrived();
+    const bool all = runUntil([&] { return arrived() == std::size_t(5 * (typed + 1)); });
+    EXPECT_TRUE(all) << typed << ": " << arrived();
+    if (!all) break;
   }
   changing.join();
   auto all = target.pressed();
