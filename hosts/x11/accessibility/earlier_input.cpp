@@ -4,6 +4,7 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <thread>
 
 #include "hosts/x11/applications/window_property.h"
@@ -62,11 +63,12 @@ class Question {
     message.message_type = protocols_;
     message.format = 32;
     message.data.l[0] = static_cast<long>(ping_);
-    message.data.l[1] = static_cast<long>(clock_.now());
+    // Programs send the whole message back. The time tells its answer from a late one to an earlier question,
+    // whose connection may have had the same window; the window, from an answer to the window manager.
+    time_ = clock_.now();
+    message.data.l[1] = static_cast<long>(time_);
     message.data.l[2] = static_cast<long>(window_);
-    // Programs send the whole message back. These tell the answer from one to the window manager.
     message.data.l[3] = static_cast<long>(clock_.window());
-    message.data.l[4] = ++number_;
     XSendEvent(connection_.get(), window_, False, NoEventMask, &event);
   }
 
@@ -74,7 +76,8 @@ class Question {
     const auto& message = event.xclient;
     return event.type == ClientMessage && message.message_type == protocols_ && message.format == 32 &&
            message.data.l[0] == static_cast<long>(ping_) &&
-           message.data.l[3] == static_cast<long>(clock_.window()) && message.data.l[4] == number_;
+           static_cast<std::uint32_t>(message.data.l[1]) == static_cast<std::uint32_t>(time_) &&
+           message.data.l[3] == static_cast<long>(clock_.window());
   }
 
   Connection& connection_;
@@ -82,7 +85,7 @@ class Question {
   ServerClock clock_;
   Atom protocols_;
   Atom ping_;
-  long number_ = 0;
+  Time time_ = CurrentTime;
 };
 
 }  // namespace
