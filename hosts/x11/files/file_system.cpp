@@ -27,6 +27,7 @@ platform::FileContents FileSystem::read(const std::filesystem::path& path) {
   const auto note = [this](const struct stat& status) { lastRead_->file = FileStamp::of(status); };
   auto contents = readAndNote(path, note);
   if (lastRead_->file) return contents;
+  // It could not be opened, so its stamp is younger than this answer: read again, if there is a file by now.
   lastRead_->file = FileStamp::of(path.c_str());
   return lastRead_->file ? readAndNote(path, note) : contents;
 }

@@ -126,8 +126,7 @@ void KeyReader::decide() {
 
 void KeyReader::pressed(const XIRawEvent& raw) {
   const auto keycode = unsigned(raw.detail) & 0xFF;
-  const bool repeated = (raw.flags & XIKeyRepeat) != 0;
-  const auto event = changed(keycode, repeated ? Change::repetition : Change::press, markOf(raw));
+  const auto event = changed(keycode, Change::press, markOf(raw));  // repetitions have no raw event
   wasHeld_[keycode] = false;
   if (key_code::isOption(event.keyCode)) optionPressed(keycode, raw.time);
   undecided_ = Press{keycode, event};
