@@ -40,7 +40,7 @@ Window frontOf(Display* display, Window window, platform::ProcessIdentifier proc
   const auto isOfProcess = [&](Window other) { return describeWindow(display, other).process == process; };
   const auto isOurs = [&](Window other) { return belongsTo(display, other, window, process); };
   const Window active = activeWindow(display);
-  if (isOurs(active)) return active;
+  if (active == window || isOurs(active)) return active;
   const bool anotherIsActive = isOfProcess(active);
   const auto windows = topmostFirst(display);
   const auto ours = std::ranges::find_if(windows, isOurs);

@@ -39,9 +39,10 @@ bool Poster::hasKey(std::uint16_t keyCode) {
 
 void Poster::sendTo(platform::ProcessIdentifier process, const KeyStroke& stroke, KeyboardIsFree) {
   const std::scoped_lock lock(mutex_);
-  // Toolkits take an event without a time for an old one.
+  // Toolkits take an event without a time for an old one. Asking for it is a round trip, so every change of
+  // the map has arrived.
   const Time now = clock_.now();
-  catchUp();
+  readEvents();
   const auto keycode = keys_.keycode(stroke.keyCode);
   const Window window = windowOf(process);
   if (!keycode || window == None) return;
@@ -81,9 +82,13 @@ void Poster::inject(const KeyStroke& stroke, CurrentTap& tap, KeyboardIsFree) {
   XFlush(connection_->get());
 }
 
+/// Learns of every change of the keyboard map that has happened. One round trip.
 void Poster::catchUp() {
-  // The server's answer comes after everything it sent before.
   XSync(connection_->get(), False);
+  readEvents();
+}
+
+void Poster::readEvents() {
   while (XPending(connection_->get()) > 0) {
     XEvent event;
     XNextEvent(connection_->get(), &event);

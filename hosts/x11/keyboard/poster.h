@@ -54,6 +54,7 @@ class Poster {
   Poster(std::unique_ptr<Connection> connection, const TargetWindow& target);
 
   void catchUp();
+  void readEvents();
   [[nodiscard]] Window windowOf(platform::ProcessIdentifier process) const;
   [[nodiscard]] unsigned stateBefore(const KeyStroke& stroke) const;
   void injectKey(std::uint16_t keyCode, bool down, const KeyStroke& stroke, CurrentTap& tap);
