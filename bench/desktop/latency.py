@@ -6,6 +6,7 @@ import time
 from collections.abc import Callable
 from pathlib import Path
 
+from awake import Awake
 from console import DOCUMENT, Console, in_milliseconds, mappings, percentiles
 from delivery import go_first
 from harness.private_desktop import PrivateDesktop
@@ -29,12 +30,16 @@ def startup(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
 
 
 def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
-    """From a document renamed into place to the log line of the reload, without the fixed delay."""
+    """From a document renamed into place to the log line of the reload, without the fixed delay.
+
+    First on a machine whose processors sleep between saves, then with processors kept awake: what a reload costs by
+    itself, without what waking a sleeping processor adds to each of its steps.
+    """
     path = mappings(desktop.home)
     path.write_text(DOCUMENT)
     first = go_first(desktop.children.named("Xvfb").pid)
     print(f"at {'real-time' if first else 'ordinary'} priority")
-    times, processor, main = [], [], []
+    decode = [str(arguments.programs / "bench/bench_decode_now_and_then"), str(path), str(SAVES)]
     with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
         keyvora.wait("tap installed, ")
         process = keyvora.process.pid
@@ -50,22 +55,30 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
             return taken
 
         calm(lambda: counts(process).switches, "the start", 1)
-        for _ in range(SAVES):
-            before, main_before = counts(process).processor, main_thread(process)
-            times.append(save())
-            processor.append(counts(process).processor - before)
-            main.append(main_thread(process) - main_before)
-        polls = polls_during(process, desktop.folder / "polls", save)
-    decoding = [float(line) for line in subprocess.run(
-        [str(arguments.programs / "bench/bench_decode_now_and_then"), str(path), str(SAVES)], check=True,
-        stdout=subprocess.PIPE, text=True).stdout.split()]
-    print(f"change on disk to document loaded, beyond the fixed {DELAY} s: {in_milliseconds(times)}")
-    print(f"processor time of a reload, user and system: {in_milliseconds(processor)}")
-    print(f"of it the main thread's: {in_milliseconds(main)}")
-    print(f"decoding the same document, in a program that does nothing else: {in_milliseconds(decoding)}")
+        print("processors that may sleep:")
+        print_reloads(process, save, decode)
+        with Awake():
+            print("processors kept awake:")
+            print_reloads(process, save, decode)
+        print(f"polls of a reload: {polls_during(process, desktop.folder / 'polls', save):g}")
+
+
+def print_reloads(process: int, save: Callable[[], float], decode: list[str]) -> None:
+    """Saves, and prints the times and the processor time of the reloads."""
+    times, processor, main = [], [], []
+    for _ in range(SAVES):
+        before, main_before = counts(process).processor, main_thread(process)
+        times.append(save())
+        processor.append(counts(process).processor - before)
+        main.append(main_thread(process) - main_before)
+    decoding = [float(line) for line in
+                subprocess.run(decode, check=True, stdout=subprocess.PIPE, text=True).stdout.split()]
+    print(f"  change on disk to document loaded, beyond the fixed {DELAY} s: {in_milliseconds(times)}")
+    print(f"  processor time of a reload, user and system: {in_milliseconds(processor)}")
+    print(f"  of it the main thread's: {in_milliseconds(main)}")
+    print(f"  decoding the same document, in a program that does nothing else: {in_milliseconds(decoding)}")
     beside = percentiles(main)[0] - percentiles(decoding)[0]
-    print(f"main thread's processor time beside decoding, at the median: {beside * 1000:.2f} ms")
-    print(f"polls of a reload: {polls:g}")
+    print(f"  main thread's processor time beside decoding, at the median: {beside * 1000:.2f} ms")
 
 
 def polls_during(process: int, file: Path, save: Callable[[], float]) -> float:
