@@ -68,6 +68,11 @@ def window_area(window: str) -> Area | None:
     return Area(*found) if len(found) == 4 else None
 
 
+def is_visible(window: str) -> bool:
+    """Whether a window is on the screen."""
+    return "Map State: IsViewable" in _output(["xwininfo", "-id", window])
+
+
 def activate(window: str) -> None:
     """Requests that the window manager activates a window, as a task bar does."""
     subprocess.run(["xdotool", "windowactivate", window], check=True)

@@ -33,15 +33,12 @@ class Windows(DesktopTest):
         return bool(window) and x11.window_title(window) == "other"
 
     def switch_window(self) -> None:
-        """Changes the window with Option and Tab, by the window manager."""
-        self.window_manager_key("Tab")
-
-    def window_manager_key(self, key: str) -> None:
-        """Presses Option and a key slowly: window managers require that Option is held for a moment."""
-        self.typist.pace(30)
-        self.typist.down("Option", key)
-        self.typist.up(key, "Option")
-        self.typist.pace(self.sheet.pace)
+        """Changes the window with Option and Tab, by the window manager. Without its list of windows on the screen, it
+        may not notice that Option is released."""
+        self.typist.down("Option", "Tab")
+        self.typist.up("Tab")
+        until(lambda: any(map(x11.is_visible, x11.windows_of_class("OPENBOX_FOCUS_CYCLE_POPUP"))), "the list of windows")
+        self.typist.up("Option")
 
     def presses(self) -> int:
         """How many presses of the letter h the other program got."""
@@ -109,7 +106,7 @@ class Windows(DesktopTest):
         second = x11.active_window()
         self.typist.tap("Option", "h", "q")
         self.keyvora.log.wait("no sequence HQ")
-        self.window_manager_key("F4")
+        self.typist.tap("Option+F4")
         until(lambda: x11.active_window() != second, "the second workbook to close")
         until(self.sheet.is_in_front, "the first workbook in front", seen=x11.active_class)
         self.expect_everything_works()
