@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
+#include <sstream>
 
 #include "tests/x11/conversation.h"
 #include "tests/x11/private_session.h"
@@ -12,6 +14,19 @@
 /// The item as a status notifier, as panels use it on the session bus.
 namespace keyvora::x11 {
 namespace {
+
+/// The font files that a process has open.
+std::set<std::string> fontsOf(pid_t process) {
+  std::istringstream mapped(readFile("/proc/" + std::to_string(process) + "/maps"));
+  std::set<std::string> fonts;
+  for (std::string line; std::getline(mapped, line);) {
+    const auto path = line.find('/');
+    if (path != std::string::npos && line.find("/share/fonts/", path) != std::string::npos) {
+      fonts.insert(line.substr(path));
+    }
+  }
+  return fonts;
+}
 
 class NotifierTest : public testing::Test {
  protected:
@@ -80,6 +95,15 @@ TEST_F(NotifierTest, WhereAPanelIsTheToolkitStaysClosedUntilTheMenuIsAskedFor) {
   Screen screen;
   screen.press(XK_e, XK_Control_L);
   EXPECT_TRUE(program->hears("chose Edit mappings.json"));
+}
+
+TEST_F(NotifierTest, TheFontsForTheLettersAreOpenBeforeTheFirstLetter) {
+  startIn({});
+  const auto open = fontsOf(program->pid());
+  EXPECT_FALSE(open.empty());
+  tell("title ⌥ H");
+  EXPECT_TRUE(panel->property("IconPixmap"));
+  EXPECT_EQ(fontsOf(program->pid()), open);
 }
 
 TEST_F(NotifierTest, ItIsNeverInATrayAndInAPanel) {
