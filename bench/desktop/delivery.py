@@ -10,7 +10,7 @@ from contextlib import ExitStack
 from awake import Awake
 from console import DOCUMENT, Console, mappings, percentiles
 from harness.private_desktop import KEYBOARD, PrivateDesktop
-from harness.process import children, counts
+from harness.process import children, switches
 from harness.waiting import calm
 
 SXHKD = "super + F9\n\ttrue\nsuper + F10\n\ttrue\nctrl + alt + F11\n\ttrue\n"
@@ -109,4 +109,4 @@ def go_first(server: int) -> bool:
 
 def woken_so_far(processes: list[int]) -> int:
     """How often all of them were."""
-    return sum(counts(process).switches for process in processes)
+    return sum(map(switches, processes))

@@ -10,7 +10,7 @@ from awake import Awake
 from console import DOCUMENT, Console, in_milliseconds, mappings, percentiles
 from delivery import go_first
 from harness.private_desktop import PrivateDesktop
-from harness.process import counts
+from harness.process import counts, switches
 from harness.waiting import calm
 
 STARTS = 30
@@ -54,7 +54,7 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
             time.sleep(0.05)
             return taken
 
-        calm(lambda: counts(process).switches, "the start", 1)
+        calm(lambda: switches(process), "the start", 1)
         print("processors that may sleep:")
         print_reloads(process, save, decode)
         with Awake():

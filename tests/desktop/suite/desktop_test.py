@@ -10,7 +10,7 @@ from typing import ClassVar
 from harness.keyvora import Document, Keyvora
 from harness.panels import Panel
 from harness.private_desktop import PrivateDesktop
-from harness.process import children, counts
+from harness.process import children, switches
 from harness.spreadsheet import Spreadsheet
 from harness.typist import Typist
 from harness.waiting import PATIENCE, calm, equal, until
@@ -116,7 +116,7 @@ class DesktopTest(unittest.TestCase):
     def await_rest(self) -> None:
         """Waits until the program and its tap are idle: they have noticed all that happened."""
         main = self.keyvora.process_id()
-        calm(lambda: sum(counts(process).switches for process in (main, *children(main))), "the program", 0.3)
+        calm(lambda: sum(map(switches, (main, *children(main)))), "the program", 0.3)
 
     def expect_no_key_is_held(self, text: str, *keys: str) -> str:
         """Types keys behind the cell's text: they arrive sooner than one that is held. Gives what the cell holds then."""
