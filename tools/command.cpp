@@ -1,6 +1,7 @@
 #include "tools/command.h"
 
 #include <algorithm>
+#include <csignal>
 #include <variant>
 #include <vector>
 
@@ -41,6 +42,9 @@ int helpWith(std::span<const std::string> topics, const Streams& streams) {
 }  // namespace
 
 int run(std::span<const std::string> arguments, const Streams& streams) {
+  // A program that ignores the ends of children passes that on to those that it starts, and then nobody is
+  // told how they ended.
+  std::signal(SIGCHLD, SIG_DFL);
   if (arguments.empty()) {
     streams.error << help();
     return exit_status::failed;

@@ -36,6 +36,15 @@ int statusOf(pid_t child) {
   return status;
 }
 
+/// A program that ignores the ends of children passes that on to those that it starts, and then nobody is
+/// told how they ended. Leaves a handler of GLib's in place.
+void stopIgnoringChildren() {
+  struct sigaction action {};
+  if (sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) {
+    std::signal(SIGCHLD, SIG_DFL);
+  }
+}
+
 }  // namespace
 
 /// Uses a context of its own, so that the main loop does not run meanwhile. GLib reports a signal to every
@@ -78,6 +87,7 @@ struct ChildEnd::Wait {
 };
 
 ChildEnd::ChildEnd() : wait_(std::make_unique<Wait>()) {
+  stopIgnoringChildren();
   for (const auto* source : {&wait_->terminate, &wait_->interrupt, &wait_->hangUp}) {
     wait_->add(*source, wait_->isToEnd);
   }

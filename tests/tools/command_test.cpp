@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -273,6 +274,7 @@ TEST_F(CommandTest, OpensTheSheetInTheBrowser) {
   EXPECT_EQ(run({"cheatsheet", "--open"}), 2);
   EXPECT_THAT(error.str(), HasSubstr("there is no program that opens files"));
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  std::signal(SIGCHLD, SIG_IGN);  // as it is inherited from some programs
   EXPECT_EQ(run({"cheatsheet", "--open"}), 0) << error.str();
   EXPECT_THAT(contentOf(home / "opened"), StartsWith("<!DOCTYPE html>"));
   std::filesystem::remove_all(std::filesystem::path(out.str()).parent_path());

@@ -78,6 +78,13 @@ TEST_F(ScriptsTest, AFailureSaysWhatTheProgramSaid) {
   }
 }
 
+TEST_F(ScriptsTest, AFailureIsOneEvenIfTheStarterIgnoredTheEndsOfItsChildren) {
+  standIn("exit 1");
+  std::signal(SIGCHLD, SIG_IGN);
+  EXPECT_FALSE(run().succeeded);
+  std::signal(SIGCHLD, SIG_DFL);
+}
+
 TEST_F(ScriptsTest, WhatASuccessfulScriptSaysIsPassedOver) {
   standIn("echo warning >&2; echo result");
   const auto outcome = run();
