@@ -68,8 +68,8 @@ class Hardening(unittest.TestCase):
         if cached("CMAKE_BUILD_TYPE") in ("", "Debug") or cached("KEYVORA_SANITIZE"):
             self.skipTest("only in optimised builds without sanitizers")
         for program in self.programs:
-            # In the tap, the compiler knows all calls' sizes to be right, or cannot know them.
-            if not program.endswith("-tap"):
+            # In the two small ones, the compiler knows all calls' sizes to be right, or cannot know them.
+            if not program.endswith(("-tap", "-fetch")):
                 self.assertRegex(output("readelf", "--wide", "--dyn-syms", program), r"__\w+_chk\b(?<!__stack_chk)")
 
     def test_what_holds_the_keyboard_has_no_toolkit_in_it(self):
@@ -83,7 +83,8 @@ class Hardening(unittest.TestCase):
         if "X86-64" not in output("readelf", "--file-header", self.programs[0]):
             self.skipTest("only where the processor checks it")
         for code in self.each("objdump", "--disassemble", "--no-show-raw-insn", "--section=.text"):
-            self.assertGreater(code.count("endbr64"), 100)
+            # Without the option only the code that starts a program has any: two.
+            self.assertGreater(code.count("endbr64"), 20)
 
 
 if __name__ == "__main__":
