@@ -92,6 +92,11 @@ def click(area: Area, button: int = 1) -> None:
     subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", str(button)], check=True)
 
 
+def point(x: int, y: int) -> None:
+    """Moves the mouse's pointer."""
+    subprocess.run(["xdotool", "mousemove", str(x), str(y)], check=True)
+
+
 def _output(command: list[str]) -> str:
     result = subprocess.run(command, capture_output=True, check=False)
     return result.stdout.decode(errors="replace") if result.returncode == 0 else ""

@@ -56,6 +56,7 @@ class StatusPanel(DesktopTest):
     def setUp(self) -> None:
         assert self.environment.panel, "these tests need --panel"
         self.panel = self.environment.panel
+        x11.point(400, 400)  # over the item it brings up a tip, some time later
         if not hasattr(StatusPanel, "empty"):
             StatusPanel.empty = Picture(self.panel.area)
         # Some panels take a while to remove an item.
