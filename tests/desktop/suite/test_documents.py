@@ -155,6 +155,7 @@ class TwoWindows(DocumentsTest):
         self.typist.tap("Option", "t")
         until(lambda: self.sheet.input().startswith("b"), "the typing to begin", seen=self.sheet.input)
         self.bring_to_front(second)
+        second.rest()  # Calc loses keys while it changes windows, keyvora or not
         self.fire()
         self.keyvora.log.wait("T  Do (keytips BDGPQUVX)")
         self.expect_background_input("bdgpquvx", second, "x")
