@@ -42,8 +42,8 @@ int helpWith(std::span<const std::string> topics, const Streams& streams) {
 }  // namespace
 
 int run(std::span<const std::string> arguments, const Streams& streams) {
-  // A program that ignores the ends of children passes that on to those that it starts, and then nobody is
-  // told how they ended.
+  // A program that ignores SIGCHLD passes that on to the programs that it starts, and those would not be told
+  // how their children ended.
   std::signal(SIGCHLD, SIG_DFL);
   if (arguments.empty()) {
     streams.error << help();

@@ -36,8 +36,8 @@ int statusOf(pid_t child) {
   return status;
 }
 
-/// A program that ignores the ends of children passes that on to those that it starts, and then nobody is
-/// told how they ended. Leaves a handler of GLib's in place.
+/// A program that ignores SIGCHLD passes that on to the programs that it starts, and those would not be told
+/// how their children ended. Leaves a handler of GLib's in place.
 void stopIgnoringChildren() {
   struct sigaction action {};
   if (sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) {

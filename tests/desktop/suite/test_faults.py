@@ -6,7 +6,7 @@ import subprocess
 
 from harness import x11
 from harness.keyvora import Document, Keyvora
-from harness.waiting import equal, until
+from harness.waiting import PATIENCE, equal, until
 
 from .desktop_test import DOCUMENT, DesktopTest
 
@@ -160,7 +160,7 @@ class TwoAtOnce(DesktopTest):
         self.addCleanup(other.stop)
         other.write(self.document)
         self.start()
-        self.assertEqual(3, other.launch().wait(60))
+        self.assertEqual(3, other.launch().wait(PATIENCE))
         other.log.wait("another keyvora is running")
         self.typist.tap("k")
         self.fire()
