@@ -16,13 +16,12 @@ gboolean run(gint /*fileDescriptor*/, GIOCondition /*condition*/, gpointer block
 
 }  // namespace
 
-ReadableSource::ReadableSource(int fileDescriptor, int priority, std::function<void()> block, bool nests)
+ReadableSource::ReadableSource(int fileDescriptor, int priority, std::function<void()> block)
     : source_(g_unix_fd_source_new(fileDescriptor, G_IO_IN)) {
   // GLib keeps the block until the dispatch that destroys the source has returned.
   g_source_set_callback(source_, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(run)),
                         new Block(std::move(block)), [](gpointer kept) { delete static_cast<Block*>(kept); });
   g_source_set_priority(source_, priority);
-  g_source_set_can_recurse(source_, nests ? TRUE : FALSE);
   g_source_attach(source_, nullptr);
 }
 

@@ -10,9 +10,8 @@ namespace keyvora::x11 {
 /// readable. The destructor removes it. The block may destroy it. Main thread.
 class ReadableSource {
  public:
-  /// A block that runs the main loop itself is not run again inside that loop, unless it `nests`. One that
-  /// runs no loop had better nest: GLib takes a turn of the loop to keep a block from nesting.
-  ReadableSource(int fileDescriptor, int priority, std::function<void()> block, bool nests = false);
+  /// A block that runs the main loop itself is not run again inside that loop.
+  ReadableSource(int fileDescriptor, int priority, std::function<void()> block);
   ~ReadableSource();
   ReadableSource(const ReadableSource&) = delete;
   ReadableSource& operator=(const ReadableSource&) = delete;

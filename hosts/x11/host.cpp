@@ -10,7 +10,7 @@ Host::Host()
     : hasDisplay_(openDisplay()),
       notices_(console_),
       bundles_(executableFile()),
-      fileSystem_(mainLoop_),
+      fileSystem_(mainLoop_.wait()),
       applications_("", targetWindow_),
       accessibility_(notices_, applications_, currentTap_),
       diagnosis_("", applications_, mainLoop_),

@@ -4,9 +4,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <map>
-#include <mutex>
-#include <optional>
 #include <thread>
 #include <utility>
 
@@ -14,7 +11,7 @@ namespace keyvora::x11 {
 namespace {
 
 /// Moments and spans in GLib's unit.
-using Microseconds = std::int64_t;
+using Microseconds = Agenda::Microseconds;
 
 /// The ready time of a source that does not wait for a time.
 constexpr Microseconds never = -1;
@@ -125,86 +122,7 @@ class ScheduledTimer final : public platform::Timer {
 
 }  // namespace
 
-/// Blocks waiting for their moment, from any thread. Only one runs in each pass of the loop, however many
-/// are due, so that a key that came meanwhile is handled before the next block.
-class MainLoop::Agenda {
- public:
-  Agenda() : source_(g_source_new(&functions, sizeof(Source))) {
-    reinterpret_cast<Source*>(source_)->agenda = this;
-    g_source_set_can_recurse(source_, TRUE);  // a block may run the loop
-    g_source_attach(source_, nullptr);
-  }
-  ~Agenda() {
-    g_source_destroy(source_);
-    g_source_unref(source_);
-  }
-  Agenda(const Agenda&) = delete;
-  Agenda& operator=(const Agenda&) = delete;
-
-  void add(Microseconds due, std::function<void()> block) {
-    {
-      const std::scoped_lock lock(mutex_);
-      blocks_.emplace(due, std::move(block));
-    }
-    // On the loop's own thread it looks at the agenda before it waits again.
-    if (std::this_thread::get_id() != mainThread_) g_main_context_wakeup(nullptr);
-  }
-
- private:
-  /// By the moment at which they are due; blocks of the same moment in the order of submission.
-  using Blocks = std::multimap<Microseconds, std::function<void()>>;
-
-  /// The moments are told when the loop asks for them. A ready time, set anew for each block, would make the
-  /// loop take another turn each time.
-  struct Source {
-    GSource base;
-    Agenda* agenda;
-  };
-
-  static Agenda& of(GSource* source) { return *reinterpret_cast<Source*>(source)->agenda; }
-
-  static gboolean prepare(GSource* source, gint* milliseconds) {
-    const auto left = of(source).untilFirst(g_source_get_time(source));
-    *milliseconds = left ? gint(std::clamp<Microseconds>((*left + 999) / 1000, 0, G_MAXINT)) : -1;
-    return left && *left <= 0 ? TRUE : FALSE;
-  }
-
-  static gboolean check(GSource* source) {
-    const auto left = of(source).untilFirst(g_source_get_time(source));
-    return left && *left <= 0 ? TRUE : FALSE;
-  }
-
-  static gboolean run(GSource* source, GSourceFunc /*callback*/, gpointer /*data*/) {
-    of(source).runFirst();
-    return G_SOURCE_CONTINUE;
-  }
-
-  inline static GSourceFuncs functions{prepare, check, run, nullptr, nullptr, nullptr};
-
-  /// How long it is until a block is due; none without a block.
-  std::optional<Microseconds> untilFirst(Microseconds now) {
-    const std::scoped_lock lock(mutex_);
-    if (blocks_.empty()) return std::nullopt;
-    return blocks_.begin()->first - now;
-  }
-
-  void runFirst() {
-    const auto first = takeFirst();
-    first.mapped()();
-  }
-
-  Blocks::node_type takeFirst() {
-    const std::scoped_lock lock(mutex_);
-    return blocks_.extract(blocks_.begin());
-  }
-
-  std::thread::id mainThread_ = std::this_thread::get_id();
-  std::mutex mutex_;
-  Blocks blocks_;
-  GSource* source_;
-};
-
-MainLoop::MainLoop() : timing_(std::make_shared<Timing>()), agenda_(std::make_unique<Agenda>()) {}
+MainLoop::MainLoop() : timing_(std::make_shared<Timing>()), wait_(agenda_) {}
 
 MainLoop::~MainLoop() = default;
 
@@ -218,7 +136,7 @@ std::unique_ptr<platform::Timer> MainLoop::schedule(platform::Seconds interval, 
 }
 
 void MainLoop::after(platform::Seconds delay, std::function<void()> block) {
-  agenda_->add(g_get_monotonic_time() + toMicroseconds(delay), std::move(block));
+  agenda_.add(g_get_monotonic_time() + toMicroseconds(delay), std::move(block));
 }
 
 void MainLoop::beginTracking() {

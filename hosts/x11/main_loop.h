@@ -5,6 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "hosts/x11/agenda.h"
+#include "hosts/x11/loop_wait.h"
 #include "platform/main_loop.h"
 
 namespace keyvora::x11 {
@@ -26,15 +28,17 @@ class MainLoop final : public platform::MainLoop {
   void beginTracking();
   void endTracking();
 
+  /// For work that takes no turn of the loop.
+  LoopWait& wait() { return wait_; }
+
   class Timing;
 
  private:
-  class Agenda;
-
   std::thread::id mainThread_ = std::this_thread::get_id();
   /// Shared with the timers, which may outlive the loop.
   std::shared_ptr<Timing> timing_;
-  std::unique_ptr<Agenda> agenda_;
+  Agenda agenda_;
+  LoopWait wait_;
 };
 
 }  // namespace keyvora::x11

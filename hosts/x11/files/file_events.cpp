@@ -1,11 +1,11 @@
 #include "hosts/x11/files/file_events.h"
 
-#include <glib.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <utility>
 
 namespace keyvora::x11 {
@@ -16,17 +16,27 @@ constexpr std::uint32_t watchedEvents = IN_MODIFY | IN_ATTRIB | IN_MOVE_SELF | I
 /// The number in reports that are about no single file, as when reports were lost.
 constexpr int everyFile = -1;
 
+/// The number of a listener that hears no more.
+constexpr int noFile = -2;
+
+/// The most that one report takes.
+constexpr std::size_t largestEvent = sizeof(inotify_event) + NAME_MAX + 1;
+
 }  // namespace
 
-std::shared_ptr<FileEvents> FileEvents::open() {
+std::shared_ptr<FileEvents> FileEvents::open(LoopWait& wait) {
   posix::FileDescriptor inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
-  return inotify.isOpen() ? std::make_shared<FileEvents>(std::move(inotify)) : nullptr;
+  return inotify.isOpen() ? std::make_shared<FileEvents>(wait, std::move(inotify)) : nullptr;
 }
 
-FileEvents::FileEvents(posix::FileDescriptor inotify)
-    : inotify_(std::move(inotify)),
-      source_(
-          inotify_.number(), G_PRIORITY_DEFAULT, [this] { read(); }, true) {}
+FileEvents::FileEvents(LoopWait& wait, posix::FileDescriptor inotify)
+    : wait_(wait), inotify_(std::move(inotify)) {
+  wait_.add(*this);
+}
+
+FileEvents::~FileEvents() {
+  wait_.remove(*this);
+}
 
 bool FileEvents::add(const char* path, Listener& listener) {
   // What happened to the file before is for its other listeners only.
@@ -38,23 +48,46 @@ bool FileEvents::add(const char* path, Listener& listener) {
 }
 
 void FileEvents::remove(Listener& listener) {
-  const auto found = find(listener);
+  const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                  [&](const Entry& entry) { return entry.listener == &listener; });
   if (found == entries_.end()) return;
-  // Ended first, so that no report comes after those that are read now.
-  if (!isShared(*found)) inotify_rm_watch(inotify_.number(), found->number);
+  if (found->number != noFile) {
+    // Ended first, so that no report comes after those that are read now.
+    if (!isShared(*found)) inotify_rm_watch(inotify_.number(), found->number);
+    read();
+  }
+  entries_.erase(found);
+}
+
+std::optional<FileEvents::Microseconds> FileEvents::due() const {
+  std::optional<Microseconds> first;
+  for (const auto& entry : entries_) {
+    const auto due = entry.listener->due();
+    if (due && (!first || *due < *first)) first = due;
+  }
+  return first;
+}
+
+/// True when a listener delivered what it had.
+bool FileEvents::work() {
   read();
-  drop(listener);
+  bool delivered = false;
+  while (auto* listener = firstDue(g_get_monotonic_time())) {
+    listener->deliver();
+    delivered = true;
+  }
+  return delivered;
 }
 
 /// Reads and reports everything that is there. What the kernel reports about the end of a watch is read, too,
-/// or it would cost a turn of the loop.
+/// or it would wake the loop.
 void FileEvents::read() {
   do {
     while (readBatch()) continue;
   } while (report());
 }
 
-/// False when there was nothing to read.
+/// True when there may be more to read.
 bool FileEvents::readBatch() {
   alignas(inotify_event) std::array<char, 4096> batch;
   const auto size = ::read(inotify_.number(), batch.data(), batch.size());
@@ -63,40 +96,40 @@ bool FileEvents::readBatch() {
     const auto* event = reinterpret_cast<const inotify_event*>(batch.data() + at);
     at += sizeof(inotify_event) + event->len;
     for (auto& entry : entries_) {
-      if (event->wd == entry.number || event->wd == everyFile) entry.events |= event->mask;
+      const bool concerned = event->wd == entry.number || (event->wd == everyFile && entry.number != noFile);
+      if (concerned) entry.events |= event->mask;
     }
   }
-  return true;
+  return static_cast<std::size_t>(size) > batch.size() - largestEvent;
 }
 
 /// True when a watch was ended, which the kernel reports.
 bool FileEvents::report() {
-  std::vector<const Listener*> done;
+  bool ended = false;
   for (auto& entry : entries_) {
     const auto events = std::exchange(entry.events, 0);
     if (events == 0) continue;
     const bool goesOn = entry.listener->happened(events);
-    if ((events & IN_IGNORED) != 0) entry.number = everyFile;  // the kernel ended the watch by itself
-    if (!goesOn || entry.number == everyFile) done.push_back(entry.listener);
+    if ((events & IN_IGNORED) != 0) entry.number = noFile;  // the kernel ended the watch by itself
+    if (!goesOn) ended = end(entry) || ended;
   }
-  bool ended = false;
-  for (const auto* listener : done) ended = drop(*listener) || ended;
   return ended;
 }
 
-/// True when that ended the watch, because nobody else listens to its file.
-bool FileEvents::drop(const Listener& listener) {
-  const auto found = find(listener);
-  if (found == entries_.end()) return false;
-  const bool ends = found->number != everyFile && !isShared(*found) &&
-                    inotify_rm_watch(inotify_.number(), found->number) == 0;
-  entries_.erase(found);
+/// The listener hears no more. True when that ended the watch, because nobody else listens to its file.
+bool FileEvents::end(Entry& entry) {
+  const bool ends =
+      entry.number != noFile && !isShared(entry) && inotify_rm_watch(inotify_.number(), entry.number) == 0;
+  entry.number = noFile;
   return ends;
 }
 
-std::vector<FileEvents::Entry>::iterator FileEvents::find(const Listener& listener) {
-  return std::find_if(entries_.begin(), entries_.end(),
-                      [&](const Entry& entry) { return entry.listener == &listener; });
+FileEvents::Listener* FileEvents::firstDue(Microseconds now) const {
+  const auto found = std::find_if(entries_.begin(), entries_.end(), [now](const Entry& entry) {
+    const auto due = entry.listener->due();
+    return due && *due <= now;
+  });
+  return found == entries_.end() ? nullptr : found->listener;
 }
 
 /// Whether others listen to the same file.

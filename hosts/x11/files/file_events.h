@@ -2,18 +2,21 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "hosts/posix/file_descriptor.h"
-#include "hosts/x11/glib_source.h"
+#include "hosts/x11/loop_wait.h"
 
 namespace keyvora::x11 {
 
-/// What the kernel reports about watched files (inotify), on GLib's default main context. All watches share
-/// one descriptor and one source, which stay: to open and close them for each watch costs more than the watch
-/// itself, and GLib takes another turn of its loop whenever a descriptor comes or goes. Main thread.
-class FileEvents {
+/// What the kernel reports about watched files (inotify), read while the loop waits. All watches share one
+/// descriptor, which stays: to open and close one for each watch costs more than the watch itself. Main
+/// thread.
+class FileEvents final : private LoopWait::Worker {
  public:
+  using Microseconds = LoopWait::Microseconds;
+
   class Listener {
    public:
     virtual ~Listener() = default;
@@ -21,12 +24,19 @@ class FileEvents {
     /// `events` are the bits of inotify(7) since the last call. Runs no other code of the program; it may not
     /// call `FileEvents`. False when the listener wants no more.
     virtual bool happened(std::uint32_t events) = 0;
+
+    /// When `deliver` is to be called; none while there is nothing to deliver.
+    [[nodiscard]] virtual std::optional<Microseconds> due() const = 0;
+
+    /// May call `FileEvents`, and destroy the listener.
+    virtual void deliver() = 0;
   };
 
   /// Null when the system gives no inotify instance.
-  static std::shared_ptr<FileEvents> open();
+  static std::shared_ptr<FileEvents> open(LoopWait& wait);
 
-  explicit FileEvents(posix::FileDescriptor inotify);
+  FileEvents(LoopWait& wait, posix::FileDescriptor inotify);
+  ~FileEvents() override;
   FileEvents(const FileEvents&) = delete;
   FileEvents& operator=(const FileEvents&) = delete;
 
@@ -46,16 +56,20 @@ class FileEvents {
     std::uint32_t events;
   };
 
+  [[nodiscard]] int descriptor() const override { return inotify_.number(); }
+  [[nodiscard]] std::optional<Microseconds> due() const override;
+  bool work() override;
+
   void read();
   bool readBatch();
   bool report();
-  bool drop(const Listener& listener);
-  std::vector<Entry>::iterator find(const Listener& listener);
+  bool end(Entry& entry);
+  Listener* firstDue(Microseconds now) const;
   [[nodiscard]] bool isShared(const Entry& entry) const;
 
+  LoopWait& wait_;
   posix::FileDescriptor inotify_;
   std::vector<Entry> entries_;
-  ReadableSource source_;
 };
 
 }  // namespace keyvora::x11

@@ -7,7 +7,7 @@
 
 namespace keyvora::x11 {
 
-FileSystem::FileSystem(platform::MainLoop& loop) : loop_(loop), lastRead_(std::make_shared<LastRead>()) {}
+FileSystem::FileSystem(LoopWait& wait) : wait_(wait), lastRead_(std::make_shared<LastRead>()) {}
 
 std::optional<std::filesystem::path> FileSystem::applicationSupportDirectory() {
   const auto library = libraryDirectory();
@@ -34,12 +34,12 @@ platform::FileContents FileSystem::read(const std::filesystem::path& path) {
 
 std::unique_ptr<platform::FileWatch> FileSystem::watch(const std::filesystem::path& path,
                                                        std::function<void()> handler) {
-  if (!events_) events_ = FileEvents::open();
+  if (!events_) events_ = FileEvents::open(wait_);
   if (!events_) return nullptr;
   const auto missed = [lastRead = lastRead_](const std::string& watched) {
     if (lastRead->path == watched) lastRead->overtaken = true;
   };
-  auto watch = FileWatch::arm(events_, loop_, path.native(), std::move(handler), missed);
+  auto watch = FileWatch::arm(events_, path.native(), std::move(handler), missed);
   if (watch && lastRead_->path == path.native()) {
     const bool differs = !lastRead_->file || !lastRead_->file->hasSameContent(watch->file());
     if (std::exchange(lastRead_->overtaken, false) || differs) watch->changed();

@@ -5,14 +5,14 @@
 #include "hosts/posix/file_operations.h"
 #include "hosts/x11/files/file_events.h"
 #include "hosts/x11/files/file_stamp.h"
-#include "platform/main_loop.h"
+#include "hosts/x11/loop_wait.h"
 
 namespace keyvora::x11 {
 
 /// Files, in the same places as on macOS, under the user's home.
 class FileSystem final : public posix::FileOperations {
  public:
-  explicit FileSystem(platform::MainLoop& loop);
+  explicit FileSystem(LoopWait& wait);
 
   std::optional<std::filesystem::path> applicationSupportDirectory() override;
   std::optional<std::filesystem::path> libraryDirectory() override;
@@ -30,7 +30,7 @@ class FileSystem final : public posix::FileOperations {
     std::optional<FileStamp> file;
     bool overtaken = false;
   };
-  platform::MainLoop& loop_;
+  LoopWait& wait_;
   /// From the first watch on.
   std::shared_ptr<FileEvents> events_;
   std::shared_ptr<LastRead> lastRead_;

@@ -1,5 +1,6 @@
 #include "hosts/x11/files/file_watch.h"
 
+#include <glib.h>
 #include <sys/inotify.h>
 
 #include <algorithm>
@@ -8,22 +9,18 @@
 namespace keyvora::x11 {
 namespace {
 
-using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
-
 /// Changes are reported when none has come for this long, or when the first is this old.
-constexpr milliseconds quiet(5);
-constexpr milliseconds longest(20);
+constexpr FileEvents::Microseconds quiet = 5'000;
+constexpr FileEvents::Microseconds longest = 20'000;
 
 }  // namespace
 
-std::unique_ptr<FileWatch> FileWatch::arm(std::shared_ptr<FileEvents> events, platform::MainLoop& loop,
-                                          const std::string& path, std::function<void()> handler,
-                                          Missed missed) {
+std::unique_ptr<FileWatch> FileWatch::arm(std::shared_ptr<FileEvents> events, const std::string& path,
+                                          std::function<void()> handler, Missed missed) {
   const auto before = FileStamp::of(path.c_str());
   if (!before) return nullptr;
   std::unique_ptr<FileWatch> watch(
-      new FileWatch(std::move(events), loop, path, *before, std::move(handler), std::move(missed)));
+      new FileWatch(std::move(events), path, *before, std::move(handler), std::move(missed)));
   if (!watch->events_->add(path.c_str(), *watch)) return nullptr;
   // If the path has got another file meanwhile, the watch may be of that one or of the one before.
   const auto after = FileStamp::of(path.c_str());
@@ -31,25 +28,23 @@ std::unique_ptr<FileWatch> FileWatch::arm(std::shared_ptr<FileEvents> events, pl
   return watch;
 }
 
-FileWatch::FileWatch(std::shared_ptr<FileEvents> events, platform::MainLoop& loop, std::string path,
-                     const FileStamp& file, std::function<void()> handler, Missed missed)
+FileWatch::FileWatch(std::shared_ptr<FileEvents> events, std::string path, const FileStamp& file,
+                     std::function<void()> handler, Missed missed)
     : events_(std::move(events)),
-      loop_(loop),
       path_(std::move(path)),
       file_(file),
       handler_(std::move(handler)),
-      missed_(std::move(missed)),
-      self_(std::make_shared<FileWatch*>(this)) {}
+      missed_(std::move(missed)) {}
 
 FileWatch::~FileWatch() {
   FileWatch::cancel();
 }
 
 void FileWatch::cancel() {
-  if (!self_) return;
+  if (!events_) return;
   events_->remove(*this);
-  self_.reset();
-  if (isCollecting_) missed_(path_);
+  events_.reset();
+  if (changes_) missed_(path_);
 }
 
 bool FileWatch::happened(std::uint32_t events) {
@@ -61,22 +56,17 @@ bool FileWatch::happened(std::uint32_t events) {
 }
 
 void FileWatch::changed() {
-  last_ = Clock::now();
-  if (std::exchange(isCollecting_, true)) return;
-  first_ = last_;
-  deliverIn(quiet);
+  const auto now = g_get_monotonic_time();
+  changes_ = Changes{changes_ ? changes_->first : now, now};
 }
 
-void FileWatch::deliverIn(Clock::duration delay) {
-  loop_.after(delay, [self = std::weak_ptr(self_)] {
-    if (const auto watch = self.lock()) (*watch)->deliverIfQuiet();
-  });
+std::optional<FileWatch::Microseconds> FileWatch::due() const {
+  if (!changes_) return std::nullopt;
+  return std::min(changes_->last + quiet, changes_->first + longest);
 }
 
-void FileWatch::deliverIfQuiet() {
-  const auto left = std::min(last_ + quiet, first_ + longest) - Clock::now();
-  if (left > Clock::duration::zero()) return deliverIn(left);
-  isCollecting_ = false;
+void FileWatch::deliver() {
+  changes_.reset();
   const auto handler = handler_;  // a copy: it may destroy this watch
   handler();
 }

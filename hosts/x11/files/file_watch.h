@@ -1,14 +1,13 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "hosts/x11/files/file_events.h"
 #include "hosts/x11/files/file_stamp.h"
 #include "platform/file_system.h"
-#include "platform/main_loop.h"
 
 namespace keyvora::x11 {
 
@@ -20,9 +19,8 @@ class FileWatch final : public platform::FileWatch, private FileEvents::Listener
   using Missed = std::function<void(const std::string& path)>;
 
   /// Null when the file cannot be watched.
-  static std::unique_ptr<FileWatch> arm(std::shared_ptr<FileEvents> events, platform::MainLoop& loop,
-                                        const std::string& path, std::function<void()> handler,
-                                        Missed missed);
+  static std::unique_ptr<FileWatch> arm(std::shared_ptr<FileEvents> events, const std::string& path,
+                                        std::function<void()> handler, Missed missed);
 
   FileWatch(const FileWatch&) = delete;
   FileWatch& operator=(const FileWatch&) = delete;
@@ -37,28 +35,29 @@ class FileWatch final : public platform::FileWatch, private FileEvents::Listener
   [[nodiscard]] const FileStamp& file() const { return file_; }
 
  private:
-  using Moment = std::chrono::steady_clock::time_point;
+  using Microseconds = FileEvents::Microseconds;
 
-  FileWatch(std::shared_ptr<FileEvents> events, platform::MainLoop& loop, std::string path,
-            const FileStamp& file, std::function<void()> handler, Missed missed);
+  FileWatch(std::shared_ptr<FileEvents> events, std::string path, const FileStamp& file,
+            std::function<void()> handler, Missed missed);
 
   bool happened(std::uint32_t events) override;
-  void deliverIn(std::chrono::steady_clock::duration delay);
-  void deliverIfQuiet();
+  [[nodiscard]] std::optional<Microseconds> due() const override;
+  void deliver() override;
   bool wasUnlinked();
 
+  /// When the first and the last of the changes came that were not reported yet.
+  struct Changes {
+    Microseconds first;
+    Microseconds last;
+  };
+
+  /// Null once cancelled.
   std::shared_ptr<FileEvents> events_;
-  platform::MainLoop& loop_;
   std::string path_;
   FileStamp file_;
   std::function<void()> handler_;
   Missed missed_;
-  /// There are changes that were not reported yet; when the first and the last of them came.
-  bool isCollecting_ = false;
-  Moment first_;
-  Moment last_;
-  /// Held weakly by delayed blocks; null once cancelled.
-  std::shared_ptr<FileWatch*> self_;
+  std::optional<Changes> changes_;
 };
 
 }  // namespace keyvora::x11

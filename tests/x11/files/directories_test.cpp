@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 class DirectoriesTest : public testing::Test {
  protected:
   MainLoop loop;
-  FileSystem files{loop};
+  FileSystem files{loop.wait()};
 };
 
 TEST_F(DirectoriesTest, TheUsersDirectoriesAreUnderHome) {
