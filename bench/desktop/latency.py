@@ -3,7 +3,7 @@
 import argparse
 import subprocess
 import time
-from collections.abc import Callable
+from contextlib import nullcontext
 from pathlib import Path
 
 from awake import Awake
@@ -33,44 +33,70 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     """From a document renamed into place to the log line of the reload, without the fixed delay.
 
     First on a machine whose processors sleep between saves, then with processors kept awake: what a reload costs by
-    itself, without what waking a sleeping processor adds to each of its steps.
+    itself, without what waking a sleeping processor adds to each of its steps. Each time beside a program that asks the
+    system for what a reload needs and does nothing else.
     """
     path = mappings(desktop.home)
     path.write_text(DOCUMENT)
     first = go_first(desktop.children.named("Xvfb").pid)
     print(f"at {'real-time' if first else 'ordinary'} priority")
-    decode = [str(arguments.programs / "bench/bench_decode_now_and_then"), str(path), str(SAVES)]
-    with Console(arguments.programs / "app/keyvora", desktop.home) as keyvora:
-        keyvora.wait("tap installed, ")
-        process = keyvora.process.pid
-
-        def save() -> float:
-            """How long it took until the document was loaded; the watch starts after the log line."""
-            beside = path.with_suffix(".new")
-            beside.write_text(DOCUMENT)
-            start = time.monotonic()
-            beside.rename(path)
-            taken = keyvora.wait("mappings reloaded, 3 sequences") - start - DELAY
-            time.sleep(0.05)
-            return taken
-
-        calm(lambda: switches(process), "the start", 1)
-        print("processors that may sleep:")
-        print_reloads(process, save, decode)
-        with Awake():
-            print("processors kept awake:")
-            print_reloads(process, save, decode)
-        print(f"polls of a reload: {polls_during(process, desktop.folder / 'polls', save):g}")
+    for name, condition in (("that may sleep", nullcontext()), ("kept awake", Awake())):
+        print(f"processors {name}:")
+        with condition:
+            with Reloading(arguments.programs / "bench/bench_bare_reload", desktop.home, "ready") as bare:
+                floor = main_threads_median(bare)
+                print(f"  a bare program, its main thread's processor time: p50 {floor * 1000:.2f} ms")
+            with Reloading(arguments.programs / "app/keyvora", desktop.home, "tap installed, ") as keyvora:
+                print_reloads(keyvora, arguments.programs)
+    with Reloading(arguments.programs / "app/keyvora", desktop.home, "tap installed, ") as keyvora:
+        print(f"polls of a reload: {polls_during(keyvora, desktop.folder / 'polls'):g}")
 
 
-def print_reloads(process: int, save: Callable[[], float], decode: list[str]) -> None:
+class Reloading(Console):
+    """A program that reloads the document of its home, after its start."""
+
+    def __init__(self, program: Path, home: Path, ready: str) -> None:
+        super().__init__(program, home)
+        self.document = mappings(home)
+        self.ready = ready
+
+    def __enter__(self) -> "Reloading":
+        super().__enter__()
+        self.wait(self.ready)
+        calm(lambda: switches(self.process.pid), "the start", 1)
+        return self
+
+    def save(self) -> float:
+        """How long it took until the document was loaded; the watch starts after the log line."""
+        beside = self.document.with_suffix(".new")
+        beside.write_text(DOCUMENT)
+        start = time.monotonic()
+        beside.rename(self.document)
+        taken = self.wait("mappings reloaded, 3 sequences") - start - DELAY
+        time.sleep(0.05)
+        return taken
+
+
+def main_threads_median(program: Reloading) -> float:
+    """The main thread's processor time of a reload, in seconds."""
+    times = []
+    for _ in range(SAVES):
+        before = main_thread(program.process.pid)
+        program.save()
+        times.append(main_thread(program.process.pid) - before)
+    return percentiles(times)[0]
+
+
+def print_reloads(keyvora: Reloading, programs: Path) -> None:
     """Saves, and prints the times and the processor time of the reloads."""
+    process = keyvora.process.pid
     times, processor, main = [], [], []
     for _ in range(SAVES):
         before, main_before = counts(process).processor, main_thread(process)
-        times.append(save())
+        times.append(keyvora.save())
         processor.append(counts(process).processor - before)
         main.append(main_thread(process) - main_before)
+    decode = [str(programs / "bench/bench_decode_now_and_then"), str(keyvora.document), str(SAVES)]
     decoding = [float(line) for line in
                 subprocess.run(decode, check=True, stdout=subprocess.PIPE, text=True).stdout.split()]
     print(f"  change on disk to document loaded, beyond the fixed {DELAY} s: {in_milliseconds(times)}")
@@ -81,16 +107,16 @@ def print_reloads(process: int, save: Callable[[], float], decode: list[str]) ->
     print(f"  main thread's processor time beside decoding, at the median: {beside * 1000:.2f} ms")
 
 
-def polls_during(process: int, file: Path, save: Callable[[], float]) -> float:
+def polls_during(keyvora: Reloading, file: Path) -> float:
     """How often the main thread polls for one save, on average; counted by strace."""
-    tracer = subprocess.Popen(["strace", "-e", "trace=poll", "-o", str(file), "-p", str(process)],
+    tracer = subprocess.Popen(["strace", "-e", "trace=poll", "-o", str(file), "-p", str(keyvora.process.pid)],
                               stderr=subprocess.PIPE)
     stderr = tracer.stderr
     assert stderr
     stderr.readline()  # "attached"
     saves = 10
     for _ in range(saves):
-        save()
+        keyvora.save()
     tracer.terminate()
     tracer.wait()
     # The one in which it waits already when the tracer comes is told as another call.

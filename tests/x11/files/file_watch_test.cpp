@@ -15,6 +15,7 @@
 #include <functional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "hosts/posix/file_descriptor.h"
 #include "hosts/x11/files/file_system.h"
@@ -326,6 +327,33 @@ TEST_F(FileWatchTest, EachOfTwoWatchesOfAFileHearsOfItAsLongAsItIsThere) {
   fs::remove(file);
   ASSERT_TRUE(runUntil([&] { return others == 3; }));
   EXPECT_EQ(notified, 2);
+}
+
+TEST_F(FileWatchTest, WhatTheKernelHadNoRoomToReportIsHeard) {
+  const auto gone = scratch.path() / "gone";
+  writeFile(gone, "first");
+  int goneNotified = 0;
+  const auto watchOfGone = files.watch(gone, [&goneNotified] { ++goneNotified; });
+  fs::rename(gone, gone.string() + "~");
+  ASSERT_TRUE(runUntil([&] { return goneNotified == 1; }));
+
+  // Two files by turns, since the kernel merges reports that are equal.
+  std::vector<std::unique_ptr<platform::FileWatch>> others;
+  std::vector<std::ofstream> streams;
+  for (const char* name : {"one", "two"}) {
+    writeFile(scratch.path() / name, "");
+    others.push_back(files.watch(scratch.path() / name, [] {}));
+    streams.emplace_back(scratch.path() / name);
+  }
+  watch();
+  std::ifstream limit("/proc/sys/fs/inotify/max_queued_events");
+  int room = 0;
+  ASSERT_TRUE(limit >> room);
+  for (int report = 0; report <= room; ++report) streams[std::size_t(report % 2)] << "x" << std::flush;
+  writeFile(file, "second");
+  EXPECT_TRUE(awaitNotification());
+  settle();
+  EXPECT_EQ(goneNotified, 1);
 }
 
 TEST_F(FileWatchTest, TheEndOfAWatchLeavesNothingToRead) {
