@@ -329,6 +329,19 @@ TEST_F(FileWatchTest, EachOfTwoWatchesOfAFileHearsOfItAsLongAsItIsThere) {
   EXPECT_EQ(notified, 2);
 }
 
+TEST_F(FileWatchTest, TwoWatchesOfAFileThatGetsAnotherNameHearNothingMore) {
+  watch();
+  int others = 0;
+  const auto other = files.watch(file, [&others] { ++others; });
+  const auto renamed = file.string() + "~";
+  fs::rename(file, renamed);
+  ASSERT_TRUE(runUntil([&] { return notified == 1 && others == 1; }));
+  writeFile(renamed, "second");
+  settle();
+  EXPECT_EQ(notified, 1);
+  EXPECT_EQ(others, 1);
+}
+
 TEST_F(FileWatchTest, WhatTheKernelHadNoRoomToReportIsHeard) {
   const auto gone = scratch.path() / "gone";
   writeFile(gone, "first");
