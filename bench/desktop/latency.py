@@ -3,7 +3,7 @@
 import argparse
 import subprocess
 import time
-from contextlib import nullcontext
+from contextlib import AbstractContextManager, nullcontext
 from pathlib import Path
 
 from awake import Awake
@@ -40,7 +40,8 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     path.write_text(DOCUMENT)
     first = go_first(desktop.children.named("Xvfb").pid)
     print(f"at {'real-time' if first else 'ordinary'} priority")
-    for name, condition in (("that may sleep", nullcontext()), ("kept awake", Awake())):
+    conditions: dict[str, AbstractContextManager[object]] = {"that may sleep": nullcontext(), "kept awake": Awake()}
+    for name, condition in conditions.items():
         print(f"processors {name}:")
         with condition:
             with Reloading(arguments.programs / "bench/bench_bare_reload", desktop.home, "ready") as bare:
