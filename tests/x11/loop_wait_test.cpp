@@ -3,9 +3,12 @@
 #include <glib.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "hosts/x11/glib_source.h"
@@ -23,10 +26,16 @@ constexpr Seconds soon{0.02};
 /// Longer than any test runs.
 constexpr Seconds never{1e6};
 
+/// Works from its construction on.
 class TestWorker final : public LoopWait::Worker {
  public:
   /// `code` is what the worker runs, true when that is other code of the program.
-  explicit TestWorker(std::function<bool()> code) : code_(std::move(code)) {}
+  TestWorker(LoopWait& wait, std::function<bool()> code) : wait_(wait), code_(std::move(code)) {
+    wait_.add(*this);
+  }
+  ~TestWorker() override { wait_.remove(*this); }
+  TestWorker(const TestWorker&) = delete;
+  TestWorker& operator=(const TestWorker&) = delete;
 
   [[nodiscard]] int descriptor() const override { return wakeup.fileDescriptor(); }
   [[nodiscard]] std::optional<LoopWait::Microseconds> due() const override { return moment; }
@@ -42,6 +51,7 @@ class TestWorker final : public LoopWait::Worker {
   bool staysReadable = false;
 
  private:
+  LoopWait& wait_;
   std::function<bool()> code_;
 };
 
@@ -67,55 +77,46 @@ class LoopWaitTest : public testing::Test {
 };
 
 TEST_F(LoopWaitTest, WorkTakesNoTurn) {
-  TestWorker worker(noting("work"));
-  loop.wait().add(worker);
+  TestWorker worker(loop.wait(), noting("work"));
   worker.wakeup.signal();
   loop.after(soon, note("block"));
   turn();
   EXPECT_EQ(happened, (Names{"work", "block"}));
-  loop.wait().remove(worker);
 }
 
 TEST_F(LoopWaitTest, WorkIsDoneWhenItIsDue) {
-  TestWorker worker(noting("work"));
-  loop.wait().add(worker);
+  TestWorker worker(loop.wait(), noting("work"));
   const auto due = g_get_monotonic_time() + 5'000;
   worker.moment = due;
   loop.after(2 * soon, note("block"));
   turn();
   EXPECT_EQ(happened, (Names{"work", "block"}));
   EXPECT_GE(g_get_monotonic_time(), due);
-  loop.wait().remove(worker);
 }
 
 TEST_F(LoopWaitTest, OtherCodeMakesTheLoopTakeATurn) {
-  TestWorker worker(noting("work", true));
-  loop.wait().add(worker);
+  TestWorker worker(loop.wait(), noting("work", true));
   worker.wakeup.signal();
   loop.after(never, note("block"));
   turn();
   EXPECT_EQ(happened, Names{"work"});
-  loop.wait().remove(worker);
 }
 
 TEST_F(LoopWaitTest, OtherCodeThatLeftTheRestToABlockTakesNoTurnOfItsOwn) {
-  TestWorker worker([this] {
+  TestWorker worker(loop.wait(), [this] {
     happened.emplace_back("work");
     loop.after(soon, note("block"));
     return true;
   });
-  loop.wait().add(worker);
   worker.wakeup.signal();
   turn();
   EXPECT_EQ(happened, (Names{"work", "block"}));
-  loop.wait().remove(worker);
 }
 
 TEST_F(LoopWaitTest, AKeyIsNotHeldUpByWorkWithoutEnd) {
-  TestWorker worker(noting("work"));
+  TestWorker worker(loop.wait(), noting("work"));
   worker.staysReadable = true;
   worker.wakeup.signal();
-  loop.wait().add(worker);
   const Wakeup key;
   const ReadableSource keyboard(key.fileDescriptor(), G_PRIORITY_HIGH, [&] {
     key.clear();
@@ -124,12 +125,10 @@ TEST_F(LoopWaitTest, AKeyIsNotHeldUpByWorkWithoutEnd) {
   key.signal();
   turn();
   EXPECT_EQ(happened, (Names{"work", "key"}));
-  loop.wait().remove(worker);
 }
 
 TEST_F(LoopWaitTest, ABlockFromAnotherThreadEndsTheWait) {
-  TestWorker worker(noting("work"));
-  loop.wait().add(worker);
+  TestWorker worker(loop.wait(), noting("work"));
   std::thread other([this] {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
     loop.after({}, note("block"));
@@ -137,21 +136,17 @@ TEST_F(LoopWaitTest, ABlockFromAnotherThreadEndsTheWait) {
   while (happened.empty()) turn();
   EXPECT_EQ(happened, Names{"block"});
   other.join();
-  loop.wait().remove(worker);
 }
 
 TEST_F(LoopWaitTest, WithoutTimeToWaitWorkIsDoneToo) {
-  TestWorker worker(noting("work"));
-  loop.wait().add(worker);
+  TestWorker worker(loop.wait(), noting("work"));
   worker.wakeup.signal();
   EXPECT_FALSE(g_main_context_iteration(nullptr, FALSE));
   EXPECT_EQ(happened, Names{"work"});
-  loop.wait().remove(worker);
 }
 
 TEST_F(LoopWaitTest, ARemovedWorkerDoesNothing) {
-  TestWorker worker(noting("work"));
-  loop.wait().add(worker);
+  TestWorker worker(loop.wait(), noting("work"));
   worker.wakeup.signal();
   loop.wait().remove(worker);
   loop.after({}, note("block"));
@@ -160,45 +155,39 @@ TEST_F(LoopWaitTest, ARemovedWorkerDoesNothing) {
 }
 
 TEST_F(LoopWaitTest, WorkersMayComeAndGoWithTheWork) {
-  TestWorker second(noting("second"));
+  TestWorker second(loop.wait(), noting("second"));
+  loop.wait().remove(second);
   second.wakeup.signal();
   std::optional<TestWorker> first;
-  first.emplace([&] {
+  first.emplace(loop.wait(), [&] {
     loop.wait().remove(*first);
     loop.wait().add(second);
     happened.emplace_back("first");
     return false;
   });
   first->wakeup.signal();
-  loop.wait().add(*first);
   loop.after(soon, note("block"));
   turn();
   EXPECT_EQ(happened, (Names{"first", "second", "block"}));
-  loop.wait().remove(second);
 }
 
 TEST_F(LoopWaitTest, OtherCodeMayRunTheLoop) {
-  TestWorker inner(noting("inner"));
-  TestWorker outer([&] {
+  TestWorker inner(loop.wait(), noting("inner"));
+  TestWorker outer(loop.wait(), [&] {
     inner.wakeup.signal();
     loop.after(soon, note("block"));
     turn();
     happened.emplace_back("outer");
     return true;
   });
-  loop.wait().add(outer);
-  loop.wait().add(inner);
   outer.wakeup.signal();
   loop.after(3 * soon, note("last"));
   while (happened.size() < 4) turn();
   EXPECT_EQ(happened, (Names{"inner", "block", "outer", "last"}));
-  loop.wait().remove(inner);
-  loop.wait().remove(outer);
 }
 
 TEST_F(LoopWaitTest, AYoungerLoopGivesTheWaitBack) {
-  TestWorker worker(noting("work"));
-  loop.wait().add(worker);
+  TestWorker worker(loop.wait(), noting("work"));
   worker.wakeup.signal();
   {
     const MainLoop younger;
@@ -207,7 +196,6 @@ TEST_F(LoopWaitTest, AYoungerLoopGivesTheWaitBack) {
   }
   g_main_context_iteration(nullptr, FALSE);
   EXPECT_EQ(happened, Names{"work"});
-  loop.wait().remove(worker);
 }
 
 }  // namespace

@@ -173,7 +173,7 @@ TEST_F(FileWatchTest, AWriteThatOnlyTheCancelledWatchKnowsOfIsHeard) {
 }
 
 TEST_F(FileWatchTest, WatchesLeaveNoFilesOpen) {
-  watch();  // for its first source the loop opens a file
+  watch();  // what all watches share stays open
   source.reset();
   const auto before = openFiles();
   for (int time = 0; time < 10; ++time) watch();
