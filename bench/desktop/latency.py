@@ -44,28 +44,32 @@ def reload(desktop: PrivateDesktop, arguments: argparse.Namespace) -> None:
     for name, condition in conditions.items():
         print(f"processors {name}:")
         with condition:
-            with Reloading(arguments.programs / "bench/bench_bare_reload", desktop.home, "ready") as bare:
-                floor = main_threads_median(bare)
-                print(f"  a bare program, its main thread's processor time: p50 {floor * 1000:.2f} ms")
-            with Reloading(arguments.programs / "app/keyvora", desktop.home, "tap installed, ") as keyvora:
+            with Reloading(arguments.programs / "bench/bench_bare_reload", desktop.home) as bare:
+                bare.await_start("ready")
+                _, _, floor = reloads(bare)
+                print(f"  a bare program, its main thread's processor time: {in_milliseconds(floor)}")
+            with Reloading(arguments.programs / "app/keyvora", desktop.home) as keyvora:
+                keyvora.await_start("tap installed, ")
                 print_reloads(keyvora, arguments.programs)
-    with Reloading(arguments.programs / "app/keyvora", desktop.home, "tap installed, ") as keyvora:
+    with Reloading(arguments.programs / "app/keyvora", desktop.home) as keyvora:
+        keyvora.await_start("tap installed, ")
         print(f"polls of a reload: {polls_during(keyvora, desktop.folder / 'polls'):g}")
 
 
 class Reloading(Console):
-    """A program that reloads the document of its home, after its start."""
+    """A program that reloads the document of its home."""
 
-    def __init__(self, program: Path, home: Path, ready: str) -> None:
+    def __init__(self, program: Path, home: Path) -> None:
         super().__init__(program, home)
         self.document = mappings(home)
-        self.ready = ready
 
     def __enter__(self) -> "Reloading":
-        super().__enter__()
-        self.wait(self.ready)
-        calm(lambda: switches(self.process.pid), "the start", 1)
         return self
+
+    def await_start(self, line: str) -> None:
+        """Waits for the line that ends the start, and until the program rests."""
+        self.wait(line)
+        calm(lambda: switches(self.process.pid), "the start", 1)
 
     def save(self) -> float:
         """How long it took until the document was loaded; the watch starts after the log line."""
@@ -78,25 +82,21 @@ class Reloading(Console):
         return taken
 
 
-def main_threads_median(program: Reloading) -> float:
-    """The main thread's processor time of a reload, in seconds."""
-    times = []
+def reloads(program: Reloading) -> tuple[list[float], list[float], list[float]]:
+    """Saves. How long each took, its processor time, and the main thread's part of that, in seconds."""
+    process = program.process.pid
+    times, processor, main = [], [], []
     for _ in range(SAVES):
-        before = main_thread(program.process.pid)
-        program.save()
-        times.append(main_thread(program.process.pid) - before)
-    return percentiles(times)[0]
+        before, main_before = counts(process).processor, main_thread(process)
+        times.append(program.save())
+        processor.append(counts(process).processor - before)
+        main.append(main_thread(process) - main_before)
+    return times, processor, main
 
 
 def print_reloads(keyvora: Reloading, programs: Path) -> None:
     """Saves, and prints the times and the processor time of the reloads."""
-    process = keyvora.process.pid
-    times, processor, main = [], [], []
-    for _ in range(SAVES):
-        before, main_before = counts(process).processor, main_thread(process)
-        times.append(keyvora.save())
-        processor.append(counts(process).processor - before)
-        main.append(main_thread(process) - main_before)
+    times, processor, main = reloads(keyvora)
     decode = [str(programs / "bench/bench_decode_now_and_then"), str(keyvora.document), str(SAVES)]
     decoding = [float(line) for line in
                 subprocess.run(decode, check=True, stdout=subprocess.PIPE, text=True).stdout.split()]
