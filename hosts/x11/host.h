@@ -13,7 +13,7 @@
 #include "hosts/x11/keyboard/current_tap.h"
 #include "hosts/x11/keyboard/keyboard.h"
 #include "hosts/x11/login_service.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "hosts/x11/notices.h"
 #include "hosts/x11/process.h"
 #include "hosts/x11/queues.h"

@@ -4,7 +4,7 @@
 
 #include <csignal>
 
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "tests/x11/recording_console.h"
 
 namespace keyvora::x11 {

@@ -5,7 +5,7 @@
 #include "hosts/x11/applications/window_list.h"
 #include "hosts/x11/applications/window_property.h"
 #include "hosts/x11/display.h"
-#include "hosts/x11/glib_source.h"
+#include "hosts/x11/loop/glib_source.h"
 
 namespace keyvora::x11 {
 

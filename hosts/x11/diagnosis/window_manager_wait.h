@@ -5,7 +5,7 @@
 #include <string>
 
 #include "hosts/x11/display.h"
-#include "hosts/x11/glib_source.h"
+#include "hosts/x11/loop/glib_source.h"
 #include "platform/main_loop.h"
 
 namespace keyvora::x11 {

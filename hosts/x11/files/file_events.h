@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "hosts/posix/file_descriptor.h"
-#include "hosts/x11/loop_wait.h"
+#include "hosts/x11/loop/loop_wait.h"
 
 namespace keyvora::x11 {
 

@@ -5,7 +5,7 @@
 #include "hosts/posix/file_operations.h"
 #include "hosts/x11/files/file_events.h"
 #include "hosts/x11/files/file_stamp.h"
-#include "hosts/x11/loop_wait.h"
+#include "hosts/x11/loop/loop_wait.h"
 
 namespace keyvora::x11 {
 

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "hosts/x11/applications/target_window.h"
-#include "hosts/x11/glib_source.h"
 #include "hosts/x11/keyboard/tap_process.h"
+#include "hosts/x11/loop/glib_source.h"
 #include "platform/keyboard.h"
 
 namespace keyvora::x11 {

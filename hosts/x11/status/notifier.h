@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "hosts/x11/status/notifier_host.h"
 #include "hosts/x11/status/notifier_item.h"
 #include "hosts/x11/status/notifier_menu.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "platform/status_bar.h"
 
 namespace keyvora::x11 {

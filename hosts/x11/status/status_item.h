@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "hosts/x11/status/notifier.h"
 #include "hosts/x11/status/notifier_host.h"
 #include "hosts/x11/status/status_menu.h"

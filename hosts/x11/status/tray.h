@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "hosts/x11/display.h"
-#include "hosts/x11/glib_source.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/glib_source.h"
+#include "hosts/x11/loop/main_loop.h"
 
 namespace keyvora::x11 {
 

@@ -21,7 +21,7 @@
 #include <string_view>
 #include <vector>
 
-#include "hosts/x11/glib_source.h"
+#include "hosts/x11/loop/glib_source.h"
 
 namespace {
 

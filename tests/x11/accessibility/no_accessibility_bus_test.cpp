@@ -9,7 +9,7 @@
 #include "hosts/x11/diagnosis/diagnosis.h"
 #include "hosts/x11/gobject.h"
 #include "hosts/x11/keyboard/current_tap.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "tests/x11/private_session.h"
 #include "tests/x11/recording_console.h"
 

@@ -14,7 +14,7 @@
 #include "hosts/x11/applications/desktop_windows.h"
 #include "hosts/x11/diagnosis/facts.h"
 #include "hosts/x11/diagnosis/option_grabs.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "hosts/x11/tap/key_devices.h"
 #include "hosts/x11/tap/tap_claim.h"
 #include "tests/x11/keyboard/client_window.h"

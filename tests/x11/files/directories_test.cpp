@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "hosts/x11/files/file_system.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "tests/x11/scratch.h"
 
 namespace keyvora::x11 {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "hosts/x11/files/file_system.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "tests/x11/private_display.h"
 #include "tests/x11/scratch.h"
 

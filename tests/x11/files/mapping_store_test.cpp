@@ -7,10 +7,10 @@
 #include "hosts/posix/file_descriptor.h"
 #include "hosts/simulated/host.h"
 #include "hosts/x11/files/file_system.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
+#include "tests/x11/loop/turn_counter.h"
 #include "tests/x11/private_display.h"
 #include "tests/x11/scratch.h"
-#include "tests/x11/turn_counter.h"
 
 namespace keyvora::x11 {
 namespace {

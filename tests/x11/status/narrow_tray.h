@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "hosts/x11/display.h"
-#include "hosts/x11/glib_source.h"
+#include "hosts/x11/loop/glib_source.h"
 #include "tests/x11/screen.h"
 
 namespace keyvora::x11 {

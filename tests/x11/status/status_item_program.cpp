@@ -21,7 +21,7 @@
 #include <iostream>
 #include <map>
 
-#include "hosts/x11/glib_source.h"
+#include "hosts/x11/loop/glib_source.h"
 #include "hosts/x11/status/status_bar.h"
 #include "hosts/x11/toolkit.h"
 

@@ -13,7 +13,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 #include "hosts/x11/updates/fetch/answer.h"
 #include "tests/x11/private_display.h"
 

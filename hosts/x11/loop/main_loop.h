@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
-#include "hosts/x11/agenda.h"
-#include "hosts/x11/loop_wait.h"
+#include "hosts/x11/loop/agenda.h"
+#include "hosts/x11/loop/loop_wait.h"
 #include "platform/main_loop.h"
 
 namespace keyvora::x11 {

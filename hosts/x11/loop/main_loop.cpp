@@ -1,4 +1,4 @@
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 
 #include <glib.h>
 

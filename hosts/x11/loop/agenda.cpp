@@ -1,4 +1,4 @@
-#include "hosts/x11/agenda.h"
+#include "hosts/x11/loop/agenda.h"
 
 #include <algorithm>
 #include <utility>

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "hosts/x11/agenda.h"
+#include "hosts/x11/loop/agenda.h"
 
 namespace keyvora::x11 {
 

@@ -1,4 +1,4 @@
-#include "hosts/x11/glib_source.h"
+#include "hosts/x11/loop/glib_source.h"
 
 #include <glib-unix.h>
 

@@ -1,4 +1,4 @@
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/main_loop.h"
 
 #include <glib.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
-#include "hosts/x11/glib_source.h"
 #include "hosts/x11/keyboard/wakeup.h"
+#include "hosts/x11/loop/glib_source.h"
 #include "tests/x11/private_display.h"
 
 namespace keyvora::x11 {

@@ -1,4 +1,4 @@
-#include "hosts/x11/loop_wait.h"
+#include "hosts/x11/loop/loop_wait.h"
 
 #include <glib.h>
 #include <gtest/gtest.h>
@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "hosts/x11/glib_source.h"
 #include "hosts/x11/keyboard/wakeup.h"
-#include "hosts/x11/main_loop.h"
+#include "hosts/x11/loop/glib_source.h"
+#include "hosts/x11/loop/main_loop.h"
 
 namespace keyvora::x11 {
 namespace {

@@ -1,4 +1,4 @@
-#include "hosts/x11/loop_wait.h"
+#include "hosts/x11/loop/loop_wait.h"
 
 #include <algorithm>
 #include <utility>
