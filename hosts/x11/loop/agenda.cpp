@@ -24,7 +24,7 @@ void Agenda::add(Microseconds due, std::function<void()> block) {
     blocks_.emplace(due, std::move(block));
   }
   // On the loop's own thread it looks at the agenda before it waits again.
-  if (std::this_thread::get_id() == mainThread_) {
+  if (isMainThread()) {
     ++additions_;
   } else {
     g_main_context_wakeup(nullptr);

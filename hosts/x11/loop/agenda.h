@@ -27,6 +27,9 @@ class Agenda {
   /// Runs `block` once on the main thread when `due` has come. Any thread.
   void add(Microseconds due, std::function<void()> block);
 
+  /// Any thread.
+  [[nodiscard]] bool isMainThread() const { return std::this_thread::get_id() == mainThread_; }
+
   /// When the first of the blocks is due; none without a block. Any thread.
   std::optional<Microseconds> firstDue();
 
@@ -54,7 +57,7 @@ class Agenda {
   void runFirst();
   Blocks::node_type takeFirst();
 
-  std::thread::id mainThread_ = std::this_thread::get_id();
+  const std::thread::id mainThread_ = std::this_thread::get_id();
   std::uint64_t additions_ = 0;
   std::mutex mutex_;
   Blocks blocks_;

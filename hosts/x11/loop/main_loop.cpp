@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <thread>
 #include <utility>
 
 namespace keyvora::x11 {
@@ -127,7 +126,7 @@ MainLoop::MainLoop() : timing_(std::make_shared<Timing>()), wait_(agenda_) {}
 MainLoop::~MainLoop() = default;
 
 bool MainLoop::isMainThread() const {
-  return std::this_thread::get_id() == mainThread_;
+  return agenda_.isMainThread();
 }
 
 std::unique_ptr<platform::Timer> MainLoop::schedule(platform::Seconds interval, bool repeats,

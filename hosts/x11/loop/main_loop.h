@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <thread>
 #include <vector>
 
 #include "hosts/x11/loop/agenda.h"
@@ -34,7 +33,6 @@ class MainLoop final : public platform::MainLoop {
   class Timing;
 
  private:
-  std::thread::id mainThread_ = std::this_thread::get_id();
   /// Shared with the timers, which may outlive the loop.
   std::shared_ptr<Timing> timing_;
   Agenda agenda_;
