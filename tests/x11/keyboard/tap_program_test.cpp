@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <utility>
 
 #include "tests/x11/keyboard/event_tap_fixture.h"
 
@@ -158,7 +159,7 @@ TEST_F(TapProgramTest, AKeyMapThatChangesInBurstsWhileArmedLosesNoKey) {
   const auto arrived = [&] { return target.pressed().size() + catcher.caught.size(); };
   for (; typed < rounds || !ending; ++typed) {
     user.tap({key::leftOption, key::h, key::f, key::a, key::b});
-    const bool all = runUntil([&] { return arrived() == std::size_t(5 * (typed + 1)); });
+    const bool all = runUntil([&] { return std::cmp_equal(arrived(), 5 * (typed + 1)); });
     EXPECT_TRUE(all) << typed << ": " << arrived();
     if (!all) break;
   }
